@@ -1,0 +1,62 @@
+#include "CliOptions.h"
+
+#include <string_view>
+
+namespace kestrin::cli {
+
+const char* usageText() {
+    return "usage: kestrin info LAYOUT.IIF [--json] [--project PROJECT] [--yes] [--lang FILE] [--custom-lang FILE]\n"
+           "       kestrin rewrite LAYOUT.IIF [--to OUT.IIF] [--project PROJECT] [--yes] [--lang FILE]\n"
+           "       kestrin fields PROJECT [--json]\n";
+}
+
+std::optional<CliOptions> parseCommandLine(int argc, char** argv, std::string& error) {
+    CliOptions o;
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view a = argv[i];
+        auto value = [&](std::string& target) {
+            if (i + 1 >= argc) {
+                error = std::string(a) + " needs a value";
+                return false;
+            }
+            target = argv[++i];
+            return true;
+        };
+        if (a == "--json") {
+            o.json = true;
+        } else if (a == "--yes") {
+            o.yes = true;
+        } else if (a == "--to") {
+            if (!value(o.to)) return std::nullopt;
+        } else if (a == "--project") {
+            if (!value(o.project)) return std::nullopt;
+        } else if (a == "--lang") {
+            if (!value(o.lang)) return std::nullopt;
+        } else if (a == "--custom-lang") {
+            if (!value(o.customLang)) return std::nullopt;
+        } else if (a.size() > 1 && a.front() == '-') {
+            error = "unknown option " + std::string(a);
+            return std::nullopt;
+        } else if (o.command.empty()) {
+            o.command = std::string(a);
+        } else {
+            o.arguments.emplace_back(a);
+        }
+    }
+    const bool known = o.command == "info" || o.command == "rewrite" || o.command == "fields";
+    if (!known) {
+        error = o.command.empty() ? "no command given" : "unknown command " + o.command;
+        return std::nullopt;
+    }
+    if (o.arguments.size() != 1) {
+        error = o.command + " takes exactly one file";
+        return std::nullopt;
+    }
+    if (!o.to.empty() && o.command != "rewrite") {
+        error = "--to goes with rewrite";
+        return std::nullopt;
+    }
+    return o;
+}
+
+}  // namespace kestrin::cli

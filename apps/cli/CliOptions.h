@@ -1,0 +1,24 @@
+#pragma once
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kestrin::cli {
+
+// The command line: a command word, its positional arguments and the options.
+struct CliOptions {
+    std::string command;
+    std::vector<std::string> arguments;
+    bool json = false;
+    bool yes = false;
+    std::string to;       // rewrite --to
+    std::string project;  // --project
+    std::string lang;     // --lang: the standard language library
+    std::string customLang;  // --custom-lang: the customer's language library
+};
+
+// Parses argv; nothing (with a message in error) on wrong usage.
+std::optional<CliOptions> parseCommandLine(int argc, char** argv, std::string& error);
+const char* usageText();
+
+}  // namespace kestrin::cli

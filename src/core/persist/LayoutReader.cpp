@@ -1,0 +1,383 @@
+#include "LayoutReader.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <unordered_set>
+
+#include "HostFields.h"
+#include "LayoutSyntax.h"
+#include "ProfileDocument.h"
+#include "ProfileStrings.h"
+#include "base/KestrinError.h"
+#include "base/ProductInfo.h"
+#include "card/CIClass.h"
+#include "items/RecordArray.h"
+#include "text/Prompter.h"
+
+namespace kestrin {
+
+namespace fs = std::filesystem;
+namespace S = layout_sections;
+
+namespace {
+
+constexpr const char* kErrorSource = "iClass UserControl";
+
+struct Version {
+    int major = 0, minor = 0, revision = 0;
+};
+
+Version parseVersion(const std::string& text) {
+    int parts[3] = {0, 0, 0};
+    size_t start = 0;
+    for (int& part : parts) {
+        const size_t dot = text.find('.', start);
+        const std::string piece = text.substr(start, dot == std::string::npos ? std::string::npos : dot - start);
+        part = static_cast<int>(parseProfileInt(piece).value_or(0));
+        if (dot == std::string::npos) break;
+        start = dot + 1;
+    }
+    return {parts[0], parts[1], parts[2]};
+}
+
+bool isLater(const Version& v) {
+    if (v.major != kVersionMajor) return v.major > kVersionMajor;
+    if (v.minor != kVersionMinor) return v.minor > kVersionMinor;
+    return v.revision > kVersionRevision;
+}
+
+// Keys of a numbered section ("1Value", "2Value" ...) in ascending number order.
+std::vector<int32_t> numbersOf(const ProfileDocument& doc, std::string_view section, std::string_view suffix) {
+    std::vector<int32_t> out;
+    for (const auto& key : doc.keys(section))
+        if (auto n = numberedKey(key, suffix)) out.push_back(*n);
+    std::sort(out.begin(), out.end());
+    out.erase(std::unique(out.begin(), out.end()), out.end());
+    return out;
+}
+
+// Distinct keys of a section in file order (a repeated key reads as its first entry anyway).
+std::vector<std::string> distinctKeys(const ProfileDocument& doc, std::string_view section) {
+    std::vector<std::string> out;
+    std::unordered_set<std::string> seen;
+    for (auto& key : doc.keys(section))
+        if (seen.insert(asciiLower(key)).second) out.push_back(std::move(key));
+    return out;
+}
+
+class Reader {
+public:
+    Reader(const ProfileDocument& doc, const CIClass& card, LayoutReadResult& result)
+        : doc_(doc), card_(card), result_(result) {}
+
+    RecordArray run() {
+        readCombinedParts();
+        readFields();
+        readBitFields();
+        readCombinedFields();
+        readFunctions(S::InitCard, false);
+        readFunctions(S::BitInitCard, true);
+        readDatabaseUpdates();
+        readMultiTrack();
+        for (const auto& key : distinctKeys(doc_, S::Settings))
+            result_.settings.emplace_back(key, readLayoutString(doc_, S::Settings, key));
+        return std::move(records_);
+    }
+
+private:
+    void drop(std::string_view section, const std::string& key, const std::string& why) {
+        result_.warnings.push_back("[" + std::string(section) + "] " + key + ": " + why + "; entry dropped");
+    }
+
+    // At least n comma-separated 16-bit numbers, or nothing.
+    static std::optional<std::vector<int16_t>> shorts(const std::string& text, size_t n) {
+        auto list = parseNumberList(text);
+        if (!list || list->size() < n) return std::nullopt;
+        std::vector<int16_t> out;
+        for (int32_t v : *list) {
+            if (!fitsInt16(v)) return std::nullopt;
+            out.push_back(static_cast<int16_t>(v));
+        }
+        return out;
+    }
+
+    // The same, with a warning when the entry cannot be used.
+    bool numbers(std::string_view section, const std::string& key, const std::string& text, size_t n,
+                 std::vector<int16_t>& out) {
+        auto v = shorts(text, n);
+        if (!v) {
+            drop(section, key, "\"" + text + "\" is not a list of " + std::to_string(n) + " numbers in range");
+            return false;
+        }
+        out = std::move(*v);
+        return true;
+    }
+
+    // Keeps a record only when its place lies inside an existing page of the card.
+    void keep(std::string_view section, const std::string& key, ItemRecord r, bool bitPlace) {
+        const CPage* page = card_.page(r.page);
+        std::string why;
+        if (page == nullptr) {
+            why = "page " + std::to_string(r.page) + " is not on this card";
+        } else if (r.block < 0 || r.block >= page->blockCount() || r.beginByte < 0 || r.beginByte > 7) {
+            why = "block " + std::to_string(r.block) + ", byte " + std::to_string(r.beginByte) + " is outside the page";
+        } else if (bitPlace) {
+            const int bits = r.beginBit + r.numBits;
+            const int end = r.block * 8 + r.beginByte + bits / 8 + (bits % 8 != 0 ? 1 : 0);
+            if (r.beginBit < 0 || r.beginBit > 7 || r.numBits < 1 || end > page->PageSize)
+                why = "bits " + std::to_string(r.beginBit) + "+" + std::to_string(r.numBits) + " do not fit the page";
+        } else if (r.numBytes < 1 || r.block * 8 + r.beginByte + r.numBytes > page->PageSize) {
+            why = std::to_string(r.numBytes) + " bytes do not fit the page";
+        }
+        if (!why.empty()) return drop(section, key, why);
+        if (!records_.add(r)) drop(section, key, "the layout holds too many items");
+    }
+
+    void readCombinedParts() {
+        for (const auto& key : distinctKeys(doc_, S::CombinedFields)) {
+            if (numberedKey(key, "Place")) continue;
+            std::vector<int16_t> pair;
+            const std::string value = readLayoutString(doc_, S::CombinedFields, key);
+            if (!numbers(S::CombinedFields, key, value, 2, pair)) continue;
+            combinedParts_.insert(asciiLower(key));
+            groups_[pair[0]].push_back({pair[1], key});
+        }
+    }
+
+    void readFields() {
+        for (const auto& key : distinctKeys(doc_, S::Encode)) {
+            if (combinedParts_.count(asciiLower(key))) continue;
+            std::vector<int16_t> v;
+            if (!numbers(S::Encode, key, readLayoutString(doc_, S::Encode, key), 5, v)) continue;
+            ItemRecord r;
+            r.name = splitFieldKey(key).first;
+            r.page = v[0], r.block = v[1], r.beginByte = v[2], r.numBytes = v[3], r.encodingCode = v[4];
+            r.color = doc_.getInt(S::ItemColor, key, 0);
+            r.fieldType = doc_.getInt(S::FieldType, key, 0);
+            readBigItem(key, r);
+            keep(S::Encode, key, r, false);
+        }
+    }
+
+    void readBigItem(const std::string& key, ItemRecord& r) {
+        const std::string big = readLayoutString(doc_, S::BigItem, key);
+        if (big.empty()) return;
+        std::vector<int16_t> v;
+        if (!numbers(S::BigItem, key, big, 2, v)) return;
+        r.isBinary = v[0] != 0;
+        r.bigItemNumber = v[1];
+    }
+
+    void readBitFields() {
+        for (const auto& key : distinctKeys(doc_, S::BitEncode)) {
+            std::vector<int16_t> v;
+            if (!numbers(S::BitEncode, key, readLayoutString(doc_, S::BitEncode, key), 6, v)) continue;
+            ItemRecord r;
+            r.isBit = true;
+            r.name = splitFieldKey(key).first;
+            r.page = v[0], r.block = v[1], r.beginByte = v[2], r.beginBit = v[3], r.numBits = v[4];
+            r.encodingCode = v[5];
+            r.color = doc_.getInt(S::BitItemColor, key, 0);
+            r.fieldType = doc_.getInt(S::FieldType, key, 0);
+            keep(S::BitEncode, key, r, true);
+        }
+    }
+
+    void readCombinedFields() {
+        for (auto& [c, parts] : groups_) {
+            std::stable_sort(parts.begin(), parts.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+            ItemRecord r;
+            for (const auto& part : parts) {
+                if (!r.name.empty()) r.name += kCombinedFieldSeparator;
+                r.name += splitFieldKey(part.second).first;
+            }
+            const std::string& first = parts.front().second;
+            const std::string placeKey = std::to_string(c) + "Place";
+            std::vector<int16_t> encode, place;
+            const std::string encodeText = readLayoutString(doc_, S::Encode, first);
+            if (!encodeText.empty() && !numbers(S::Encode, first, encodeText, 5, encode)) continue;
+            const std::string placeText = readLayoutString(doc_, S::CombinedFields, placeKey);
+            if (!placeText.empty()) {
+                if (!numbers(S::CombinedFields, placeKey, placeText, 4, place)) continue;
+            } else if (!encode.empty()) {
+                place = encode;
+            } else {
+                drop(S::CombinedFields, first, "the combined field has no place");
+                continue;
+            }
+            r.page = place[0], r.block = place[1], r.beginByte = place[2], r.numBytes = place[3];
+            if (encode.size() >= 5) r.encodingCode = encode[4];
+            r.color = doc_.getInt(S::ItemColor, first, 0);
+            r.fieldType = doc_.getInt(S::FieldType, first, 0);
+            readBigItem(first, r);
+            keep(S::CombinedFields, first, r, false);
+        }
+    }
+
+    void readFunctions(std::string_view section, bool bitSection) {
+        for (int32_t k : numbersOf(doc_, section, "Value")) {
+            const std::string n = std::to_string(k);
+            const std::string valueKey = n + "Value";
+            auto f = parseFunctionValue(readLayoutString(doc_, section, valueKey));
+            if (!f || f->word.empty()) {
+                drop(section, valueKey, "not a function value");
+                continue;
+            }
+            std::vector<int16_t> p;
+            if (!numbers(section, n + "Place", readLayoutString(doc_, section, n + "Place"), bitSection ? 5 : 4, p))
+                continue;
+            ItemRecord r;
+            r.name = f->word;
+            r.param1 = f->param1, r.param2 = f->param2, r.param3 = f->param3;
+            r.page = p[0], r.block = p[1], r.beginByte = p[2];
+            if (bitSection)
+                r.beginBit = p[3], r.numBits = p[4];
+            else
+                r.numBytes = p[3];
+            r.color = doc_.getInt(section, n + "Color", 0);
+            const int32_t mode = doc_.getInt(section, n + "Mode", bitSection ? 1 : 0);
+            if (bitSection) {
+                // A bit checksum of mode 0 is a simple bit function; everything else here is a bit function.
+                if (r.name == kFunctionChecksum && mode == 0)
+                    r.isSimpleBitFunction = true;
+                else
+                    r.isBitFunction = true;
+            } else {
+                r.isFunction = true;
+                r.isBitFunction = mode == 1;
+            }
+            if (r.name == kFunctionChecksum && !readChecksum(*f, r)) continue;
+            keep(section, valueKey, r, bitSection);
+        }
+    }
+
+    bool readChecksum(const ParsedFunction& f, ItemRecord& r) {
+        const std::string j = f.param2;
+        r.param2.clear();
+        // A missing range reads as four zeros, so a bit checksum's fifth number is then 0.
+        std::vector<int16_t> range;
+        const std::string rangeText = readLayoutString(doc_, S::Checksum, j + "Range", "0,0,0,0");
+        if (!numbers(S::Checksum, j + "Range", rangeText, 4, range)) return false;
+        std::copy_n(range.begin(), std::min(range.size(), r.range.size()), r.range.begin());
+        const int method = parseProfileInt(f.param1).value_or(0);
+        if (method == kChecksumCrc) {
+            std::vector<int16_t> poly;
+            const std::string polyText = readLayoutString(doc_, S::Checksum, j + "Poly_", "0,0");
+            if (!numbers(S::Checksum, j + "Poly_", polyText, 2, poly)) return false;
+            r.polynomial = {poly[0], poly[1]};
+        } else if (method == kChecksumParity) {
+            r.initValue = static_cast<int16_t>(doc_.getInt(S::Checksum, j + "Init_", 0));
+        }
+        return true;
+    }
+
+    void readDatabaseUpdates() {
+        for (int32_t n : numbersOf(doc_, S::DatabaseUpdate, "Field")) {
+            const std::string key = std::to_string(n) + "Field";
+            const std::string value = readLayoutString(doc_, S::DatabaseUpdate, key);
+            const size_t comma = value.find(',');
+            auto column = parseNumberList(value.substr(0, comma));
+            auto f = comma == std::string::npos ? std::nullopt : parseFunctionValue(value.substr(comma + 1));
+            if (!column || !fitsInt16(column->front()) || !f) {
+                drop(S::DatabaseUpdate, key, "\"" + value + "\" is not a column and a function");
+                continue;
+            }
+            ItemRecord r;
+            r.isDbUpdate = true;
+            r.name = f->word;
+            r.param1 = f->param1, r.param2 = f->param2, r.param3 = f->param3;
+            r.dbColumn = static_cast<int16_t>(column->front());
+            if (!records_.add(r)) drop(S::DatabaseUpdate, key, "the layout holds too many items");
+        }
+    }
+
+    // Fields spread over several tracks, as "Name(n)=page,block,begin byte,begin bit,number of bytes".
+    void readMultiTrack() {
+        for (const auto& key : distinctKeys(doc_, S::FieldsMultiTrack)) {
+            std::vector<int16_t> v;
+            if (!numbers(S::FieldsMultiTrack, key, readLayoutString(doc_, S::FieldsMultiTrack, key), 5, v)) continue;
+            ItemRecord r;
+            r.isBinary = true;
+            r.name = splitFieldKey(key).first;
+            r.page = v[0], r.block = v[1], r.beginByte = v[2], r.beginBit = v[3], r.numBytes = v[4];
+            keep(S::FieldsMultiTrack, key, r, false);
+        }
+    }
+
+    const ProfileDocument& doc_;
+    const CIClass& card_;
+    LayoutReadResult& result_;
+    RecordArray records_;
+    std::unordered_set<std::string> combinedParts_;
+    std::map<int16_t, std::vector<std::pair<int16_t, std::string>>> groups_;
+};
+
+void applyCardDesign(const ProfileDocument& doc, CIClass& card, LayoutReadResult& result) {
+    result.useBit = doc.getInt(S::CardDesign, "UseBit", 0) != 0;
+    result.useHID = doc.getInt(S::CardDesign, "UseHID", 0) != 0;
+    const std::string size = readLayoutString(doc, S::CardDesign, "Size");
+    const int32_t pages = doc.getInt(S::CardDesign, "Pages", 1);
+    if (size == "2K")
+        card.setChipSize(iSmallOnePage);
+    else if (size == "16K")
+        card.setChipSize(pages > 1 ? iBigEightPages : iBigOnePage);
+    else
+        result.warnings.push_back("[CARDDESIGN] Size \"" + size + "\" is unknown; chip type kept");
+    if (card.ChipSize() == iBigEightPages && size == "16K") {
+        for (int32_t p = 1; p <= 7; ++p) {
+            const int32_t border = doc.getInt(S::CardDesign, std::to_string(p) + "PageBorder", 0);
+            const double block = std::nearbyint(static_cast<double>(border) / 8.0);  // halves to even
+            if (block >= INT32_MIN && block <= INT32_MAX) card.SetBoundary(p, static_cast<int32_t>(block));
+        }
+    }
+    card.setEnableBitwise(result.useBit);
+    card.setUseHIDSection(result.useHID);
+}
+
+}  // namespace
+
+std::string laterVersionWarning(int major, int minor, int revision) {
+    const std::string crlf = "\r\n";
+    auto v = [](int a, int b, int c) { return std::to_string(a) + "." + std::to_string(b) + "." + std::to_string(c); };
+    return "The file you are trying to open was made in a later version of LK than the one you are currently using. " +
+           crlf + crlf + "The file was created with version " + v(major, minor, revision) + crlf +
+           "You are using version " + v(kVersionMajor, kVersionMinor, kVersionRevision) + " of LK. " + crlf +
+           "It is recommended you upgrade LK." + crlf + crlf + "If you open the file, some data might be lost on saving. " +
+           crlf + "Continue anyway?";
+}
+
+LayoutReadResult readLayout(const fs::path& file, CIClass& card, RecordArray& records, Prompter& prompter,
+                            const HostFieldList* fields) {
+    if (file.empty()) throw KestrinError(kErrBadFileName, kErrorSource, "No filename given.");
+    std::error_code ec;
+    if (!fs::exists(file, ec)) throw KestrinError(kErrFileNotFound, kErrorSource, "File doesn't exist");
+
+    LayoutReadResult result;
+    auto doc = ProfileDocument::load(file, &result.message);
+    if (!doc) return result;
+
+    const Version version = parseVersion(readLayoutString(*doc, S::General, "Version", "5.9.0"));
+    if (isLater(version) &&
+        prompter.ask(Icon::Exclamation, laterVersionWarning(version.major, version.minor, version.revision),
+                     Buttons::YesNo, kProductTitle) != Answer::Yes) {
+        result.message = "The layout was made by a later version and was not opened.";
+        return result;
+    }
+
+    applyCardDesign(*doc, card, result);
+    records = Reader(*doc, card, result).run();
+    if (fields) nameDatabaseUpdateFields(records, *fields);
+    result.opened = true;
+    return result;
+}
+
+void nameDatabaseUpdateFields(RecordArray& records, const HostFieldList& fields) {
+    for (int32_t i = 0; i < records.size(); ++i) {
+        ItemRecord& r = records[i];
+        if (!r.isDbUpdate || !r.dbFieldName.empty() || r.dbColumn < 0) continue;
+        if (const HostField* f = fields.byColumn(r.dbColumn)) r.dbFieldName = f->dbField;
+    }
+}
+
+}  // namespace kestrin

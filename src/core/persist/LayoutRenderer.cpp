@@ -1,0 +1,226 @@
+#include "LayoutRenderer.h"
+
+#include <unordered_map>
+#include <unordered_set>
+
+#include "LayoutSyntax.h"
+#include "ProfileDocument.h"
+#include "ProfileStrings.h"
+#include "ProfileWriter.h"
+#include "base/ProductInfo.h"
+#include "card/CIClass.h"
+#include "card/CardGeometry.h"
+#include "items/RecordArray.h"
+#include "persist/HostFields.h"
+
+namespace kestrin {
+
+namespace S = layout_sections;
+
+namespace {
+
+// Field keys "Name(n)": n is the smallest number not yet written in this save.
+class FieldKeys {
+public:
+    std::string next(const std::string& name) {
+        int32_t& n = nextNumber_[asciiLower(name)];  // numbers below n are taken already
+        for (++n;; ++n) {
+            std::string key = name + "(" + std::to_string(n) + ")";
+            if (written_.insert(asciiLower(key)).second) return key;
+        }
+    }
+
+private:
+    std::unordered_set<std::string> written_;
+    std::unordered_map<std::string, int32_t> nextNumber_;
+};
+
+std::vector<std::string> splitCombined(const std::string& name) {
+    std::vector<std::string> parts;
+    size_t start = 0;
+    for (;;) {
+        const size_t sep = name.find(kCombinedFieldSeparator, start);
+        parts.push_back(name.substr(start, sep == std::string::npos ? std::string::npos : sep - start));
+        if (sep == std::string::npos) return parts;
+        start = sep + kCombinedFieldSeparator.size();
+    }
+}
+
+class Renderer {
+public:
+    Renderer(const CIClass& card, const RecordArray& records, const HostFieldList& fields)
+        : card_(card), records_(records), fields_(fields) {}
+
+    RenderedLayout run() {
+        writeCardDesign();
+        if (!records_.empty()) {
+            for (const ItemRecord& r : records_)
+                if (!isChecksum(r)) writeFirstPass(r);
+            for (const ItemRecord& r : records_)
+                if (isChecksum(r) && !r.isDbUpdate) writeChecksum(r);
+        }
+        out_.bytes = w_.bytes();
+        return std::move(out_);
+    }
+
+private:
+    void string(std::string_view section, const std::string& key, std::string_view value) {
+        w_.write(section, key, quoteLayoutValue(value));
+    }
+    // Colours and modes are remembered: a bit checksum with an unclear mode repeats the last one.
+    void integer(std::string_view section, const std::string& key, int64_t value, bool remember = false) {
+        w_.writeInt(section, key, value);
+        if (remember) lastInt_ = value;
+    }
+
+    void writeCardDesign() {
+        string(S::General, "Version",
+               std::to_string(kVersionMajor) + "." + std::to_string(kVersionMinor) + "." + std::to_string(kVersionRevision));
+        string(S::CardDesign, "Size", std::string(sizeTextOf(card_.ChipSize())));
+        integer(S::CardDesign, "Pages", card_.ChipSize() == iBigEightPages ? 8 : 1);
+        integer(S::CardDesign, "UseBit", card_.EnableBitwise() ? 1 : 0);
+        integer(S::CardDesign, "UseHID", card_.UseHIDSection() ? 1 : 0);
+        if (card_.ChipSize() == iBigEightPages)
+            for (int32_t p = 1; p <= 7; ++p)
+                if (const CPage* page = card_.page(p))
+                    integer(S::CardDesign, std::to_string(p) + "PageBorder", int64_t{page->Boundary} * 8);
+    }
+
+    void writeFirstPass(const ItemRecord& r) {
+        if (r.isDbUpdate)
+            writeDatabaseUpdate(r);
+        else if (r.isFunction)
+            writeFunction(S::InitCard, ++initCard_, r, functionValue(r), bytePlace(r), r.isBitFunction);
+        else if (r.isBitFunction)
+            writeFunction(S::BitInitCard, ++bitInitCard_, r, functionValue(r), bitPlace(r), true);
+        else if (r.isBit)
+            writeBitField(r);
+        else if (isCombinedField(r))
+            writeCombinedField(r);
+        else
+            writeField(r);
+    }
+
+    static std::string bytePlace(const ItemRecord& r) { return joinNumbers({r.page, r.block, r.beginByte, r.numBytes}); }
+    static std::string bitPlace(const ItemRecord& r) {
+        return joinNumbers({r.page, r.block, r.beginByte, r.beginBit, r.numBits});
+    }
+
+    void writeFunction(std::string_view section, int k, const ItemRecord& r, const std::string& value,
+                       const std::string& place, bool writeMode) {
+        const std::string n = std::to_string(k);
+        string(section, n + "Value", value);
+        string(section, n + "Place", place);
+        integer(section, n + "Color", r.color, true);
+        if (writeMode) integer(section, n + "Mode", 1, true);
+    }
+
+    void useKey(const std::string& key) { out_.usedFieldList += key; }
+
+    void writeField(const ItemRecord& r) {
+        const std::string key = byteKeys_.next(r.name);
+        useKey(key);
+        string(S::Encode, key, joinNumbers({r.page, r.block, r.beginByte, r.numBytes, r.encodingCode}));
+        integer(S::ItemColor, key, r.color, true);
+        integer(S::FieldType, key, r.fieldType);
+        if (r.isBinary) {
+            string(S::BigItem, key, "1," + std::to_string(r.bigItemNumber));
+            out_.bigItemNumbers.push_back(r.bigItemNumber);
+        }
+    }
+
+    // A combined field: every part gets its own key with a COMBINEDFIELDS entry
+    // "item,part" and an ITEMCOLOR entry; the first part's ENCODE value carries the item
+    // number as a sixth number, and "cPlace" holds the item's place.
+    void writeCombinedField(const ItemRecord& r) {
+        const int c = ++combined_;
+        const std::vector<std::string> parts = splitCombined(r.name);
+        std::vector<std::string> keys;
+        for (const auto& part : parts) keys.push_back(byteKeys_.next(part));
+        for (const auto& key : keys) useKey(key);
+        string(S::Encode, keys.front(),
+               joinNumbers({r.page, r.block, r.beginByte, r.numBytes, r.encodingCode, c}));
+        integer(S::FieldType, keys.front(), r.fieldType);
+        for (size_t i = 0; i < keys.size(); ++i) {
+            string(S::CombinedFields, keys[i], joinNumbers({c, static_cast<int64_t>(i + 1)}));
+            integer(S::ItemColor, keys[i], r.color, true);
+        }
+        string(S::CombinedFields, std::to_string(c) + "Place", bytePlace(r));
+        if (r.isBinary) {
+            string(S::BigItem, keys.front(), "1," + std::to_string(r.bigItemNumber));
+            out_.bigItemNumbers.push_back(r.bigItemNumber);
+        }
+    }
+
+    void writeBitField(const ItemRecord& r) {
+        const std::string key = bitKeys_.next(r.name);
+        useKey(key);
+        string(S::BitEncode, key, joinNumbers({r.page, r.block, r.beginByte, r.beginBit, r.numBits, r.encodingCode}));
+        integer(S::BitItemColor, key, r.color, true);
+        integer(S::FieldType, key, r.fieldType);
+    }
+
+    void writeDatabaseUpdate(const ItemRecord& r) {
+        int64_t column = 0;
+        if (const HostField* f = fields_.byDbField(r.dbFieldName)) {
+            column = f->column;
+        } else if (r.dbColumn >= 0) {
+            column = r.dbColumn;
+        } else {
+            out_.warnings.push_back("database-update field \"" + r.dbFieldName +
+                                    "\" is not in the host project; column 0 written");
+        }
+        string(S::DatabaseUpdate, std::to_string(++dbUpdate_) + "Field", std::to_string(column) + "," + functionValue(r));
+        for (const std::string* p : {&r.param1, &r.param2})
+            if (!p->empty() && !looksNumeric(*p)) out_.usedFieldList += *p + "()";
+    }
+
+    void writeChecksum(const ItemRecord& r) {
+        const int j = ++checksum_;
+        const std::string value = functionValue(r, j);
+        const int method = parseProfileInt(r.param1).value_or(0);
+        const bool byteChecksum = r.isFunction;
+        if (byteChecksum) {
+            writeFunction(S::InitCard, ++initCard_, r, value, bytePlace(r), r.isBitFunction);
+        } else {
+            const std::string k = std::to_string(++bitInitCard_);
+            string(S::BitInitCard, k + "Value", value);
+            string(S::BitInitCard, k + "Place", bitPlace(r));
+            int64_t mode = lastInt_;
+            if (r.isBitFunction && !r.isSimpleBitFunction) mode = 1;
+            else if (r.isSimpleBitFunction && !r.isBitFunction) mode = 0;
+            integer(S::BitInitCard, k + "Mode", mode, true);
+            integer(S::BitInitCard, k + "Color", r.color, true);
+        }
+        const std::string n = std::to_string(j);
+        const auto& g = r.range;
+        string(S::Checksum, n + "Range",
+               byteChecksum ? joinNumbers({g[0], g[1], g[2], g[3]}) : joinNumbers({g[0], g[1], g[2], g[3], g[4]}));
+        if (method == kChecksumCrc)
+            string(S::Checksum, n + "Poly_", joinNumbers({r.polynomial[0], r.polynomial[1]}));
+        else if (byteChecksum || method == kChecksumParity)
+            integer(S::Checksum, n + "Init_", r.initValue);
+    }
+
+    const CIClass& card_;
+    const RecordArray& records_;
+    const HostFieldList& fields_;
+    ProfileWriter w_;
+    RenderedLayout out_;
+    FieldKeys byteKeys_;
+    FieldKeys bitKeys_;
+    int initCard_ = 0;
+    int bitInitCard_ = 0;
+    int checksum_ = 0;
+    int combined_ = 0;
+    int dbUpdate_ = 0;
+    int64_t lastInt_ = 0;
+};
+
+}  // namespace
+
+RenderedLayout renderLayoutFile(const CIClass& card, const RecordArray& records, const HostFieldList& fields) {
+    return Renderer(card, records, fields).run();
+}
+
+}  // namespace kestrin

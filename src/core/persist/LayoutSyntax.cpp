@@ -1,0 +1,126 @@
+#include "LayoutSyntax.h"
+
+#include <charconv>
+#include <limits>
+
+#include "ProfileDocument.h"
+
+namespace kestrin {
+
+std::string functionValue(const ItemRecord& r, int checksumNumber) {
+    std::string params;
+    if (r.name == kFunctionCount)
+        params = r.param1 + "." + r.param2 + "." + r.param3;
+    else if (r.name == kFunctionChecksum)
+        params = r.param1 + "." + std::to_string(checksumNumber);
+    else
+        params = r.param1;
+    return r.name + "(" + params + ")";
+}
+
+std::optional<ParsedFunction> parseFunctionValue(std::string_view value) {
+    const size_t open = value.find('(');
+    const size_t close = value.rfind(')');
+    if (open == std::string_view::npos || close == std::string_view::npos || close < open) return std::nullopt;
+    ParsedFunction f;
+    f.word = std::string(trimProfileSpace(value.substr(0, open)));
+    const std::string_view params = value.substr(open + 1, close - open - 1);
+    if (f.word == kFunctionCount) {
+        const size_t first = params.find('.');
+        const size_t last = params.rfind('.');
+        if (first == std::string_view::npos) {
+            f.param1 = std::string(params);
+        } else if (first == last) {
+            f.param1 = std::string(params.substr(0, first));
+            f.param2 = std::string(params.substr(first + 1));
+        } else {
+            f.param1 = std::string(params.substr(0, first));
+            f.param2 = std::string(params.substr(first + 1, last - first - 1));
+            f.param3 = std::string(params.substr(last + 1));
+        }
+    } else if (f.word == kFunctionChecksum) {
+        const size_t dot = params.find('.');
+        f.param1 = std::string(params.substr(0, dot));
+        if (dot != std::string_view::npos) f.param2 = std::string(params.substr(dot + 1));
+    } else {
+        f.param1 = std::string(params);
+    }
+    return f;
+}
+
+std::string joinNumbers(std::initializer_list<int64_t> numbers) {
+    std::string out;
+    for (int64_t n : numbers) {
+        if (!out.empty()) out += ',';
+        out += std::to_string(n);
+    }
+    return out;
+}
+
+std::optional<std::vector<int32_t>> parseNumberList(std::string_view text) {
+    std::vector<int32_t> out;
+    size_t start = 0;
+    for (;;) {
+        const size_t comma = text.find(',', start);
+        std::string_view part = trimProfileSpace(text.substr(start, comma == std::string_view::npos ? text.npos : comma - start));
+        if (!part.empty() && part.front() == '+') part.remove_prefix(1);
+        int32_t v = 0;
+        auto [ptr, ec] = std::from_chars(part.data(), part.data() + part.size(), v);
+        if (part.empty() || ec != std::errc() || ptr != part.data() + part.size()) return std::nullopt;
+        out.push_back(v);
+        if (comma == std::string_view::npos) return out;
+        start = comma + 1;
+    }
+}
+
+bool fitsInt16(int64_t v) {
+    return v >= std::numeric_limits<int16_t>::min() && v <= std::numeric_limits<int16_t>::max();
+}
+
+std::pair<std::string, int32_t> splitFieldKey(std::string_view key) {
+    if (key.size() >= 3 && key.back() == ')') {
+        const size_t open = key.rfind('(');
+        if (open != std::string_view::npos && open + 1 < key.size() - 1) {
+            std::string_view digits = key.substr(open + 1, key.size() - open - 2);
+            int32_t n = 0;
+            auto [ptr, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), n);
+            if (ec == std::errc() && ptr == digits.data() + digits.size() && n >= 0)
+                return {std::string(key.substr(0, open)), n};
+        }
+    }
+    return {std::string(key), 0};
+}
+
+std::optional<int32_t> numberedKey(std::string_view key, std::string_view suffix) {
+    if (key.size() <= suffix.size()) return std::nullopt;
+    const std::string_view tail = key.substr(key.size() - suffix.size());
+    if (asciiLower(tail) != asciiLower(suffix)) return std::nullopt;
+    const std::string_view digits = key.substr(0, key.size() - suffix.size());
+    int32_t n = 0;
+    auto [ptr, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), n);
+    if (ec != std::errc() || ptr != digits.data() + digits.size()) return std::nullopt;
+    return n;
+}
+
+bool looksNumeric(std::string_view text) {
+    text = trimProfileSpace(text);
+    size_t i = 0;
+    if (i < text.size() && (text[i] == '+' || text[i] == '-')) ++i;
+    bool digits = false;
+    while (i < text.size() && text[i] >= '0' && text[i] <= '9') ++i, digits = true;
+    if (i < text.size() && (text[i] == '.' || text[i] == ',')) {
+        ++i;
+        while (i < text.size() && text[i] >= '0' && text[i] <= '9') ++i, digits = true;
+    }
+    if (!digits) return false;
+    if (i < text.size() && (text[i] == 'e' || text[i] == 'E')) {
+        ++i;
+        if (i < text.size() && (text[i] == '+' || text[i] == '-')) ++i;
+        bool exp = false;
+        while (i < text.size() && text[i] >= '0' && text[i] <= '9') ++i, exp = true;
+        if (!exp) return false;
+    }
+    return i == text.size();
+}
+
+}  // namespace kestrin
