@@ -3,7 +3,6 @@
 #include <unordered_set>
 
 #include "HostFields.h"
-#include "ProfileStrings.h"
 #include "ProfileWriter.h"
 
 namespace kestrin {
@@ -29,19 +28,19 @@ std::vector<std::string> usedHostFields(std::string_view usedFieldList, const Ho
 std::string renderChipEncodeFile(std::string_view usedFieldList, const std::vector<int16_t>& bigItemNumbers,
                                  const HostFieldList& fields) {
     ProfileWriter w;
-    w.write("ChipEncode", "LK_Version", quoteLayoutValue(kChipEncodeVersion));
+    w.write("ChipEncode", "LK_Version", kChipEncodeVersion);
     if (!bigItemNumbers.empty()) {
         std::string images;
         for (int16_t n : bigItemNumbers) images += "," + std::to_string(n);
-        w.write("ChipEncode", "Images", quoteLayoutValue(images.substr(1)));
+        w.write("ChipEncode", "Images", images.substr(1));
     }
-    w.write("ChipEncode", "DllName", quoteLayoutValue(kEncoderLibrary));
+    w.write("ChipEncode", "DllName", kEncoderLibrary);
     w.writeInt("ChipEncode", "ChipType", 1);
     int n = 0;
     for (const std::string& name : usedHostFields(usedFieldList, fields)) {
         const std::string section = std::to_string(++n) + "Field";
         w.write(section, "Type", "DataField");
-        w.write(section, "Data", quoteLayoutValue(name));
+        w.write(section, "Data", name);
     }
     w.writeInt("Track1", "FieldCount", n);
     return w.bytes();

@@ -44,6 +44,8 @@ std::optional<ParsedFunction> parseFunctionValue(std::string_view value) {
         if (dot != std::string_view::npos) f.param2 = std::string(params.substr(dot + 1));
     } else {
         f.param1 = std::string(params);
+        // Tolerate a constant text that was stored with its own quote guard.
+        if (f.param1.rfind("@#@#\"", 0) == 0) f.param1.erase(0, 4);
     }
     return f;
 }

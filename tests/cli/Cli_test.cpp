@@ -1,0 +1,143 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <string>
+
+#include "support/TestSupport.h"
+
+using namespace kestrin::test;
+namespace fs = std::filesystem;
+
+namespace {
+
+const std::string kExamples = KESTRIN_EXAMPLES;
+const std::string kProject = kExamples + "/project/Sample.ini";
+const std::string kLang = kExamples + "/lang/kestrin-en.txt";
+
+struct CliRun {
+    int exit = -1;
+    std::string out;
+    std::string err;
+};
+
+// Runs the command-line tool with the given arguments (already quoted where needed).
+CliRun kestrin(const std::string& args) {
+    TempDir tmp;
+    const std::string errFile = (tmp / "stderr").string();
+    const std::string command = std::string(KESTRIN_CLI) + " " + args + " 2>'" + errFile + "'";
+    CliRun run;
+    FILE* pipe = popen(command.c_str(), "r");
+    if (!pipe) return run;
+    char buf[4096];
+    size_t n;
+    while ((n = fread(buf, 1, sizeof buf, pipe)) > 0) run.out.append(buf, n);
+    const int status = pclose(pipe);
+    run.exit = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    run.err = readBytes(errFile);
+    return run;
+}
+
+std::string quoted(const fs::path& p) { return "'" + p.string() + "'"; }
+
+struct GoldenCase {
+    const char* name;
+    std::string args;
+    const char* expectedFile;
+};
+
+class CliGolden : public ::testing::TestWithParam<GoldenCase> {};
+
+TEST_P(CliGolden, PrintsWhatTheGridsShow) {
+    const CliRun run = kestrin(GetParam().args);
+    EXPECT_EQ(run.exit, 0) << run.err;
+    EXPECT_EQ(run.out, readBytes(std::string(KESTRIN_CLI_EXPECTED) + "/" + GetParam().expectedFile));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Examples, CliGolden,
+    ::testing::Values(
+        GoldenCase{"StaffText", "info " + kExamples + "/layouts/Staff.IIF --project " + kProject + " --lang " + kLang,
+                   "staff-info.txt"},
+        GoldenCase{"VisitorsJson", "info " + kExamples + "/layouts/Visitors16K.IIF --json --project " + kProject,
+                   "visitors-info.json"},
+        GoldenCase{"Fields", "fields " + kProject, "sample-fields.txt"},
+        GoldenCase{"FieldsJson", "fields " + kProject + " --json", "sample-fields.json"}),
+    [](const auto& testInfo) { return testInfo.param.name; });
+
+struct UsageCase {
+    const char* name;
+    std::string args;
+};
+
+class CliUsage : public ::testing::TestWithParam<UsageCase> {};
+
+TEST_P(CliUsage, WrongUsageExitsTwoWithTheUsageText) {
+    const CliRun run = kestrin(GetParam().args);
+    EXPECT_EQ(run.exit, 2);
+    EXPECT_TRUE(run.out.empty());
+    EXPECT_NE(run.err.find("usage: kestrin info"), std::string::npos) << run.err;
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, CliUsage,
+                         ::testing::Values(UsageCase{"NoCommand", ""}, UsageCase{"UnknownCommand", "print x"},
+                                           UsageCase{"NoFile", "info"}, UsageCase{"TwoFiles", "info a b"},
+                                           UsageCase{"UnknownOption", "info a --fast"},
+                                           UsageCase{"ToWithoutValue", "rewrite a --to"},
+                                           UsageCase{"ToWithInfo", "info a --to b"}),
+                         [](const auto& testInfo) { return testInfo.param.name; });
+
+TEST(Cli, MissingLayoutIsRefused) {
+    const CliRun run = kestrin("info /nonexistent/L.IIF");
+    EXPECT_EQ(run.exit, 1);
+    EXPECT_NE(run.err.find("File doesn't exist"), std::string::npos) << run.err;
+}
+
+TEST(Cli, NewerFileIsRefusedUnlessAnsweredYes) {
+    TempDir dir;
+    writeBytes(dir / "New.IIF", crlf({"[GENERAL]", "Version=9.0.0", "[CARDDESIGN]", "Size=2K"}));
+    const CliRun refused = kestrin("info " + quoted(dir / "New.IIF"));
+    EXPECT_EQ(refused.exit, 1);
+    EXPECT_NE(refused.err.find("The file was created with version 9.0.0"), std::string::npos) << refused.err;
+    EXPECT_TRUE(refused.out.empty());
+    const CliRun accepted = kestrin("info " + quoted(dir / "New.IIF") + " --yes --json");
+    EXPECT_EQ(accepted.exit, 0);
+    EXPECT_NE(accepted.out.find("\"chip\": \"iSmallOnePage\""), std::string::npos);
+}
+
+TEST(Cli, RewriteReproducesTheExampleAndItsEncodeFile) {
+    TempDir dir;
+    for (const char* name : {"Staff", "Visitors16K"}) {
+        const std::string source = kExamples + "/layouts/" + name;
+        const CliRun run = kestrin("rewrite " + source + ".IIF --to " + quoted(dir / (std::string(name) + ".IIF")) +
+                                " --project " + kProject);
+        ASSERT_EQ(run.exit, 0) << run.err;
+        EXPECT_EQ(readBytes(dir / (std::string(name) + ".IIF")), readBytes(source + ".IIF")) << name;
+        EXPECT_EQ(readBytes(dir / (std::string(name) + ".CHP")), readBytes(source + ".CHP")) << name;
+    }
+}
+
+TEST(Cli, RewriteInPlaceKeepsABackupAndRefusesReadOnlyTargets) {
+    TempDir dir;
+    fs::copy_file(kExamples + "/layouts/Staff.IIF", dir / "Staff.IIF");
+    fs::copy_file(kExamples + "/layouts/Staff.CHP", dir / "Staff.CHP");
+    const CliRun run = kestrin("rewrite " + quoted(dir / "Staff.IIF") + " --project " + kProject);
+    ASSERT_EQ(run.exit, 0) << run.err;
+    EXPECT_EQ(readBytes(dir / "Staff.IIF.BAK"), readBytes(kExamples + "/layouts/Staff.IIF"));
+
+    fs::permissions(dir / "Staff.IIF", fs::perms::owner_write, fs::perm_options::remove);
+    const CliRun refused = kestrin("rewrite " + quoted(dir / "Staff.IIF"));
+    EXPECT_EQ(refused.exit, 1);
+    EXPECT_NE(refused.err.find("iClass Encode File"), std::string::npos) << refused.err;
+}
+
+TEST(Cli, MalformedEntriesAreListedAsWarnings) {
+    TempDir dir;
+    writeBytes(dir / "Bad.IIF", crlf({"[CARDDESIGN]", "Size=2K", "[ENCODE]", "Ok(1)=0,19,0,1,0", "Bad(1)=0,99,0,1,0"}));
+    const CliRun run = kestrin("info " + quoted(dir / "Bad.IIF") + " --json");
+    EXPECT_EQ(run.exit, 0);
+    EXPECT_NE(run.err.find("warning: [ENCODE] Bad(1)"), std::string::npos) << run.err;
+    EXPECT_NE(run.out.find("\"warnings\": [\"[ENCODE] Bad(1)"), std::string::npos) << run.out;
+}
+
+}  // namespace

@@ -1,0 +1,185 @@
+#include <gtest/gtest.h>
+
+#include "base/KestrinError.h"
+#include "card/CIClass.h"
+#include "items/GridRows.h"
+#include "items/RecordArray.h"
+#include "persist/HostFields.h"
+#include "persist/LayoutReader.h"
+#include "support/TestSupport.h"
+
+using namespace kestrin;
+using namespace kestrin::test;
+
+namespace {
+
+class LayoutReaderTest : public ::testing::Test {
+protected:
+    LayoutReadResult read(const std::string& text, Answer answer = Answer::Yes) {
+        const auto file = dir / "L.IIF";
+        writeBytes(file, text);
+        prompter = RecordingPrompter(answer);
+        return readLayout(file, card, records, prompter, &fields);
+    }
+
+    TempDir dir;
+    CIClass card;
+    RecordArray records;
+    HostFieldList fields;
+    RecordingPrompter prompter;
+};
+
+TEST_F(LayoutReaderTest, RaisesForNoNameAndMissingFile) {
+    try {
+        readLayout("", card, records, prompter);
+        FAIL();
+    } catch (const KestrinError& e) {
+        EXPECT_EQ(e.source(), "iClass UserControl");
+        EXPECT_EQ(e.description(), "No filename given.");
+    }
+    try {
+        readLayout(dir / "none.IIF", card, records, prompter);
+        FAIL();
+    } catch (const KestrinError& e) {
+        EXPECT_EQ(e.description(), "File doesn't exist");
+    }
+}
+
+struct VersionCase {
+    const char* version;  // nullptr: no Version key
+    bool warns;
+};
+
+class VersionRule : public LayoutReaderTest, public ::testing::WithParamInterface<VersionCase> {};
+
+TEST_P(VersionRule, WarnsOnlyForLaterFiles) {
+    const auto c = GetParam();
+    std::string text = "[GENERAL]\r\n";
+    if (c.version) text += std::string("Version=") + c.version + "\r\n";
+    text += "[CARDDESIGN]\r\nSize=16K\r\nPages=1\r\n";
+    const auto result = read(text, Answer::No);
+    EXPECT_EQ(prompter.messages.size(), c.warns ? 1u : 0u);
+    EXPECT_EQ(result.opened, !c.warns);
+    EXPECT_EQ(card.ChipSize(), c.warns ? iSmallOnePage : iBigOnePage);  // on No nothing is applied
+}
+
+INSTANTIATE_TEST_SUITE_P(Versions, VersionRule,
+                         ::testing::Values(VersionCase{"6.2.0", true}, VersionCase{"6.1.4", false},
+                                           VersionCase{"6.0.9", false}, VersionCase{nullptr, false},
+                                           VersionCase{"7", true}, VersionCase{"6.1.5", true},
+                                           VersionCase{"5.99.99", false}, VersionCase{"garbage", false}));
+
+TEST_F(LayoutReaderTest, LaterVersionQuestionTextAndYesOpens) {
+    const auto result = read("[GENERAL]\r\nVersion=6.2.0\r\n[CARDDESIGN]\r\nSize=2K\r\n", Answer::Yes);
+    ASSERT_EQ(prompter.messages.size(), 1u);
+    const auto& m = prompter.messages[0];
+    EXPECT_TRUE(m.question);
+    EXPECT_EQ(m.buttons, Buttons::YesNo);
+    EXPECT_EQ(m.icon, Icon::Exclamation);
+    EXPECT_EQ(m.text,
+              "The file you are trying to open was made in a later version of LK than the one you are currently using. "
+              "\r\n\r\nThe file was created with version 6.2.0\r\nYou are using version 6.1.4 of LK. \r\n"
+              "It is recommended you upgrade LK.\r\n\r\nIf you open the file, some data might be lost on saving. "
+              "\r\nContinue anyway?");
+    EXPECT_TRUE(result.opened);
+}
+
+struct DesignCase {
+    const char* cardDesign;
+    IClassType chip;
+    bool hid, bit;
+};
+
+class CardDesign : public LayoutReaderTest, public ::testing::WithParamInterface<DesignCase> {};
+
+TEST_P(CardDesign, SetsChipTypeThenReappliesSwitches) {
+    const auto c = GetParam();
+    card.setChipSize(iBigOnePage);  // what an unknown Size keeps
+    read(std::string("[CARDDESIGN]\r\n") + c.cardDesign);
+    EXPECT_EQ(card.ChipSize(), c.chip);
+    EXPECT_EQ(card.UseHIDSection(), c.hid);
+    EXPECT_EQ(card.EnableBitwise(), c.bit);
+    EXPECT_EQ(card.Pages().Item(1).BeginFreeSpace, c.hid ? 19 : 6);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Designs, CardDesign,
+    ::testing::Values(DesignCase{"Size=2K\r\nUseHID=1\r\n", iSmallOnePage, true, false},
+                      DesignCase{"Size=16K\r\nPages=1\r\nUseBit=1\r\n", iBigOnePage, false, true},
+                      DesignCase{"Size=16K\r\n", iBigOnePage, false, false},
+                      DesignCase{"Size=16K\r\nPages=8\r\nUseHID=1\r\nUseBit=1\r\n", iBigEightPages, true, true},
+                      DesignCase{"Size=16K\r\nPages=0\r\n", iBigOnePage, false, false},
+                      DesignCase{"Size=4K\r\nUseHID=1\r\n", iBigOnePage, true, false},
+                      DesignCase{"Size=16k\r\n", iBigOnePage, false, false}));
+
+TEST_F(LayoutReaderTest, PageBordersAreDividedBy8RoundedToEven) {
+    read("[CARDDESIGN]\r\nSize=16K\r\nPages=8\r\n1PageBorder=20\r\n2PageBorder=148\r\n3PageBorder=200\r\n"
+         "4PageBorder=300\r\n5PageBorder=44\r\n6PageBorder=-8\r\n7PageBorder=256\r\n");
+    EXPECT_EQ(card.GetBoundary(1), 18);  // 2.5 -> 2, below 6: ignored
+    EXPECT_EQ(card.GetBoundary(2), 18);  // 18.5 -> 18
+    EXPECT_EQ(card.GetBoundary(3), 25);
+    EXPECT_EQ(card.GetBoundary(4), 18);  // 37.5 -> 38, above 32: ignored
+    EXPECT_EQ(card.GetBoundary(5), 6);   // 5.5 -> 6
+    EXPECT_EQ(card.GetBoundary(6), 18);
+    EXPECT_EQ(card.GetBoundary(7), 32);
+    EXPECT_EQ(card.GetBoundary(0), 18);
+}
+
+TEST_F(LayoutReaderTest, ItemSectionsBecomeRowsInReadingOrder) {
+    fields.setFields({{"Level", "LEVEL", "Number", 3, 4, true}});
+    read(crlf({"[CARDDESIGN]", "Size=2K", "UseBit=1", "UseHID=1", "[DATABASEUPDATE]", "1Field=4,Count(5.1.)",
+               "[BITINITCARD]", "1Value=Constant(3)", "1Place=0,28,0,2,3", "1Color=5", "1Mode=1", "[INITCARD]",
+               "2Value=Checksum(1.1)", "2Place=0,30,0,1", "2Color=6", "1Value=CardSnNr(0)", "1Place=0,26,0,10",
+               "1Color=7", "[CHECKSUM]", "1Range=0,19,0,16", "[COMBINEDFIELDS]", "A(1)=1,1", "B(1)=1,2",
+               "1Place=0,25,0,8", "[BITENCODE]", "Flag(1)=0,24,0,5,2,1", "[ENCODE]", "Name(1)=0,19,0,16,0",
+               "A(1)=0,25,0,8,0,1", "[ITEMCOLOR]", "Name(1)=99", "A(1)=98"}));
+    const auto rows = itemRows(records);
+    ASSERT_EQ(rows.size(), 6u);
+    EXPECT_EQ(rows[0].name, "Name");
+    EXPECT_EQ(rows[1].name, "Flag");
+    EXPECT_EQ(rows[1].kind, "Bit Field");
+    EXPECT_EQ(rows[2].name, "A [+] B");
+    EXPECT_EQ(rows[2].bytes, 8);
+    EXPECT_EQ(rows[3].name, "CardSnNr");
+    EXPECT_EQ(rows[4].name, "Checksum");
+    EXPECT_EQ(rows[5].kind, "Bit Function");
+    EXPECT_EQ(records[0].color, 99);
+    EXPECT_EQ(records[2].color, 98);
+    EXPECT_EQ(records[4].range[3], 16);
+    const int32_t update = records.indexOfDbUpdateRow(1);
+    ASSERT_GE(update, 0);
+    EXPECT_EQ(records[update].dbFieldName, "LEVEL");
+    EXPECT_EQ(records[update].param1, "5");
+}
+
+TEST_F(LayoutReaderTest, EntriesThatDoNotFitTheCardAreDroppedWithWarnings) {
+    const auto result = read(crlf({"[CARDDESIGN]", "Size=2K", "[ENCODE]", "Good(1)=0,19,0,4,0",
+                                   "WrongPage(1)=3,19,0,4,0", "TooLong(1)=0,31,0,9,0", "Block(1)=0,40,0,1,0",
+                                   "Byte(1)=0,19,8,1,0", "Zero(1)=0,19,0,0,0", "Huge(1)=0,19,0,99999,0",
+                                   "Text(1)=a,b,c,d,e", "Short(1)=0,19", "[BITENCODE]", "Bits(1)=0,31,7,0,9,0",
+                                   "[INITCARD]", "1Value=NoBrackets", "1Place=0,20,0,1", "2Value=Count(1.1.0)",
+                                   "2Place=0,20", "[DATABASEUPDATE]", "1Field=x,Constant(1)"}));
+    EXPECT_TRUE(result.opened);
+    ASSERT_EQ(records.size(), 1);
+    EXPECT_EQ(records[0].name, "Good");
+    EXPECT_EQ(result.warnings.size(), 12u);
+}
+
+TEST_F(LayoutReaderTest, GarbageFilesOpenEmpty) {
+    std::string bytes;
+    for (int i = 0; i < 20000; ++i) bytes += static_cast<char>((i * 2654435761u) >> 13);
+    const auto result = read(bytes);
+    EXPECT_TRUE(result.opened);
+    EXPECT_EQ(records.size(), 0);
+}
+
+TEST_F(LayoutReaderTest, SettingsAndMultiTrackSectionsAreRead) {
+    const auto result = read(crlf({"[CARDDESIGN]", "Size=2K", "[FieldsMultiTrack]", "Photo(1)=0,19,0,0,32",
+                                   "[SETTINGS]", "Zoom=2", "Note=@#@#\"x\""}));
+    ASSERT_EQ(records.size(), 1);
+    EXPECT_EQ(itemRowOf(records[0]).kind, "Binary Field");
+    ASSERT_EQ(result.settings.size(), 2u);
+    EXPECT_EQ(result.settings[1].second, "\"x\"");
+}
+
+}  // namespace
