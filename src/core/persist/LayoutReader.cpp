@@ -59,10 +59,13 @@ std::vector<int32_t> numbersOf(const ProfileDocument& doc, std::string_view sect
 
 // Distinct keys of a section in file order (a repeated key reads as its first entry anyway).
 std::vector<std::string> distinctKeys(const ProfileDocument& doc, std::string_view section) {
+    const std::vector<std::string> all = doc.keys(section);
+    std::unordered_set<std::string_view, AsciiCaselessHash, AsciiCaselessEqual> seen;
+    seen.reserve(all.size());
     std::vector<std::string> out;
-    std::unordered_set<std::string> seen;
-    for (auto& key : doc.keys(section))
-        if (seen.insert(asciiLower(key)).second) out.push_back(std::move(key));
+    out.reserve(all.size());
+    for (const auto& key : all)
+        if (seen.insert(key).second) out.push_back(key);
     return out;
 }
 
@@ -140,14 +143,14 @@ private:
             std::vector<int16_t> pair;
             const std::string value = readLayoutString(doc_, S::CombinedFields, key);
             if (!numbers(S::CombinedFields, key, value, 2, pair)) continue;
-            combinedParts_.insert(asciiLower(key));
+            combinedParts_.insert(key);
             groups_[pair[0]].push_back({pair[1], key});
         }
     }
 
     void readFields() {
         for (const auto& key : distinctKeys(doc_, S::Encode)) {
-            if (combinedParts_.count(asciiLower(key))) continue;
+            if (combinedParts_.count(key)) continue;
             std::vector<int16_t> v;
             if (!numbers(S::Encode, key, readLayoutString(doc_, S::Encode, key), 5, v)) continue;
             ItemRecord r;
@@ -309,7 +312,7 @@ private:
     const CIClass& card_;
     LayoutReadResult& result_;
     RecordArray records_;
-    std::unordered_set<std::string> combinedParts_;
+    std::unordered_set<std::string, AsciiCaselessHash, AsciiCaselessEqual> combinedParts_;
     std::map<int16_t, std::vector<std::pair<int16_t, std::string>>> groups_;
 };
 

@@ -23,16 +23,18 @@ namespace {
 class FieldKeys {
 public:
     std::string next(const std::string& name) {
-        int32_t& n = nextNumber_[asciiLower(name)];  // numbers below n are taken already
+        auto it = nextNumber_.find(name);
+        if (it == nextNumber_.end()) it = nextNumber_.emplace(name, 0).first;
+        int32_t& n = it->second;  // numbers up to n are taken already
         for (++n;; ++n) {
             std::string key = name + "(" + std::to_string(n) + ")";
-            if (written_.insert(asciiLower(key)).second) return key;
+            if (written_.insert(key).second) return key;
         }
     }
 
 private:
-    std::unordered_set<std::string> written_;
-    std::unordered_map<std::string, int32_t> nextNumber_;
+    std::unordered_set<std::string, AsciiCaselessHash, AsciiCaselessEqual> written_;
+    std::unordered_map<std::string, int32_t, AsciiCaselessHash, AsciiCaselessEqual> nextNumber_;
 };
 
 std::vector<std::string> splitCombined(const std::string& name) {
@@ -65,7 +67,10 @@ public:
 
 private:
     void string(std::string_view section, const std::string& key, std::string_view value) {
-        w_.write(section, key, quoteLayoutValue(value));
+        if (!value.empty() && value.front() == '"')
+            w_.write(section, key, quoteLayoutValue(value));
+        else
+            w_.write(section, key, value);
     }
     // Colours and modes are remembered: a bit checksum with an unclear mode repeats the last one.
     void integer(std::string_view section, const std::string& key, int64_t value, bool remember = false) {

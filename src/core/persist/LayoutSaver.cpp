@@ -57,7 +57,7 @@ SaveOutcome saveLayout(const fs::path& layoutFile, const CIClass* card, const Re
     auto stagedLayout = StagedFile::write(layoutFile, layout.bytes, &error);
     std::optional<StagedFile> stagedEncode;
     if (stagedLayout) stagedEncode = StagedFile::write(out.chipEncodeFile, encode, &error);
-    if (stagedLayout && stagedEncode && layoutExists && !replaceWithCopy(layoutFile, backupPathFor(layoutFile), &error))
+    if (stagedLayout && stagedEncode && layoutExists && !keepAs(layoutFile, backupPathFor(layoutFile), &error))
         stagedEncode.reset();
     if (!stagedLayout || !stagedEncode || !stagedLayout->commit(&error))
         return refuse("The layout could not be saved; the files on disk are unchanged.\r\n" + error);

@@ -62,12 +62,16 @@ std::optional<int32_t> parseProfileInt(std::string_view value) {
 }
 
 ProfileDocument ProfileDocument::parse(std::string_view bytes) {
-    std::string text;
+    std::string converted;
+    std::string_view text = bytes;
     if (bytes.size() >= 2 && static_cast<unsigned char>(bytes[0]) == 0xFF &&
-        static_cast<unsigned char>(bytes[1]) == 0xFE)
-        text = utf16leToUtf8(bytes.substr(2));
-    else
-        text = cp1252ToUtf8(bytes);
+        static_cast<unsigned char>(bytes[1]) == 0xFE) {
+        converted = utf16leToUtf8(bytes.substr(2));
+        text = converted;
+    } else if (!isAscii(bytes)) {
+        converted = cp1252ToUtf8(bytes);
+        text = converted;
+    }
 
     ProfileDocument doc;
     Section* current = nullptr;  // lines before the first header belong to no listed section
@@ -85,7 +89,6 @@ ProfileDocument ProfileDocument::parse(std::string_view bytes) {
             if (close != std::string_view::npos) {
                 Section s;
                 s.name = std::string(trimProfileSpace(line.substr(1, close - 1)));
-                doc.firstSection_.try_emplace(asciiLower(s.name), doc.sections_.size());
                 doc.sections_.push_back(std::move(s));
                 current = &doc.sections_.back();
                 continue;
@@ -101,8 +104,14 @@ ProfileDocument ProfileDocument::parse(std::string_view bytes) {
             e.name = std::string(trimProfileSpace(line.substr(0, eq)));
             e.value = std::string(trimProfileSpace(line.substr(eq + 1)));
         }
-        current->firstEntry.try_emplace(asciiLower(e.name), current->entries.size());
         current->entries.push_back(std::move(e));
+    }
+    // Index once every string has its final place.
+    for (size_t i = 0; i < doc.sections_.size(); ++i) {
+        Section& s = doc.sections_[i];
+        doc.firstSection_.try_emplace(s.name, i);
+        s.firstEntry.reserve(s.entries.size());
+        for (size_t k = 0; k < s.entries.size(); ++k) s.firstEntry.try_emplace(s.entries[k].name, k);
     }
     return doc;
 }
@@ -127,14 +136,14 @@ std::optional<ProfileDocument> ProfileDocument::load(const std::filesystem::path
 }
 
 const ProfileDocument::Section* ProfileDocument::findSection(std::string_view name) const {
-    auto it = firstSection_.find(asciiLower(trimProfileSpace(name)));
+    auto it = firstSection_.find(trimProfileSpace(name));
     return it == firstSection_.end() ? nullptr : &sections_[it->second];
 }
 
 const ProfileDocument::Entry* ProfileDocument::findEntry(std::string_view section, std::string_view key) const {
     const Section* s = findSection(section);
     if (!s) return nullptr;
-    auto it = s->firstEntry.find(asciiLower(trimProfileSpace(key)));
+    auto it = s->firstEntry.find(trimProfileSpace(key));
     return it == s->firstEntry.end() ? nullptr : &s->entries[it->second];
 }
 

@@ -7,6 +7,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "AsciiCaseless.h"
+
 namespace kestrin {
 
 // A profile (INI) file as the Windows profile functions read it: CR/LF runs end lines,
@@ -23,8 +25,16 @@ public:
     struct Section {
         std::string name;
         std::vector<Entry> entries;
-        std::unordered_map<std::string, size_t> firstEntry;  // lower-cased name -> index
+        // Name -> index of its first entry; the views point into entries.
+        std::unordered_map<std::string_view, size_t, AsciiCaselessHash, AsciiCaselessEqual> firstEntry;
     };
+
+    ProfileDocument() = default;
+    ProfileDocument(ProfileDocument&&) noexcept = default;
+    ProfileDocument& operator=(ProfileDocument&&) noexcept = default;
+    // The name indexes point into the document's own strings, so it is moved, never copied.
+    ProfileDocument(const ProfileDocument&) = delete;
+    ProfileDocument& operator=(const ProfileDocument&) = delete;
 
     static ProfileDocument parse(std::string_view bytes);
     // Reads a file of at most maxBytes; nothing (and an error text) when it cannot be read.
@@ -51,7 +61,7 @@ private:
     const Entry* findEntry(std::string_view section, std::string_view key) const;
 
     std::vector<Section> sections_;
-    std::unordered_map<std::string, size_t> firstSection_;  // lower-cased name -> index
+    std::unordered_map<std::string_view, size_t, AsciiCaselessHash, AsciiCaselessEqual> firstSection_;
 };
 
 // Whitespace as the profile functions trim it: 0x09 to 0x0D, 0x1A and the blank.

@@ -19,6 +19,7 @@ std::string quoteLayoutValue(std::string_view value) {
 std::string readLayoutString(const ProfileDocument& doc, std::string_view section, std::string_view key,
                              std::string_view defaultText) {
     std::string text = doc.getString(section, key, defaultText, kReadBuffer);
+    if (text.find('@') == std::string::npos) return text;  // neither "/@" nor the guard
     std::string out;
     out.reserve(text.size());
     for (size_t i = 0; i < text.size(); ++i) {

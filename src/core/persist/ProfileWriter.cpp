@@ -1,5 +1,7 @@
 #include "ProfileWriter.h"
 
+#include <charconv>
+
 #include "Cp1252.h"
 #include "ProfileDocument.h"
 
@@ -13,39 +15,58 @@ std::string profileSafeValue(std::string_view value) {
 }
 
 void ProfileWriter::write(std::string_view section, std::string_view key, std::string_view value) {
-    const std::string sectionName(trimProfileSpace(section));
-    const std::string keyName(trimProfileSpace(key));
+    const std::string_view sectionName = trimProfileSpace(section);
+    const std::string_view keyName = trimProfileSpace(key);
     if (sectionName.empty() || keyName.empty()) return;  // never write nameless sections or keys
 
-    auto [sit, newSection] = index_.try_emplace(asciiLower(sectionName), sections_.size());
-    if (newSection) sections_.push_back(Section{sectionName, {}, {}});
+    auto sit = index_.find(sectionName);
+    if (sit == index_.end()) {
+        sections_.push_back(Section{std::string(sectionName), {}, {}});
+        sit = index_.emplace(std::string(sectionName), sections_.size() - 1).first;
+    }
     Section& s = sections_[sit->second];
 
-    auto [kit, newKey] = s.index.try_emplace(asciiLower(keyName), s.entries.size());
-    if (newKey)
-        s.entries.emplace_back(keyName, profileSafeValue(value));
-    else
+    auto kit = s.index.find(keyName);
+    if (kit == s.index.end()) {
+        s.entries.emplace_back(std::string(keyName), profileSafeValue(value));
+        s.index.emplace(std::string(keyName), s.entries.size() - 1);
+    } else {
         s.entries[kit->second].second = profileSafeValue(value);
+    }
 }
 
 void ProfileWriter::writeInt(std::string_view section, std::string_view key, int64_t value) {
-    write(section, key, std::to_string(value));
+    char buf[24];
+    const auto end = std::to_chars(buf, buf + sizeof buf, value).ptr;
+    write(section, key, std::string_view(buf, static_cast<size_t>(end - buf)));
 }
 
 std::string ProfileWriter::bytes() const {
-    std::string text;
+    size_t size = 0;
     for (const auto& s : sections_) {
-        text += '[';
-        text += s.name;
-        text += "]\r\n";
+        size += s.name.size() + 4;
+        for (const auto& [k, v] : s.entries) size += k.size() + v.size() + 3;
+    }
+    std::string out;
+    out.reserve(size);
+    auto append = [&out](const std::string& text) {
+        if (isAscii(text))
+            out += text;
+        else
+            out += utf8ToCp1252(text);
+    };
+    for (const auto& s : sections_) {
+        out += '[';
+        append(s.name);
+        out += "]\r\n";
         for (const auto& [k, v] : s.entries) {
-            text += k;
-            text += '=';
-            text += v;
-            text += "\r\n";
+            append(k);
+            out += '=';
+            append(v);
+            out += "\r\n";
         }
     }
-    return utf8ToCp1252(text);
+    return out;
 }
 
 }  // namespace kestrin

@@ -5,6 +5,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "AsciiCaseless.h"
+
 namespace kestrin {
 
 // Builds a profile file in memory with exactly the bytes that the same sequence of
@@ -19,13 +21,14 @@ public:
     bool empty() const { return sections_.empty(); }
 
 private:
+    using NameIndex = std::unordered_map<std::string, size_t, AsciiCaselessHash, AsciiCaselessEqual>;
     struct Section {
         std::string name;
         std::vector<std::pair<std::string, std::string>> entries;
-        std::unordered_map<std::string, size_t> index;
+        NameIndex index;
     };
     std::vector<Section> sections_;
-    std::unordered_map<std::string, size_t> index_;
+    NameIndex index_;
 };
 
 // A value as the profile functions keep it: line breaks become blanks, and leading and

@@ -118,6 +118,18 @@ std::optional<std::string> readWholeFile(const fs::path& file, uintmax_t maxByte
     return bytes;
 }
 
+bool keepAs(const fs::path& source, const fs::path& target, std::string* error) {
+    const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
+    const fs::path temp = folder / ("." + target.filename().string() + ".link.tmp");
+    std::error_code ec;
+    fs::remove(temp, ec);
+    if (::link(source.c_str(), temp.c_str()) == 0) {
+        if (::rename(temp.c_str(), target.c_str()) == 0) return true;
+        fs::remove(temp, ec);
+    }
+    return replaceWithCopy(source, target, error);
+}
+
 bool replaceWithCopy(const fs::path& source, const fs::path& target, std::string* error) {
     auto bytes = readWholeFile(source, UINTMAX_MAX, error);
     if (!bytes) return false;

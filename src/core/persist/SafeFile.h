@@ -31,6 +31,9 @@ private:
 
 // A file that exists and carries no owner write permission (the read-only attribute).
 bool isReadOnlyFile(const std::filesystem::path& file);
+// Makes target a second name of source's content (a hard link, or a copy where the file
+// system has none), replacing target in one step: it is either the old or the new one.
+bool keepAs(const std::filesystem::path& source, const std::filesystem::path& target, std::string* error);
 // Copies source over target through a staged file, so target is either the old or the new copy.
 bool replaceWithCopy(const std::filesystem::path& source, const std::filesystem::path& target, std::string* error);
 // Reads a whole file of at most maxBytes.
