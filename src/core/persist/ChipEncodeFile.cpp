@@ -12,7 +12,8 @@ std::vector<std::string> usedHostFields(std::string_view usedFieldList, const Ho
     if (usedFieldList.empty()) return used;
     // With ")" put in front, a name is used exactly when it equals the text that follows
     // some ")" up to the next "(" (or the end of the list).
-    const std::string list = ")" + std::string(usedFieldList);
+    std::string list(1, ')');
+    list += usedFieldList;
     std::unordered_set<std::string_view> names;
     for (size_t i = 0; i < list.size(); ++i) {
         if (list[i] != ')') continue;
@@ -31,8 +32,11 @@ std::string renderChipEncodeFile(std::string_view usedFieldList, const std::vect
     w.write("ChipEncode", "LK_Version", kChipEncodeVersion);
     if (!bigItemNumbers.empty()) {
         std::string images;
-        for (int16_t n : bigItemNumbers) images += "," + std::to_string(n);
-        w.write("ChipEncode", "Images", images.substr(1));
+        for (int16_t n : bigItemNumbers) {
+            if (!images.empty()) images += ',';
+            images += std::to_string(n);
+        }
+        w.write("ChipEncode", "Images", images);
     }
     w.write("ChipEncode", "DllName", kEncoderLibrary);
     w.writeInt("ChipEncode", "ChipType", 1);

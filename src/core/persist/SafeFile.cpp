@@ -33,6 +33,15 @@ bool writeAll(int fd, std::string_view bytes) {
     return true;
 }
 
+// ".NAME.suffix": a temporary name beside the target that folder listings hide.
+std::string hiddenName(const fs::path& target, const std::string& suffix) {
+    std::string name(1, '.');
+    name += target.filename().string();
+    name += '.';
+    name += suffix;
+    return name;
+}
+
 }  // namespace
 
 StagedFile::StagedFile(StagedFile&& other) noexcept
@@ -57,7 +66,7 @@ std::optional<StagedFile> StagedFile::write(const fs::path& target, std::string_
     static thread_local std::mt19937 rng{std::random_device{}()};
     const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
     for (int attempt = 0; attempt < 16; ++attempt) {
-        const fs::path temp = folder / ("." + target.filename().string() + "." + std::to_string(rng() % 1000000) + ".tmp");
+        const fs::path temp = folder / hiddenName(target, std::to_string(rng() % 1000000) + ".tmp");
         const int fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
         if (fd < 0) {
             if (errno == EEXIST) continue;
@@ -120,7 +129,7 @@ std::optional<std::string> readWholeFile(const fs::path& file, uintmax_t maxByte
 
 bool keepAs(const fs::path& source, const fs::path& target, std::string* error) {
     const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
-    const fs::path temp = folder / ("." + target.filename().string() + ".link.tmp");
+    const fs::path temp = folder / hiddenName(target, "link.tmp");
     std::error_code ec;
     fs::remove(temp, ec);
     if (::link(source.c_str(), temp.c_str()) == 0) {
