@@ -1,22 +1,21 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <iterator>
 #include <optional>
+#include <random>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "PeTestImage.h"
-#include "TextTestSupport.h"
+#include "support/TestSupport.h"
 #include "text/PeStringTable.h"
 
 namespace kestrin {
 namespace {
 
-using test::ByteWriter;
-using test::langFixture;
-using test::peImage;
-using test::readWholeFile;
-using test::stringTableSection;
-using test::Subdirectory;
+using namespace test;
 
 std::string repeated(std::string_view piece, std::size_t count)
 {
@@ -26,7 +25,7 @@ std::string repeated(std::string_view piece, std::size_t count)
     return out;
 }
 
-std::unique_ptr<PeStringTable> parseOrFail(const std::string& image)
+std::unique_ptr<PeStringTable> parsed(std::string_view image)
 {
     std::string error;
     auto table = PeStringTable::parse(image, &error);
@@ -34,165 +33,257 @@ std::unique_ptr<PeStringTable> parseOrFail(const std::string& image)
     return table;
 }
 
-// --- the DLLs built from strings.rc, one PE32 and one PE32+ ---
+std::string formatName(const ::testing::TestParamInfo<bool>& info) { return info.param ? "Pe32Plus" : "Pe32"; }
 
-struct DllFile {
-    const char* name;
-    PeStringTable::Format format;
-};
+// --- the DLLs built from strings.rc: PE32 (false) and PE32+ (true) ---
 
-void PrintTo(const DllFile& f, std::ostream* out) { *out << f.name; }
+class PeStringTableDll : public ::testing::TestWithParam<bool> {};
 
-class StringsDll : public ::testing::TestWithParam<DllFile> {
-protected:
-    void SetUp() override
-    {
-        table = parseOrFail(readWholeFile(langFixture(GetParam().name)));
-        ASSERT_NE(table, nullptr);
-    }
-    std::unique_ptr<PeStringTable> table;
-};
-
-struct Expected {
-    int32_t id;
-    std::optional<std::string> text;
-};
-
-TEST_P(StringsDll, IsReadInItsFormat)
+std::string stringsDll(bool plus)
 {
-    EXPECT_EQ(table->format(), GetParam().format);
-    EXPECT_EQ(table->size(), 14u);  // every non-empty text of strings.rc
+    return readBytes(std::filesystem::path(KESTRIN_FIXTURES) / "lang" / (plus ? "strings64.dll" : "strings32.dll"));
 }
 
-TEST_P(StringsDll, AnswersLikeTheHostsStringLoader)
+TEST_P(PeStringTableDll, AnswersLikeTheHostsStringLoader)
 {
-    const std::string digits = repeated("0123456789", 30);
-    const Expected cases[] = {
+    const auto table = parsed(stringsDll(GetParam()));
+    ASSERT_NE(table, nullptr);
+    EXPECT_EQ(table->format(), GetParam() ? PeStringTable::Format::Pe32Plus : PeStringTable::Format::Pe32);
+    EXPECT_EQ(table->size(), 14u);  // every non-empty text of strings.rc
+    const std::pair<int32_t, std::optional<std::string>> cases[] = {
         {0, "Zero"},
         {1, "Gr\xC3\xB6\xC3\x9F" "e: 10 \xC3\x97 20 mm"},
         {2, "\xCE\x95\xCE\xBB\xCE\xBB\xCE\xB7\xCE\xBD\xCE\xB9\xCE\xBA\xCE\xAC \xD0\xB8 "
             "\xD1\x80\xD1\x83\xD1\x81\xD1\x81\xD0\xBA\xD0\xB8\xD0\xB9"},
         {3, "\xE6\x97\xA5\xE6\x9C\xAC\xE8\xAA\x9E\xE3\x81\xAE\xE3\x83\x86\xE3\x82\xAD\xE3\x82\xB9\xE3\x83\x88"},
         {4, "Emoji \xF0\x9F\x98\x80 outside the BMP"},
-        {5, digits.substr(0, 255)},                        // 300 characters, cut to 255
-        {6, std::nullopt},                                 // empty slot
-        {7, std::nullopt},                                 // slot never written, same block
-        {8, std::string(254, 'a')},                        // the cut would split an emoji
+        {5, repeated("0123456789", 30).substr(0, 255)},  // 300 characters, cut to 255
+        {6, std::nullopt},                               // empty slot
+        {7, std::nullopt},                               // slot never written, same block
+        {8, std::string(254, 'a')},                      // the cut would split an emoji
         {9, "Two lines\nsecond line"},
-        {10, repeated("\xC3\xA4", 255)},                   // cut counts UTF-16 units, not bytes
+        {10, repeated("\xC3\xA4", 255)},                 // the cut counts UTF-16 units, not bytes
         {15, "Fifteen"},
-        {16, std::nullopt},                                // block 2 does not exist
-        {32, "English"},                                   // German and English: English
-        {33, std::nullopt},                                // only in the German block: not chosen
-        {48, "Neutral"},                                   // German, English, neutral: neutral
-        {64, "Fran\xC3\xA7" "ais"},                        // French only: the first language
-        {5000, std::nullopt},                              // missing block
+        {16, std::nullopt},                              // block 2 does not exist
+        {32, "English"},                                 // German and English: English
+        {33, std::nullopt},                              // only in the German version: not chosen
+        {48, "Neutral"},                                 // German, English, neutral: neutral
+        {64, "Fran\xC3\xA7" "ais"},                      // French only: the first language
+        {5000, std::nullopt},                            // missing block
         {65535, "Last id"},
-        {-1, "Last id"},                                   // only the low 16 bits count
+        {-1, "Last id"},                                 // only the low 16 bits count
         {65536, "Zero"},
         {65536 * 7 + 32, "English"},
         {INT32_MIN, "Zero"},
     };
-    for (const Expected& c : cases)
-        EXPECT_EQ(table->lookup(c.id), c.text) << "id " << c.id;
+    for (const auto& [id, text] : cases)
+        EXPECT_EQ(table->lookup(id), text) << "id " << id;
 }
 
-INSTANTIATE_TEST_SUITE_P(Fixtures, StringsDll,
-                         ::testing::Values(DllFile{"strings32.dll", PeStringTable::Format::Pe32},
-                                           DllFile{"strings64.dll", PeStringTable::Format::Pe32Plus}),
-                         [](const auto& p) { return p.param.format == PeStringTable::Format::Pe32
-                                                    ? std::string("Pe32") : std::string("Pe32Plus"); });
+TEST_P(PeStringTableDll, RefusesEveryTruncationAndSurvivesCorruption)
+{
+    const std::string whole = stringsDll(GetParam());
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+        std::string error;
+        EXPECT_EQ(PeStringTable::parse(std::string_view(whole).substr(0, length), &error), nullptr) << length;
+        EXPECT_FALSE(error.empty()) << "no reason when cut to " << length << " bytes";
+    }
+    std::mt19937 random(20240611);  // fixed seed: the same corruptions every run
+    int refused = 0;
+    for (int round = 0; round < 3000; ++round) {
+        std::string corrupt = whole;
+        for (int flips = 1 + round % 4; flips > 0; --flips)
+            corrupt[random() % corrupt.size()] = static_cast<char>(random() & 0xFF);
+        std::string error;
+        const auto table = PeStringTable::parse(corrupt, &error);
+        EXPECT_NE(table == nullptr, error.empty()) << "round " << round << ": " << error;
+        refused += table == nullptr;
+    }
+    EXPECT_GT(refused, 0);  // the corruptions did reach the structures
+}
+
+INSTANTIATE_TEST_SUITE_P(Fixtures, PeStringTableDll, ::testing::Bool(), formatName);
 
 // --- images built here, for what a resource compiler never writes ---
 
-class BuiltImage : public ::testing::TestWithParam<bool> {};
+class PeStringTableBuilt : public ::testing::TestWithParam<bool> {};
 
-TEST_P(BuiltImage, ChoosesTheLanguageByBlockWhateverTheEntryOrder)
+TEST_P(PeStringTableBuilt, ChoosesTheLanguageByBlockWhateverTheEntryOrder)
 {
-    const auto image = peImage(stringTableSection({
+    const auto table = parsed(peImage(stringTableSection({
         {1, {{0x0409, {u"en-1"}}, {0x0407, {u"de-1"}}, {0x0000, {u"neutral-1"}}}},
         {2, {{0x0407, {u"de-2"}}, {0x0409, {u"en-2"}}}},
         {3, {{0x040C, {u"fr-3"}}, {0x0407, {u"de-3"}}}},
         {4, {{0x0411, {}}, {0x0409, {u"en-4"}}}},  // the first is empty, English still wins
-    }), GetParam());
-    const auto table = parseOrFail(image.str());
+        {5, {{0x0409, {u"first"}}}},
+        {5, {{0x0000, {u"second"}}}},               // a repeated block: the first entry counts
+    }), GetParam()).s);
     ASSERT_NE(table, nullptr);
     EXPECT_EQ(table->format(), GetParam() ? PeStringTable::Format::Pe32Plus : PeStringTable::Format::Pe32);
     EXPECT_EQ(table->lookup(0), "neutral-1");
     EXPECT_EQ(table->lookup(16), "en-2");
     EXPECT_EQ(table->lookup(32), "fr-3");
     EXPECT_EQ(table->lookup(48), "en-4");
-}
-
-TEST_P(BuiltImage, ReplacesUnpairedSurrogates)
-{
-    const auto image = peImage(stringTableSection({{1, {{0x0409, {
-        std::u16string{u'a', 0xD800},
-        std::u16string{0xDC00, u'b'},
-        std::u16string{0xD83D, 0xDE00, 0xD83D},
-    }}}}}), GetParam());
-    const auto table = parseOrFail(image.str());
-    ASSERT_NE(table, nullptr);
-    EXPECT_EQ(table->lookup(0), "a\xEF\xBF\xBD");
-    EXPECT_EQ(table->lookup(1), "\xEF\xBF\xBD" "b");
-    EXPECT_EQ(table->lookup(2), "\xF0\x9F\x98\x80\xEF\xBF\xBD");
-}
-
-TEST_P(BuiltImage, TakesTheFirstEntryOfARepeatedBlock)
-{
-    const auto image = peImage(stringTableSection({
-        {5, {{0x0409, {u"first"}}}},
-        {5, {{0x0000, {u"second"}}}},
-    }), GetParam());
-    const auto table = parseOrFail(image.str());
-    ASSERT_NE(table, nullptr);
     EXPECT_EQ(table->lookup(64), "first");
 }
 
-TEST_P(BuiltImage, SkipsNamedEntriesAndBlocksNoIdReaches)
+TEST_P(PeStringTableBuilt, ReplacesUnpairedSurrogatesAndCutsBetweenCharacters)
 {
-    // Root: a named type and the string type; string type: a named block, block 0, block 1.
+    const std::string bad = "\xEF\xBF\xBD", emoji = "\xF0\x9F\x98\x80";
+    const std::pair<std::u16string, std::string> cases[] = {
+        {{u'a', 0xD800}, std::string("a") + bad},
+        {{0xDC00, 0xD800}, bad + bad},
+        {{0xD83D, 0xDE00, 0xD83D}, emoji + bad},
+        {{0xD83D, 0xD83D, 0xDE00, u'b'}, bad + emoji + "b"},
+        // At the 255-unit cut a lone half stays (as U+FFFD), and so does a pair that ends there.
+        {std::u16string(254, u'x') + std::u16string{0xD800, u'y'}, std::string(254, 'x') + bad},
+        {std::u16string(253, u'x') + u"\U0001F600yz", std::string(253, 'x') + emoji},
+    };
+    std::vector<std::u16string> slots;
+    for (const auto& c : cases)
+        slots.push_back(c.first);
+    const auto table = parsed(peImage(stringTableSection({{1, {{0x0409, slots}}}}), GetParam()).s);
+    ASSERT_NE(table, nullptr);
+    for (std::size_t i = 0; i < std::size(cases); ++i)
+        EXPECT_EQ(table->lookup(static_cast<int32_t>(i)), cases[i].second) << "slot " << i;
+}
+
+TEST_P(PeStringTableBuilt, SkipsNamedEntriesRepeatedBlocksAndBlocksNoIdReaches)
+{
+    // Root: a named type and the string type; string type: a named block, block 0, block 1,
+    // and block 1 again as a damaged entry that the first one makes irrelevant.
     ByteWriter rsrc;
     rsrc.directory(1, 1).entry(Subdirectory | 0x200, Subdirectory | 0x30).entry(6, Subdirectory | 0x60);
     rsrc.zerosTo(0x30).directory(0, 1).entry(1, Subdirectory | 0x90);  // a named type's own tree
-    rsrc.zerosTo(0x60).directory(1, 2).entry(Subdirectory | 0x200, Subdirectory | 0x90)
-        .entry(0, Subdirectory | 0x90).entry(1, Subdirectory | 0x90);
+    rsrc.zerosTo(0x60).directory(1, 3).entry(Subdirectory | 0x200, Subdirectory | 0x90)
+        .entry(0, Subdirectory | 0x90).entry(1, Subdirectory | 0x90).entry(1, 0xB0);
     rsrc.zerosTo(0x90).directory(0, 1).entry(0x0409, 0xB0);
-    rsrc.zerosTo(0xB0).dataEntry(test::ResourceRva + 0xC0, 36);
+    rsrc.zerosTo(0xB0).dataEntry(ResourceRva + 0xC0, 36);
     rsrc.zerosTo(0xC0).block({u"ok"});
     rsrc.zerosTo(0x200).u16(4).bytes(std::string_view("N\0A\0M\0E\0", 8));
-    const auto table = parseOrFail(peImage(rsrc.str(), GetParam()).str());
+    const auto table = parsed(peImage(rsrc.s, GetParam()).s);
     ASSERT_NE(table, nullptr);
     EXPECT_EQ(table->size(), 1u);
     EXPECT_EQ(table->lookup(0), "ok");
 }
 
-TEST_P(BuiltImage, WithoutStringTablesHasNoTexts)
+TEST_P(PeStringTableBuilt, WithoutStringTablesHasNoTexts)
 {
     const bool plus = GetParam();
-    const test::PeLayout layout{plus};
-    ByteWriter otherTypes;  // icons only (type 3), pointing nowhere useful
-    otherTypes.directory(0, 1).entry(3, Subdirectory | 0x18).directory(0, 0);
-
-    ByteWriter noDirectory = peImage(stringTableSection({{1, {{0x0409, {u"x"}}}}}), plus);
-    noDirectory.put32(layout.resourceDirectory(), 0);
-    ByteWriter twoDirectories = peImage(stringTableSection({{1, {{0x0409, {u"x"}}}}}), plus);
-    twoDirectories.put32(layout.rvaCount(), 2);  // the resource entry is not counted
-    ByteWriter emptyLanguages;
+    const std::string sound = stringTableSection({{1, {{0x0409, {u"x"}}}}});
+    ByteWriter iconsOnly, emptyLanguages;
+    iconsOnly.directory(0, 1).entry(3, Subdirectory | 0x18).directory(0, 0);
     emptyLanguages.directory(0, 1).entry(6, Subdirectory | 0x18).directory(0, 1).entry(1, Subdirectory | 0x30);
     emptyLanguages.zerosTo(0x30).directory(0, 0);
-
-    for (const std::string& image : {peImage(otherTypes.str(), plus).str(), noDirectory.str(), twoDirectories.str(),
-                                     peImage(emptyLanguages.str(), plus).str()}) {
-        const auto table = parseOrFail(image);
+    for (const std::string& image : {peImage(iconsOnly.s, plus).s, peImage(emptyLanguages.s, plus).s,
+                                     peImage(sound, plus).put(resourceDirectoryAt(plus), 0).s,  // no resource table
+                                     peImage(sound, plus).put(rvaCountAt(plus), 2).s}) {        // its entry not counted
+        const auto table = parsed(image);
         ASSERT_NE(table, nullptr);
         EXPECT_EQ(table->size(), 0u);
         EXPECT_EQ(table->lookup(0), std::nullopt);
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Formats, BuiltImage, ::testing::Bool(),
-                         [](const auto& p) { return p.param ? std::string("Pe32Plus") : std::string("Pe32"); });
+INSTANTIATE_TEST_SUITE_P(Formats, PeStringTableBuilt, ::testing::Bool(), formatName);
+
+// --- hostile images: each is refused with a reason that names the fault ---
+
+struct HostileCase {
+    const char* name;
+    std::string image;
+    const char* reason;
+};
+
+void PrintTo(const HostileCase& c, std::ostream* out) { *out << c.name; }
+
+ByteWriter soundImage() { return peImage(stringTableSection({{1, {{0x0409, {u"ok"}}}}})); }
+
+std::string patched(std::size_t at, uint32_t value, int width = 4) { return soundImage().put(at, value, width).s; }
+
+// A resource table down to one language entry; what it points at follows from offset 0x48.
+ByteWriter oneLanguage(uint32_t target)
+{
+    ByteWriter rsrc;
+    rsrc.directory(0, 1).entry(6, Subdirectory | 0x18).directory(0, 1).entry(1, Subdirectory | 0x30);
+    rsrc.directory(0, 1).entry(0x0409, target);
+    return rsrc;
+}
+
+std::vector<HostileCase> hostileCases()
+{
+    const std::string sound = soundImage().s;
+    const auto withTable = [](const ByteWriter& rsrc) { return peImage(rsrc.s).s; };
+    return {
+        {"Empty", "", "no MZ signature"},
+        {"OneByte", "M", "no MZ signature"},
+        {"WrongMagic", patched(0, 'Z' | 'M' << 8, 2), "no MZ signature"},
+        {"DosHeaderOnly", std::string("MZ\x90\0", 4), "DOS header is incomplete"},
+        {"NewHeaderPastEnd", patched(0x3C, 0xFFFFFFF0), "points past the end"},
+        {"SixteenBit", patched(0x40, 'N' | 'E' << 8, 2), "16-bit Windows (NE)"},
+        {"LinearExecutable", patched(0x40, 'L' | 'E' << 8, 2), "no PE signature"},
+        {"CoffHeaderCut", sound.substr(0, 0x4A), "COFF header is incomplete"},
+        {"OptionalHeaderCut", sound.substr(0, OptionalHeader + 50), "optional header is incomplete"},
+        {"RomImage", patched(OptionalHeader, 0x107, 2), "magic 0x107"},
+        {"ManySections", patched(0x46, 0xFFFF, 2), "section table is incomplete"},
+        {"TableOutsideSections", patched(resourceDirectoryAt(false), 0x9000),
+         "resource table lies outside every section"},
+        {"PackedSection", patched(sectionTableAt(false) + 16, 0), "lies outside its section's data"},
+        {"SectionDataPastEnd", patched(sectionTableAt(false) + 20, 0x7FFFFFFF), "ends past the end of the file"},
+        {"RootEntriesPastEnd", patched(ResourceSection + 14, 0xFFFF, 2), "entries run past the end"},
+        {"SelfPointingDirectory", withTable(ByteWriter().directory(0, 1).entry(6, Subdirectory)),
+         "deeper than three levels"},
+        {"TypeIsData", withTable(ByteWriter().directory(0, 1).entry(6, 0x18).dataEntry(ResourceRva, 4)),
+         "string-table entry is not a directory"},
+        {"BlockIsData",
+         withTable(ByteWriter().directory(0, 1).entry(6, Subdirectory | 0x18).directory(0, 1).entry(1, 0x30)
+                       .dataEntry(ResourceRva, 4)),
+         "string block 1 is not a directory"},
+        {"DirectoryPastEnd", withTable(ByteWriter().directory(0, 1).entry(6, Subdirectory | 0x7FFFFFF0)),
+         "directory lies past the end"},
+        {"DataEntryPastEnd", withTable(oneLanguage(0x7FFFFFF0)), "data entry lies past the end"},
+        {"DataOutsideSections", withTable(oneLanguage(0x48).dataEntry(0x80000000, 34)),
+         "data of string block 1 lies outside every section"},
+        {"DataPastSection", withTable(oneLanguage(0x48).dataEntry(ResourceRva, 0x10000)),
+         "data of string block 1 runs past its section's data"},
+        // The block at 0x58: a text of 300 units in 8 bytes; then 4 of its 16 slots in 10 bytes.
+        {"TextPastBlock", withTable(oneLanguage(0x48).dataEntry(ResourceRva + 0x58, 8).u16(300).u32(0).u16(0)),
+         "a text runs past the block's end"},
+        {"BlockShort", withTable(oneLanguage(0x48).dataEntry(ResourceRva + 0x58, 10).u16(1).u16('a').u32(0).u16(0)),
+         "ends before its 16 texts"},
+    };
+}
+
+class PeStringTableHostile : public ::testing::TestWithParam<HostileCase> {};
+
+TEST_P(PeStringTableHostile, IsRefusedWithItsReason)
+{
+    std::string error;
+    EXPECT_EQ(PeStringTable::parse(GetParam().image, &error), nullptr);
+    EXPECT_NE(error.find(GetParam().reason), std::string::npos) << "error was: " << error;
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, PeStringTableHostile, ::testing::ValuesIn(hostileCases()),
+                         [](const auto& p) { return std::string(p.param.name); });
+
+TEST(PeStringTableHostileTree, AHugeTreeIsRefusedQuickly)
+{
+    // 4096 blocks that all share one language directory of 65535 entries.
+    ByteWriter rsrc;
+    rsrc.directory(0, 1).entry(6, Subdirectory | 0x18).directory(0, 4096);
+    const uint32_t languages = 0x18 + 16 + 4096 * 8;
+    for (uint32_t block = 1; block <= 4096; ++block)
+        rsrc.entry(block, Subdirectory | languages);
+    const uint32_t data = languages + 16 + 0xFFFF * 8;
+    rsrc.directory(0, 0xFFFF);
+    for (uint32_t i = 0; i < 0xFFFF; ++i)
+        rsrc.entry(0x0407, data);
+    rsrc.dataEntry(ResourceRva + data + 16, 32).block({});
+
+    std::string error;
+    EXPECT_EQ(PeStringTable::parse(peImage(rsrc.s).s, &error), nullptr);
+    EXPECT_NE(error.find("too many directory entries"), std::string::npos) << error;
+}
 
 }  // namespace
 }  // namespace kestrin

@@ -1,6 +1,7 @@
 #pragma once
 // Builds small PE images in memory so that the DLL reader can be fed exact, and hostile,
 // resource tables that no resource compiler would write.
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -10,154 +11,92 @@
 
 namespace kestrin::test {
 
-// Little-endian writer with patching at known offsets.
-class ByteWriter {
-public:
-    ByteWriter& u16(uint32_t value)
-    {
-        m_bytes += static_cast<char>(value & 0xFF);
-        m_bytes += static_cast<char>((value >> 8) & 0xFF);
-        return *this;
-    }
-    ByteWriter& u32(uint32_t value) { return u16(value & 0xFFFF).u16(value >> 16); }
-    ByteWriter& bytes(std::string_view data)
-    {
-        m_bytes += data;
-        return *this;
-    }
-    ByteWriter& zerosTo(std::size_t size)
-    {
-        if (m_bytes.size() < size)
-            m_bytes.resize(size, '\0');
-        return *this;
-    }
-    // A resource directory header with the given entry counts.
-    ByteWriter& directory(uint32_t namedCount, uint32_t idCount)
-    {
-        return u32(0).u32(0).u32(0).u16(namedCount).u16(idCount);
-    }
+constexpr uint32_t Subdirectory = 0x80000000u;
+constexpr uint32_t ResourceRva = 0x1000;        // where peImage() maps the resource section
+constexpr std::size_t ResourceSection = 0x200;  // and where it lies in the file
+constexpr std::size_t OptionalHeader = 0x58;
+constexpr std::size_t rvaCountAt(bool plus) { return OptionalHeader + (plus ? 108 : 92); }
+constexpr std::size_t resourceDirectoryAt(bool plus) { return rvaCountAt(plus) + 20; }
+constexpr std::size_t sectionTableAt(bool plus) { return OptionalHeader + (plus ? 240 : 224); }
+
+// Little-endian writer.
+struct ByteWriter {
+    std::string s;
+
+    ByteWriter& u16(uint32_t v) { s.append(2, '\0'); return put(s.size() - 2, v, 2); }
+    ByteWriter& u32(uint32_t v) { s.append(4, '\0'); return put(s.size() - 4, v, 4); }
+    ByteWriter& bytes(std::string_view b) { s += b; return *this; }
+    ByteWriter& zerosTo(std::size_t size) { s.resize(std::max(size, s.size()), '\0'); return *this; }
+    ByteWriter& directory(uint32_t named, uint32_t ids) { return u32(0).u32(0).u32(0).u16(named).u16(ids); }
     ByteWriter& entry(uint32_t name, uint32_t target) { return u32(name).u32(target); }
-    // A resource data entry.
     ByteWriter& dataEntry(uint32_t rva, uint32_t size) { return u32(rva).u32(size).u32(0).u32(0); }
     // A string block: 16 slots, each a length and its UTF-16LE units.
     ByteWriter& block(const std::vector<std::u16string>& slots)
     {
         for (std::size_t i = 0; i < 16; ++i) {
-            const std::u16string text = i < slots.size() ? slots[i] : std::u16string();
+            const std::u16string text = i < slots.size() ? slots[i] : u"";
             u16(static_cast<uint32_t>(text.size()));
             for (const char16_t unit : text)
                 u16(unit);
         }
         return *this;
     }
-
-    void put16(std::size_t at, uint32_t value)
+    // Overwrites width bytes at offset at.
+    ByteWriter& put(std::size_t at, uint32_t v, int width = 4)
     {
-        m_bytes[at] = static_cast<char>(value & 0xFF);
-        m_bytes[at + 1] = static_cast<char>((value >> 8) & 0xFF);
+        for (int i = 0; i < width; ++i)
+            s[at + i] = static_cast<char>(v >> 8 * i & 0xFF);
+        return *this;
     }
-    void put32(std::size_t at, uint32_t value)
-    {
-        put16(at, value & 0xFFFF);
-        put16(at + 2, value >> 16);
-    }
-    std::size_t size() const { return m_bytes.size(); }
-    const std::string& str() const { return m_bytes; }
-
-private:
-    std::string m_bytes;
 };
 
-constexpr uint32_t Subdirectory = 0x80000000u;
-constexpr uint32_t ResourceRva = 0x1000;
-
-// Where the fields of a built image are, for tests that damage one of them.
-struct PeLayout {
-    bool pe32Plus = false;
-    static constexpr std::size_t NewHeaderOffsetField = 0x3C;
-    static constexpr std::size_t Signature = 0x40;
-    static constexpr std::size_t SectionCount = 0x46;
-    static constexpr std::size_t OptionalHeaderSize = 0x54;
-    static constexpr std::size_t OptionalHeader = 0x58;
-    static constexpr std::size_t ResourceSection = 0x200;
-    std::size_t optionalSize() const { return pe32Plus ? 240 : 224; }
-    std::size_t rvaCount() const { return OptionalHeader + (pe32Plus ? 108 : 92); }
-    std::size_t resourceDirectory() const { return OptionalHeader + (pe32Plus ? 128 : 112); }
-    std::size_t sectionTable() const { return OptionalHeader + optionalSize(); }
-    std::size_t sectionVirtualSize() const { return sectionTable() + 8; }
-    std::size_t sectionRawSize() const { return sectionTable() + 16; }
-    std::size_t sectionRawPointer() const { return sectionTable() + 20; }
-};
-
-// A DLL image with one section that holds rsrc at RVA 0x1000 (file offset 0x200),
-// named as the resource table by the data directory.
-inline ByteWriter peImage(std::string_view rsrc, bool pe32Plus = false)
+// A DLL image with one section that holds rsrc at ResourceRva, named as the resource table
+// by the data directory.
+inline ByteWriter peImage(std::string_view rsrc, bool plus = false)
 {
-    const PeLayout layout{pe32Plus};
-    const auto rawSize = static_cast<uint32_t>((rsrc.size() + 0x1FF) / 0x200 * 0x200);
+    const auto size = static_cast<uint32_t>(rsrc.size());
+    const uint32_t rawSize = (size + 0x1FF) / 0x200 * 0x200;
     ByteWriter image;
-    image.bytes("MZ").zerosTo(PeLayout::NewHeaderOffsetField).u32(PeLayout::Signature);
-    image.bytes(std::string_view("PE\0\0", 4));
-    image.u16(pe32Plus ? 0x8664 : 0x14C).u16(1).u32(0).u32(0).u32(0);
-    image.u16(static_cast<uint32_t>(layout.optionalSize())).u16(0x2102);
-    image.u16(pe32Plus ? 0x20B : 0x10B);
-    image.zerosTo(layout.rvaCount()).u32(16);
-    image.zerosTo(layout.resourceDirectory()).u32(ResourceRva).u32(static_cast<uint32_t>(rsrc.size()));
-    image.zerosTo(layout.sectionTable());
-    image.bytes(std::string_view(".rsrc\0\0\0", 8)).u32(static_cast<uint32_t>(rsrc.size())).u32(ResourceRva);
-    image.u32(rawSize).u32(PeLayout::ResourceSection).u32(0).u32(0).u32(0).u32(0x40000040);
-    image.zerosTo(PeLayout::ResourceSection).bytes(rsrc).zerosTo(PeLayout::ResourceSection + rawSize);
+    image.bytes("MZ").zerosTo(0x3C).u32(0x40).bytes(std::string_view("PE\0\0", 4));
+    image.u16(plus ? 0x8664 : 0x14C).u16(1).u32(0).u32(0).u32(0);
+    image.u16(static_cast<uint32_t>(sectionTableAt(plus) - OptionalHeader)).u16(0x2102).u16(plus ? 0x20B : 0x10B);
+    image.zerosTo(rvaCountAt(plus)).u32(16).zerosTo(resourceDirectoryAt(plus)).u32(ResourceRva).u32(size);
+    image.zerosTo(sectionTableAt(plus)).bytes(".rsrc").zerosTo(sectionTableAt(plus) + 8);
+    image.u32(size).u32(ResourceRva).u32(rawSize).u32(ResourceSection);
+    image.zerosTo(ResourceSection).bytes(rsrc).zerosTo(ResourceSection + rawSize);
     return image;
 }
 
-// One language version of a string block.
-struct TestLanguage {
-    uint32_t language;
-    std::vector<std::u16string> slots;
-};
-
+// One string block, its language versions written in the order given.
 struct TestBlock {
     uint32_t block;
-    std::vector<TestLanguage> languages;  // written in this order, sorted or not
+    std::vector<std::pair<uint32_t, std::vector<std::u16string>>> languages;
 };
 
 // A well-formed resource table holding only string blocks.
 inline std::string stringTableSection(const std::vector<TestBlock>& blocks)
 {
-    const auto offset = [](std::size_t value) { return static_cast<uint32_t>(value); };
-    const std::size_t typeDirectory = 16 + 8;
-    std::size_t next = typeDirectory + 16 + 8 * blocks.size();
-    std::vector<std::size_t> blockDirectories;
+    const auto at = [](std::size_t offset) { return static_cast<uint32_t>(offset); };
     std::size_t languageCount = 0;
-    for (const TestBlock& b : blocks) {
-        blockDirectories.push_back(next);
-        next += 16 + 8 * b.languages.size();
-        languageCount += b.languages.size();
-    }
-    const std::size_t dataEntries = next;
-    std::size_t data = dataEntries + 16 * languageCount;
-
-    ByteWriter table;
-    table.directory(0, 1).entry(6, Subdirectory | offset(typeDirectory));
-    table.directory(0, offset(blocks.size()));
-    for (std::size_t i = 0; i < blocks.size(); ++i)
-        table.entry(blocks[i].block, Subdirectory | offset(blockDirectories[i]));
-    std::size_t entry = dataEntries;
-    for (const TestBlock& b : blocks) {
-        table.directory(0, offset(b.languages.size()));
-        for (const TestLanguage& language : b.languages) {
-            table.entry(language.language, offset(entry));
-            entry += 16;
-        }
-    }
-    ByteWriter blobs;
     for (const TestBlock& b : blocks)
-        for (const TestLanguage& language : b.languages) {
-            const std::size_t start = blobs.size();
-            blobs.block(language.slots);
-            table.dataEntry(ResourceRva + offset(data + start), offset(blobs.size() - start));
+        languageCount += b.languages.size();
+    // Root and type directories, the language directories, their data entries, the blocks.
+    const std::size_t languagesAt = 40 + 8 * blocks.size();
+    const std::size_t entriesAt = languagesAt + 16 * blocks.size() + 8 * languageCount;
+    const std::size_t dataAt = entriesAt + 16 * languageCount;
+    ByteWriter table, languages, entries, data;
+    table.directory(0, 1).entry(6, Subdirectory | 24).directory(0, at(blocks.size()));
+    for (const TestBlock& b : blocks) {
+        table.entry(b.block, Subdirectory | at(languagesAt + languages.s.size()));
+        languages.directory(0, at(b.languages.size()));
+        for (const auto& [language, slots] : b.languages) {
+            languages.entry(language, at(entriesAt + entries.s.size()));
+            const std::size_t start = data.s.size();
+            data.block(slots);
+            entries.dataEntry(ResourceRva + at(dataAt + start), at(data.s.size() - start));
         }
-    return table.bytes(blobs.str()).str();
+    }
+    return table.s + languages.s + entries.s + data.s;
 }
 
 }  // namespace kestrin::test
