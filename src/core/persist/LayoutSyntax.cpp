@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "ProfileDocument.h"
+#include "editor/NumberText.h"
 
 namespace kestrin {
 
@@ -105,24 +106,7 @@ std::optional<int32_t> numberedKey(std::string_view key, std::string_view suffix
 }
 
 bool looksNumeric(std::string_view text) {
-    text = trimProfileSpace(text);
-    size_t i = 0;
-    if (i < text.size() && (text[i] == '+' || text[i] == '-')) ++i;
-    bool digits = false;
-    while (i < text.size() && text[i] >= '0' && text[i] <= '9') ++i, digits = true;
-    if (i < text.size() && (text[i] == '.' || text[i] == ',')) {
-        ++i;
-        while (i < text.size() && text[i] >= '0' && text[i] <= '9') ++i, digits = true;
-    }
-    if (!digits) return false;
-    if (i < text.size() && (text[i] == 'e' || text[i] == 'E')) {
-        ++i;
-        if (i < text.size() && (text[i] == '+' || text[i] == '-')) ++i;
-        bool exp = false;
-        while (i < text.size() && text[i] >= '0' && text[i] <= '9') ++i, exp = true;
-        if (!exp) return false;
-    }
-    return i == text.size();
+    return numericValue(text).has_value();
 }
 
 }  // namespace kestrin

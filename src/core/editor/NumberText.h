@@ -1,0 +1,13 @@
+#pragma once
+#include <optional>
+#include <string_view>
+
+namespace kestrin {
+
+// The value of a text that reads as a number the way the operator's boxes are checked:
+// blanks around it, an optional sign, digits with an optional decimal point, an optional
+// exponent. Nothing for empty text or anything else. Very long digit strings give a
+// correspondingly large value rather than overflowing.
+std::optional<double> numericValue(std::string_view text);
+
+}  // namespace kestrin
