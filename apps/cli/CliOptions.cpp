@@ -6,6 +6,7 @@ namespace kestrin::cli {
 
 const char* usageText() {
     return "usage: kestrin info LAYOUT.IIF [--json] [--project PROJECT] [--yes] [--lang FILE] [--custom-lang FILE]\n"
+           "       kestrin check LAYOUT.IIF [--json] [--project PROJECT] [--yes] [--lang FILE]\n"
            "       kestrin rewrite LAYOUT.IIF [--to OUT.IIF] [--project PROJECT] [--yes] [--lang FILE]\n"
            "       kestrin fields PROJECT [--json]\n";
 }
@@ -43,7 +44,7 @@ std::optional<CliOptions> parseCommandLine(int argc, char** argv, std::string& e
             o.arguments.emplace_back(a);
         }
     }
-    const bool known = o.command == "info" || o.command == "rewrite" || o.command == "fields";
+    const bool known = o.command == "info" || o.command == "check" || o.command == "rewrite" || o.command == "fields";
     if (!known) {
         error = o.command.empty() ? "no command given" : "unknown command " + o.command;
         return std::nullopt;

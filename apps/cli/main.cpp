@@ -13,6 +13,7 @@ int main(int argc, char** argv) {
     }
     try {
         if (options->command == "info") return runInfo(*options, std::cout, std::cerr);
+        if (options->command == "check") return runCheck(*options, std::cout, std::cerr);
         if (options->command == "rewrite") return runRewrite(*options, std::cout, std::cerr);
         return runFields(*options, std::cout, std::cerr);
     } catch (const std::exception& e) {

@@ -140,4 +140,34 @@ TEST(Cli, MalformedEntriesAreListedAsWarnings) {
     EXPECT_NE(run.out.find("\"warnings\": [\"[ENCODE] Bad(1)"), std::string::npos) << run.out;
 }
 
+TEST(Cli, CheckFindsNothingInTheExamples) {
+    for (const char* name : {"Staff", "Visitors16K"}) {
+        const CliRun run = kestrin("check " + kExamples + "/layouts/" + name + ".IIF");
+        EXPECT_EQ(run.exit, 0) << name << run.out;
+        EXPECT_EQ(run.out, "0 violations\n");
+    }
+}
+
+TEST(Cli, CheckListsEveryBrokenRuleWithItsItem) {
+    TempDir dir;
+    writeBytes(dir / "Bad.IIF", crlf({"[CARDDESIGN]", "Size=2K", "UseHID=1", "[ENCODE]", "Name(1)=0,18,0,4,0",
+                                      "Other(1)=0,20,0,8,0", "Late(1)=0,20,4,2,0", "[INITCARD]",
+                                      "1Value=Checksum(1.1)", "1Place=0,25,0,2", "[CHECKSUM]", "1Range=0,20,0,8"}));
+    const CliRun run = kestrin("check " + quoted(dir / "Bad.IIF") + " --json --lang " + kLang);
+    EXPECT_EQ(run.exit, 1) << run.err;
+    EXPECT_EQ(run.out,
+              "{\"violations\": [\n"
+              "  {\"name\": \"Name\", \"kind\": \"Field\", \"page\": 0, \"block\": 18, \"beginByte\": 0, "
+              "\"textId\": 4601, \"text\": \"Items cannot be placed in the header or the HID section.\"},\n"
+              "  {\"name\": \"Late\", \"kind\": \"Field\", \"page\": 0, \"block\": 20, \"beginByte\": 4, "
+              "\"textId\": 3166, \"text\": \"The new item overlaps another item. OK replaces the old item, Cancel keeps "
+              "it: Other.\"},\n"
+              "  {\"name\": \"Checksum\", \"kind\": \"Function\", \"page\": 0, \"block\": 25, \"beginByte\": 0, "
+              "\"textId\": 3162, \"text\": \"Checksum functions must occupy exactly 1 byte.\"},\n"
+              "  {\"name\": \"Name\", \"kind\": \"Field\", \"page\": 0, \"block\": 18, \"beginByte\": 0, "
+              "\"textId\": 4643, \"text\": \"The HID space would cover database items or functions.\\r\\nSwitch the HID "
+              "application off, or click Cancel and move your items.\"}\n"
+              "]}\n");
+}
+
 }  // namespace

@@ -1,0 +1,260 @@
+#include "PlacementValidation.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "ItemBits.h"
+#include "NumberChecks.h"
+#include "NumberText.h"
+#include "base/ProductInfo.h"
+#include "card/CIClass.h"
+#include "items/RecordArray.h"
+#include "text/Prompter.h"
+#include "text/Translator.h"
+
+namespace kestrin {
+
+namespace {
+
+// A typed count as a whole number; absurd values are clamped so the arithmetic stays exact.
+int64_t countOf(const std::string& text) {
+    const auto v = numericValue(text);
+    if (!v || std::isnan(*v)) return 0;
+    return static_cast<int64_t>(std::nearbyint(std::clamp(*v, -1e12, 1e12)));
+}
+
+int64_t powerOfTwo(int64_t n) {
+    return n >= 62 ? std::numeric_limits<int64_t>::max() / 2 : (n <= 0 ? 1 : int64_t{1} << n);
+}
+
+bool kindMatchesMode(const ItemRecord& r, int32_t mode) {
+    const std::string_view kind = kindWord(r);
+    switch (mode) {
+    case kModeField: return kind == kKindField;
+    case kModeFunction: return kind == kKindFunction || kind == kKindSimpleBitFunction;
+    case kModeBitField: return kind == kKindBitField;
+    case kModeBitFunction: return kind == kKindBitFunction;
+    }
+    return false;
+}
+
+class Rules {
+public:
+    Rules(const PlacementRequest& q, const CIClass& card, const RecordArray& records, const Translator& tr,
+          int32_t recordCount)
+        : q_(q), card_(card), records_(records), tr_(tr),
+          count_(recordCount < 0 ? records.size() : std::min(recordCount, records.size())),
+          page_(card.page(q.page)), bitMode_(q.mode == kModeBitField || q.mode == kModeBitFunction),
+          size_(countOf(q.nrBytesText)) {
+        start_ = bitAddress(q.row, q.beginByte, bitMode_ ? q.beginBit : 0);
+        last_ = start_ + (bitMode_ ? size_ : size_ * 8) - 1;
+    }
+
+    std::vector<PlacementViolation> run(bool stopAtFirst) {
+        std::vector<PlacementViolation> out;
+        if (auto v = completeness()) {
+            out.push_back(*v);
+            return out;  // nothing else can be judged without a page and a size
+        }
+        using Step = std::optional<PlacementViolation> (Rules::*)();
+        for (Step step : {&Rules::pageFit, &Rules::headerAndHid, &Rules::boundary, &Rules::functionRules,
+                          &Rules::checksumRange, &Rules::overlap}) {
+            if (auto v = (this->*step)()) {
+                out.push_back(std::move(*v));
+                if (stopAtFirst) break;
+            }
+        }
+        return out;
+    }
+
+private:
+    PlacementViolation text(int32_t id, std::string_view defaultText = {}) const {
+        return {id, tr_.text(id, defaultText), EditorBox::None, -1, false};
+    }
+    static std::optional<PlacementViolation> failed(const NumberCheck& c, EditorBox box) {
+        if (c.ok) return std::nullopt;
+        return PlacementViolation{c.textId, c.message, box, -1, false};
+    }
+
+    std::optional<PlacementViolation> completeness() {
+        if (q_.selectedText.empty() || q_.itemName.empty() || q_.page < 0 || q_.row < 0 || q_.beginByte < 0 ||
+            size_ <= 0 || page_ == nullptr)
+            return text(kTextIncomplete, "<Please complete the item: choose what to place, where, and its size.>");
+        return std::nullopt;
+    }
+
+    std::optional<PlacementViolation> pageFit() {
+        int64_t end = int64_t{q_.row} * 8 + q_.beginByte;
+        if (bitMode_) {
+            const int64_t bits = q_.beginBit + size_;
+            end += bits / 8 + (bits % 8 != 0 ? 1 : 0);
+        } else {
+            end += size_;
+        }
+        if (end > page_->PageSize) return text(kTextPageFit, "<Your data does not fit into this Page!>");
+        return std::nullopt;
+    }
+
+    std::optional<PlacementViolation> headerAndHid() {
+        if (q_.row < page_->BeginFreeSpace)
+            return text(kTextHeaderOrHid, "<You cannot put an item into the Header or HID sections!>");
+        return std::nullopt;
+    }
+
+    std::optional<PlacementViolation> boundary() {
+        if (card_.ChipSize() != iBigEightPages) return std::nullopt;
+        const int64_t b = (int64_t{page_->Boundary} + 1) * kBitsPerBlock;  // the block after the boundary block
+        if (start_ < b && last_ >= b)
+            return text(kTextBoundary, "<Your item should not overlap an application boundary!>");
+        return std::nullopt;
+    }
+
+    std::optional<PlacementViolation> functionRules() {
+        if (q_.mode != kModeFunction && q_.mode != kModeBitFunction) return std::nullopt;
+        const std::string& name = q_.itemName;
+        if (name == kFunctionConstant || name == kFunctionCount) {
+            if (q_.valueFromField && q_.fieldChosen.empty()) return text(kTextIncomplete);
+            if (name == kFunctionConstant && q_.mode == kModeBitFunction && !q_.valueFromField)
+                return failed(checkNumberInRange(0, powerOfTwo(size_) - 1, q_.constantText, tr_), EditorBox::ConstantValue);
+        } else if (name == kFunctionCardSnNr) {
+            return cardSerialSize();
+        } else if (name == kFunctionChecksum) {
+            return q_.mode == kModeFunction ? byteChecksum() : bitChecksum();
+        }
+        return std::nullopt;
+    }
+
+    std::optional<PlacementViolation> cardSerialSize() {
+        struct Rule {
+            int64_t bytes;
+            int32_t textId;
+        };
+        static constexpr Rule rules[] = {{10, kTextCardSnNrDecimal}, {8, kTextCardSnNrHex},
+                                         {4, kTextCardSnNrMotorola}, {4, kTextCardSnNrIntel}};
+        if (q_.propertyOption < 0 || q_.propertyOption > 3) return std::nullopt;
+        const Rule& rule = rules[q_.propertyOption];
+        // A bit function counts its size in bits.
+        const int64_t required = q_.mode == kModeBitFunction ? rule.bytes * 8 : rule.bytes;
+        if (size_ != required) return text(rule.textId);
+        return std::nullopt;
+    }
+
+    std::optional<PlacementViolation> byteChecksum() {
+        if (size_ != 1) return text(kTextChecksumOneByte, "<Checksum Functions should occupy 1 byte!>");
+        if (q_.propertyOption == kChecksumParity)
+            return failed(checkNumberInRange(0, 1, q_.startValueText, tr_), EditorBox::StartValue);
+        if (q_.propertyOption == kChecksumCrc) {
+            if (auto v = failed(checkNumberInRange(257, 511, q_.polynomText, tr_), EditorBox::Polynom)) return v;
+            return failed(checkNumberInRange(0, 255, q_.startValueText, tr_), EditorBox::StartValue);
+        }
+        return std::nullopt;
+    }
+
+    std::optional<PlacementViolation> bitChecksum() {
+        if (q_.propertyOption == kChecksumAdd) return failed(checkNumberEquals(8, q_.nrBytesText, tr_), EditorBox::NrBytes);
+        if (q_.propertyOption == kChecksumParity)
+            return failed(checkNumberEquals(1, q_.nrBytesText, tr_), EditorBox::NrBytes);
+        if (q_.propertyOption == kChecksumCrc) {
+            if (auto v = failed(checkNumberInRange(1, 8, q_.nrBytesText, tr_), EditorBox::NrBytes)) return v;
+            const int64_t top = powerOfTwo(size_);
+            if (auto v = failed(checkNumberInRange(top + 1, 2 * top - 1, q_.polynomText, tr_), EditorBox::Polynom))
+                return v;
+            return failed(checkNumberInRange(0, top - 1, q_.startValueText, tr_), EditorBox::StartValue);
+        }
+        return std::nullopt;
+    }
+
+    std::optional<PlacementViolation> checksumRange() {
+        if (q_.itemName != kFunctionChecksum || (q_.mode != kModeFunction && q_.mode != kModeBitFunction))
+            return std::nullopt;
+        const int64_t count = countOf(q_.rangeCountText);
+        if (count < 1) return std::nullopt;
+        const int64_t rangeStart = bitAddress(q_.rangeRow, q_.rangeBeginByte, 0);
+        const int64_t rangeEnd = rangeStart + count * 8 - 1;
+        if (bitRangesOverlap(start_, last_, rangeStart, rangeEnd)) return text(kTextChecksumCoversItself);
+        for (int32_t i = 0; i < count_; ++i) {
+            const ItemRecord& r = records_[i];
+            if (r.isDbUpdate || !isChecksum(r)) continue;
+            // Positions within a page only: the other checksum's page is not compared.
+            const int64_t s = startBitOf(r);
+            if (s >= rangeStart && s <= rangeEnd) return text(kTextRangeHoldsChecksum);
+        }
+        for (int32_t i = 0; i < count_; ++i) {
+            const ItemRecord& r = records_[i];
+            if (r.isDbUpdate || !isChecksum(r)) continue;
+            // The other range is placed with its page; the new start bit is taken as it is.
+            const bool bitSum = !isByteSized(r);
+            const auto& g = r.range;
+            const int64_t s = ((int64_t{g[0]} - 1) * page_->PageSize + int64_t{g[1]} * 8 + g[2]) * 8 + (bitSum ? g[3] : 0);
+            const int64_t e = bitSum ? s + g[4] - 1 : s + int64_t{g[3]} * 8 - 1;
+            if (start_ >= s && start_ <= e) return text(kTextInsideOtherRange);
+        }
+        return std::nullopt;
+    }
+
+    std::optional<PlacementViolation> overlap() {
+        for (int32_t i = 0; i < count_; ++i) {
+            const ItemRecord& r = records_[i];
+            if (r.isDbUpdate || r.page != q_.page) continue;
+            const int64_t s = startBitOf(r);
+            const int64_t l = lastBitOf(r);
+            const bool overlaps = (s >= start_ && s <= last_) || (l >= start_ && l <= last_) || (s <= start_ && l >= start_);
+            if (!overlaps) continue;
+            PlacementViolation v;
+            v.overlappedIndex = i;
+            if (r.name == q_.itemName && s != start_) {
+                v.textId = kTextOverlapSameName;
+            } else if (r.name == q_.itemName && kindMatchesMode(r, q_.mode)) {
+                v.textId = kTextOverlapSameName;  // placed again where it stood: replaced without a question
+                v.message = tr_.text(kTextOverlapSameName) + ": " + r.name + ".";
+                return v;
+            } else {
+                v.textId = kTextOverlapOther;
+            }
+            v.message = tr_.text(v.textId) + ": " + r.name + ".";
+            v.asksToReplace = true;
+            return v;
+        }
+        return std::nullopt;
+    }
+
+    const PlacementRequest& q_;
+    const CIClass& card_;
+    const RecordArray& records_;
+    const Translator& tr_;
+    int32_t count_;
+    const CPage* page_;
+    bool bitMode_;
+    int64_t size_;
+    int64_t start_ = 0;
+    int64_t last_ = 0;
+};
+
+}  // namespace
+
+std::vector<PlacementViolation> placementViolations(const PlacementRequest& request, const CIClass& card,
+                                                    const RecordArray& records, const Translator& translator,
+                                                    bool stopAtFirst, int32_t recordCount) {
+    return Rules(request, card, records, translator, recordCount).run(stopAtFirst);
+}
+
+PlacementResult ValidatePlacement(const PlacementRequest& request, const CIClass& card, RecordArray& records,
+                                  Prompter& prompter, const Translator& translator, const std::string& title) {
+    const std::string boxTitle = title.empty() ? kProductTitle : title;
+    const auto violations = placementViolations(request, card, records, translator, true);
+    if (violations.empty()) return {kPlacementAccepted, EditorBox::None};
+    const PlacementViolation& v = violations.front();
+    if (v.overlappedIndex < 0) {
+        prompter.tell(Icon::Exclamation, v.message, boxTitle);
+        return {kPlacementRejected, v.focus};
+    }
+    if (v.asksToReplace && prompter.ask(Icon::Exclamation, v.message, Buttons::OkCancel, boxTitle) != Answer::Ok)
+        return {kPlacementRejected, EditorBox::None};
+    const ItemRecord old = records[v.overlappedIndex];
+    records.removeByPosition({old.page, old.block, old.beginByte, old.numBytes, old.beginBit, old.numBits}, old.name,
+                             kindWord(old));
+    return {kPlacementReplaced, EditorBox::None};
+}
+
+}  // namespace kestrin

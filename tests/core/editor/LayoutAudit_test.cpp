@@ -1,0 +1,82 @@
+#include <gtest/gtest.h>
+
+#include "card/CIClass.h"
+#include "card/LayoutPropertiesRules.h"
+#include "editor/LayoutAudit.h"
+#include "editor/NumberChecks.h"
+#include "editor/PlacementValidation.h"
+#include "items/MultiTrackValidation.h"
+#include "items/RecordArray.h"
+#include "support/Records.h"
+#include "text/Translator.h"
+
+using namespace kestrin;
+using namespace kestrin::test;
+
+namespace {
+
+std::vector<int32_t> idsOf(const std::vector<AuditViolation>& v) {
+    std::vector<int32_t> ids;
+    for (const auto& x : v) ids.push_back(x.textId);
+    return ids;
+}
+
+TEST(LayoutAudit, CleanLayoutHasNoViolations) {
+    CIClass card;
+    card.setChipSize(iBigEightPages);
+    RecordArray records;
+    records.add(field("Name", 0, 19, 0, 16));
+    ItemRecord crc = function("Checksum", "2", "", "", 1, 20, 0, 1);
+    crc.polynomial = {263, 0};
+    crc.range = {1, 6, 0, 16, 0};
+    records.add(crc);
+    records.add(bitFunction("Constant", "7", 1, 21, 0, 0, 3));
+    ItemRecord photo = field("Photo", 2, 6, 0, 64);
+    photo.isBinary = true;
+    records.add(photo);
+    records.add(dbUpdate("X", "Count", "1", "1"));
+    EXPECT_TRUE(auditLayout(card, records, Translator{}).empty());
+}
+
+TEST(LayoutAudit, EachItemIsReplayedAgainstTheItemsBeforeIt) {
+    CIClass card;
+    card.setChipSize(iBigEightPages);
+    RecordArray records;
+    records.add(field("First", 1, 17, 0, 24));           // crosses page 1's boundary (both checks)
+    records.add(field("Second", 1, 18, 4, 2));           // overlaps First
+    records.add(field("Hid", 0, 10, 0, 1));              // inside the HID area
+    records.add(function("CardSnNr", "0", "", "", 1, 22, 0, 9));
+    records.add(bitFunction("Constant", "8", 1, 26, 0, 0, 3));
+    ItemRecord photo = field("Photo", 1, 30, 0, 24);
+    photo.isBinary = true;
+    records.add(photo);
+    const auto v = auditLayout(card, records, Translator{});
+    EXPECT_EQ(idsOf(v), (std::vector<int32_t>{kTextBoundary, kTextOverlapOther, kTextHeaderOrHid,
+                                              kTextCardSnNrDecimal, kTextOutOfRange, kTextSegmentFit,
+                                              kTextBoundaryCuts, kTextHidCovers}));
+    EXPECT_EQ(v[1].name, "Second");
+    EXPECT_EQ(v[1].kind, "Field");
+    EXPECT_EQ(v[1].block, 18);
+    EXPECT_EQ(v[1].beginByte, 4);
+    EXPECT_EQ(v[6].name, "First");
+}
+
+TEST(LayoutAudit, RequestOfAStoredChecksumCarriesItsSettings) {
+    ItemRecord crc = bitFunction("Checksum", "2", 0, 20, 1, 0, 8);
+    crc.polynomial = {263, 17};
+    crc.range = {0, 19, 2, 0, 12};
+    const PlacementRequest q = placementRequestOf(crc);
+    EXPECT_EQ(q.mode, kModeBitFunction);
+    EXPECT_EQ(q.propertyOption, 2);
+    EXPECT_EQ(q.nrBytesText, "8");
+    EXPECT_EQ(q.polynomText, "263");
+    EXPECT_EQ(q.startValueText, "17");
+    EXPECT_EQ(q.rangeRow, 19);
+    EXPECT_EQ(q.rangeBeginByte, 2);
+    EXPECT_EQ(q.rangeCountText, "2");
+    const PlacementRequest c = placementRequestOf(function("Constant", "Name", "", "", 0, 20, 0, 4));
+    EXPECT_TRUE(c.valueFromField);
+    EXPECT_EQ(c.fieldChosen, "Name");
+}
+
+}  // namespace
