@@ -1,6 +1,6 @@
 #include "LayoutAudit.h"
 
-#include "NumberText.h"
+#include "FunctionProperties.h"
 #include "PlacementValidation.h"
 #include "card/CIClass.h"
 #include "card/LayoutPropertiesRules.h"
@@ -10,11 +10,6 @@
 namespace kestrin {
 
 namespace {
-
-int optionOf(const std::string& param) {
-    const auto v = numericValue(param);
-    return v && *v >= 0 && *v <= 3 ? static_cast<int>(*v) : -1;
-}
 
 AuditViolation violationOf(int32_t index, const ItemRecord& r, int32_t textId, std::string text) {
     return {index, r.name, std::string(kindWord(r)), r.page, r.block, r.beginByte, textId, std::move(text)};
@@ -33,26 +28,18 @@ PlacementRequest placementRequestOf(const ItemRecord& r) {
     q.beginBit = r.beginBit;
     const bool bitMode = q.mode == kModeBitField || q.mode == kModeBitFunction;
     q.nrBytesText = std::to_string(bitMode ? r.numBits : r.numBytes);
-    if (r.name == kFunctionConstant) {
-        q.valueFromField = !numericValue(r.param1);
-        q.fieldChosen = q.valueFromField ? r.param1 : std::string();
-        q.constantText = r.param1;
-    } else if (r.name == kFunctionCount) {
-        q.valueFromField = !numericValue(r.param2);
-        q.fieldChosen = q.valueFromField ? r.param2 : std::string();
-    } else if (r.name == kFunctionCardSnNr || r.name == kFunctionChecksum) {
-        q.propertyOption = optionOf(r.param1);
-    }
-    if (r.name == kFunctionChecksum) {
-        const bool crc = q.propertyOption == kChecksumCrc;
-        q.polynomText = std::to_string(r.polynomial[0]);
-        q.startValueText = std::to_string(crc ? r.polynomial[1] : r.initValue);
-        q.rangeRow = r.range[1];
-        q.rangeBeginByte = r.range[2];
-        // A bit checksum keeps its range in bits; the editor enters whole bytes.
-        const int32_t bytes = isByteSized(r) ? r.range[3] : (r.range[4] + 7) / 8;
-        q.rangeCountText = std::to_string(bytes);
-    }
+    const auto kind = functionKindOf(r.name);
+    if (!kind || (q.mode != kModeFunction && q.mode != kModeBitFunction)) return q;
+    const FunctionInput in = functionInputOf(r);
+    q.propertyOption = in.option;
+    q.valueFromField = *kind == FunctionKind::Constant ? in.option == kConstantField : in.valueFromField;
+    q.fieldChosen = in.fieldName;
+    q.constantText = in.constantText;
+    q.polynomText = in.polynomText;
+    q.startValueText = in.startValueText;
+    q.rangeRow = in.rangeRow;
+    q.rangeBeginByte = in.rangeBeginByte;
+    q.rangeCountText = in.rangeCountText;
     return q;
 }
 
