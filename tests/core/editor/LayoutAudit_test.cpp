@@ -61,6 +61,27 @@ TEST(LayoutAudit, EachItemIsReplayedAgainstTheItemsBeforeIt) {
     EXPECT_EQ(v[6].name, "First");
 }
 
+TEST(LayoutAudit, ChecksumRangesAndPageEndsAreReplayed) {
+    CIClass card;
+    RecordArray records;
+    ItemRecord first = function("Checksum", "1", "", "", 0, 20, 0, 1);
+    first.range = {1, 21, 0, 8, 0};  // covers block 21 of page 0 once placed with its page
+    records.add(first);
+    ItemRecord self = function("Checksum", "1", "", "", 0, 22, 0, 1);
+    self.range = {0, 22, 0, 8, 0};  // covers itself
+    records.add(self);
+    ItemRecord holds = function("Checksum", "1", "", "", 0, 23, 0, 1);
+    holds.range = {0, 20, 0, 4, 0};  // its range holds the first checksum
+    records.add(holds);
+    ItemRecord inside = function("Checksum", "1", "", "", 0, 21, 0, 1);  // inside the first one's range
+    inside.range = {0, 24, 0, 1, 0};
+    records.add(inside);
+    records.add(field("Tail", 0, 31, 4, 5));  // one byte past the page
+    EXPECT_EQ(idsOf(auditLayout(card, records, Translator{})),
+              (std::vector<int32_t>{kTextChecksumCoversItself, kTextRangeHoldsChecksum, kTextInsideOtherRange,
+                                    kTextPageFit}));
+}
+
 TEST(LayoutAudit, RequestOfAStoredChecksumCarriesItsSettings) {
     ItemRecord crc = bitFunction("Checksum", "2", 0, 20, 1, 0, 8);
     crc.polynomial = {263, 17};
