@@ -1,11 +1,13 @@
 #!/usr/bin/env bash
-# Builds Kestrin and runs every test: the debug build, then the same tests under
-# AddressSanitizer and UndefinedBehaviorSanitizer; the benchmarks are built to keep them compiling.
+# Builds Kestrin and runs every test: the debug build, the same tests under AddressSanitizer
+# and UndefinedBehaviorSanitizer, and the core alone without Qt; the benchmarks are built to
+# keep them compiling.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
 jobs=$(nproc)
-for preset in dev asan; do
+export QT_QPA_PLATFORM=offscreen
+for preset in dev asan core; do
     echo "== $preset"
     cmake --preset "$preset" >/dev/null
     cmake --build --preset "$preset" -j "$jobs"

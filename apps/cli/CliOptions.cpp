@@ -7,6 +7,7 @@ namespace kestrin::cli {
 const char* usageText() {
     return "usage: kestrin info LAYOUT.IIF [--json] [--project PROJECT] [--yes] [--lang FILE] [--custom-lang FILE]\n"
            "       kestrin check LAYOUT.IIF [--json] [--project PROJECT] [--yes] [--lang FILE]\n"
+           "       kestrin map LAYOUT.IIF [--pdf OUT.pdf] [--png DIR] [--project PROJECT] [--lang FILE]\n"
            "       kestrin rewrite LAYOUT.IIF [--to OUT.IIF] [--project PROJECT] [--yes] [--lang FILE]\n"
            "       kestrin fields PROJECT [--json]\n";
 }
@@ -33,6 +34,10 @@ std::optional<CliOptions> parseCommandLine(int argc, char** argv, std::string& e
             if (!value(o.project)) return std::nullopt;
         } else if (a == "--lang") {
             if (!value(o.lang)) return std::nullopt;
+        } else if (a == "--pdf") {
+            if (!value(o.pdf)) return std::nullopt;
+        } else if (a == "--png") {
+            if (!value(o.png)) return std::nullopt;
         } else if (a == "--custom-lang") {
             if (!value(o.customLang)) return std::nullopt;
         } else if (a.size() > 1 && a.front() == '-') {
@@ -44,13 +49,21 @@ std::optional<CliOptions> parseCommandLine(int argc, char** argv, std::string& e
             o.arguments.emplace_back(a);
         }
     }
-    const bool known = o.command == "info" || o.command == "check" || o.command == "rewrite" || o.command == "fields";
+    const bool known = o.command == "info" || o.command == "check" || o.command == "map" || o.command == "rewrite" || o.command == "fields";
     if (!known) {
         error = o.command.empty() ? "no command given" : "unknown command " + o.command;
         return std::nullopt;
     }
     if (o.arguments.size() != 1) {
         error = o.command + " takes exactly one file";
+        return std::nullopt;
+    }
+    if (o.command == "map" && o.pdf.empty() && o.png.empty()) {
+        error = "map needs --pdf or --png";
+        return std::nullopt;
+    }
+    if ((!o.pdf.empty() || !o.png.empty()) && o.command != "map") {
+        error = "--pdf and --png go with map";
         return std::nullopt;
     }
     if (!o.to.empty() && o.command != "rewrite") {

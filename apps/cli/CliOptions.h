@@ -15,6 +15,8 @@ struct CliOptions {
     std::string project;  // --project
     std::string lang;     // --lang: the standard language library
     std::string customLang;  // --custom-lang: the customer's language library
+    std::string pdf;         // map --pdf
+    std::string png;         // map --png
 };
 
 // Parses argv; nothing (with a message in error) on wrong usage.

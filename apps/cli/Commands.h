@@ -13,6 +13,7 @@ inline constexpr int kExitUsage = 2;
 int runInfo(const CliOptions& o, std::ostream& out, std::ostream& err);
 int runRewrite(const CliOptions& o, std::ostream& out, std::ostream& err);
 int runCheck(const CliOptions& o, std::ostream& out, std::ostream& err);
+int runMap(const CliOptions& o, std::ostream& out, std::ostream& err);
 int runFields(const CliOptions& o, std::ostream& out, std::ostream& err);
 
 }  // namespace kestrin::cli

@@ -13,6 +13,14 @@ int main(int argc, char** argv) {
     }
     try {
         if (options->command == "info") return runInfo(*options, std::cout, std::cerr);
+        if (options->command == "map") {
+#ifdef KESTRIN_CLI_MAP
+            return runMap(*options, std::cout, std::cerr);
+#else
+            std::cerr << "kestrin: this build has no memory-map rendering (built without Qt)\n";
+            return kExitRefused;
+#endif
+        }
         if (options->command == "check") return runCheck(*options, std::cout, std::cerr);
         if (options->command == "rewrite") return runRewrite(*options, std::cout, std::cerr);
         return runFields(*options, std::cout, std::cerr);

@@ -170,4 +170,29 @@ TEST(Cli, CheckListsEveryBrokenRuleWithItsItem) {
               "]}\n");
 }
 
+#ifdef KESTRIN_CLI_HAS_MAP
+TEST(Cli, MapWritesAPdfSheetAndAPngPerView) {
+    TempDir dir;
+    const CliRun run = kestrin("map " + kExamples + "/layouts/Visitors16K.IIF --pdf " + quoted(dir / "map.pdf") +
+                               " --png " + quoted(dir / "png") + " --lang " + kLang);
+    ASSERT_EQ(run.exit, 0) << run.err;
+    FILE* pipe = popen(("pdfinfo " + quoted(dir / "map.pdf")).c_str(), "r");
+    ASSERT_NE(pipe, nullptr);
+    char buf[4096];
+    const std::string pdfInfo(buf, fread(buf, 1, sizeof buf, pipe));
+    pclose(pipe);
+    const auto pages = pdfInfo.find("Pages:");
+    ASSERT_NE(pages, std::string::npos) << pdfInfo;
+    EXPECT_EQ(std::stoi(pdfInfo.substr(pages + 6)), 4) << pdfInfo;
+    for (int view = 1; view <= 4; ++view)
+        EXPECT_TRUE(fs::file_size(dir / "png" / ("view-" + std::to_string(view) + ".png")) > 1000) << view;
+    EXPECT_FALSE(fs::exists(dir / "png" / "view-5.png"));
+}
+
+TEST(Cli, MapNeedsSomethingToWrite) {
+    EXPECT_EQ(kestrin("map " + kExamples + "/layouts/Staff.IIF").exit, 2);
+    EXPECT_EQ(kestrin("info " + kExamples + "/layouts/Staff.IIF --png x").exit, 2);
+}
+#endif
+
 }  // namespace

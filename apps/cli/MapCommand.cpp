@@ -1,0 +1,78 @@
+#include <QApplication>
+#include <QDir>
+#include <QPixmap>
+#include <filesystem>
+#include <ostream>
+
+#include "Commands.h"
+#include "LayoutSession.h"
+#include "preview/PreviewPrinting.h"
+#include "preview/frmPreview.h"
+
+namespace kestrin::cli {
+
+namespace {
+
+// The file name given on the command line stands in for the operator's choice.
+class GivenFile : public FileChooser {
+public:
+    explicit GivenFile(QString file) : file_(std::move(file)) {}
+    QString saveFileName(QWidget*, const QString&, const QString&, const QString&) override { return file_; }
+
+private:
+    QString file_;
+};
+
+// Renders without a display unless the caller chose a platform.
+void preferOffscreen() {
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM") && !qEnvironmentVariableIsSet("DISPLAY") &&
+        !qEnvironmentVariableIsSet("WAYLAND_DISPLAY"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+}
+
+}  // namespace
+
+int runMap(const CliOptions& o, std::ostream& out, std::ostream& err) {
+    preferOffscreen();
+    int argc = 1;
+    char name[] = "kestrin";
+    char* argv[] = {name, nullptr};
+    QApplication app(argc, argv);
+
+    LayoutSession session;
+    if (!session.setUp(o, err)) return kExitRefused;
+    CliPrompter prompter(err, o.yes);
+    const std::string& layout = o.arguments.front();
+    if (!session.open(layout, prompter, err)) return kExitRefused;
+
+    GivenFile pdf(QString::fromStdString(o.pdf));
+    frmPreview preview(session.card, session.records, session.translator,
+                       QString::fromStdString(std::filesystem::absolute(layout).string()), PrintServices{nullptr, &pdf});
+    preview.adjustSize();
+    if (!o.pdf.empty()) {
+        if (!printPreview(preview, true, true)) {
+            err << "kestrin: cannot write " << o.pdf << '\n';
+            return kExitRefused;
+        }
+        out << "wrote " << o.pdf << '\n';
+    }
+    if (!o.png.empty()) {
+        const QDir dir(QString::fromStdString(o.png));
+        if (!QDir().mkpath(dir.absolutePath())) {
+            err << "kestrin: cannot create " << o.png << '\n';
+            return kExitRefused;
+        }
+        for (int view = 0; view < preview.viewCount(); ++view) {
+            preview.showView(view);
+            const QString file = dir.filePath(QString("view-%1.png").arg(view + 1));
+            if (!preview.grab().save(file)) {
+                err << "kestrin: cannot write " << file.toStdString() << '\n';
+                return kExitRefused;
+            }
+            out << "wrote " << file.toStdString() << '\n';
+        }
+    }
+    return kExitDone;
+}
+
+}  // namespace kestrin::cli
