@@ -19,9 +19,7 @@ namespace {
 constexpr int64_t kHidEndBit = 19 * kBitsPerBlock;
 
 int64_t boundaryBit(const std::string& text) {
-    const auto v = numericValue(text);
-    if (!v || std::isnan(*v)) return 0;
-    return static_cast<int64_t>(std::nearbyint(std::clamp(*v, -1e9, 1e9))) * kBitsPerBlock;
+    return wholeNumberOf(text) * kBitsPerBlock;
 }
 }  // namespace
 

@@ -1,5 +1,7 @@
 #include "NumberText.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <string>
 
@@ -28,6 +30,12 @@ std::optional<double> numericValue(std::string_view text) {
     }
     if (i != t.size()) return std::nullopt;
     return std::strtod(std::string(t).c_str(), nullptr);  // inf for absurd exponents: still a number
+}
+
+int64_t wholeNumberOf(std::string_view text) {
+    const auto v = numericValue(text);
+    if (!v || std::isnan(*v)) return 0;
+    return static_cast<int64_t>(std::nearbyint(std::clamp(*v, -1e12, 1e12)));
 }
 
 }  // namespace kestrin

@@ -17,13 +17,6 @@ namespace kestrin {
 
 namespace {
 
-// A typed count as a whole number; absurd values are clamped so the arithmetic stays exact.
-int64_t countOf(const std::string& text) {
-    const auto v = numericValue(text);
-    if (!v || std::isnan(*v)) return 0;
-    return static_cast<int64_t>(std::nearbyint(std::clamp(*v, -1e12, 1e12)));
-}
-
 int64_t powerOfTwo(int64_t n) {
     return n >= 62 ? std::numeric_limits<int64_t>::max() / 2 : (n <= 0 ? 1 : int64_t{1} << n);
 }
@@ -46,7 +39,7 @@ public:
         : q_(q), card_(card), records_(records), tr_(tr),
           count_(recordCount < 0 ? records.size() : std::min(recordCount, records.size())),
           page_(card.page(q.page)), bitMode_(q.mode == kModeBitField || q.mode == kModeBitFunction),
-          size_(countOf(q.nrBytesText)) {
+          size_(wholeNumberOf(q.nrBytesText)) {
         start_ = bitAddress(q.row, q.beginByte, bitMode_ ? q.beginBit : 0);
         last_ = start_ + (bitMode_ ? size_ : size_ * 8) - 1;
     }
@@ -168,7 +161,7 @@ private:
     std::optional<PlacementViolation> checksumRange() {
         if (q_.itemName != kFunctionChecksum || (q_.mode != kModeFunction && q_.mode != kModeBitFunction))
             return std::nullopt;
-        const int64_t count = countOf(q_.rangeCountText);
+        const int64_t count = wholeNumberOf(q_.rangeCountText);
         if (count < 1) return std::nullopt;
         const int64_t rangeStart = bitAddress(q_.rangeRow, q_.rangeBeginByte, 0);
         const int64_t rangeEnd = rangeStart + count * 8 - 1;

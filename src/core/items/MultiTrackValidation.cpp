@@ -1,7 +1,6 @@
 #include "MultiTrackValidation.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "RecordArray.h"
 #include "base/ProductInfo.h"
@@ -19,8 +18,7 @@ std::optional<PlacementViolation> multiTrackViolation(const MultiTrackRequest& q
     auto text = [&](int32_t id, std::string_view def = {}) {
         return PlacementViolation{id, tr.text(id, def), EditorBox::None, -1, false};
     };
-    const auto typed = numericValue(q.nrBytesText);
-    const int64_t bytes = typed ? static_cast<int64_t>(std::nearbyint(std::clamp(*typed, -1e12, 1e12))) : 0;
+    const int64_t bytes = wholeNumberOf(q.nrBytesText);
     const CPage* page = card.page(q.page);
     if (q.fieldName.empty() || bytes < 1 || page == nullptr || q.row < 0 || q.beginByte < 0 || q.beginBit < 0)
         return text(kTextIncomplete, "<Please choose a field, its place and its size.>");
