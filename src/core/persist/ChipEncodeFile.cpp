@@ -21,8 +21,14 @@ std::vector<std::string> usedHostFields(std::string_view usedFieldList, const Ho
         const size_t open = list.find('(', start);
         names.insert(std::string_view(list).substr(start, open == std::string::npos ? std::string::npos : open - start));
     }
-    for (const HostField& f : fields.fields())
-        if (names.count(f.name) != 0) used.push_back(f.name);
+    // Items name their fields by the database field name or, in older layouts, by the
+    // display name; either way the field is written once, under the name the items use.
+    for (const HostField& f : fields.fields()) {
+        if (names.count(f.name) != 0)
+            used.push_back(f.name);
+        else if (names.count(f.dbField) != 0)
+            used.push_back(f.dbField);
+    }
     return used;
 }
 

@@ -38,6 +38,13 @@ INSTANTIATE_TEST_SUITE_P(
                       // a name with a bracket never stands alone between ")" and "("
                       UsedCase{"Weight (kg)(1)", {}}));
 
+TEST(ChipEncodeFile, FieldsAreFoundByDisplayOrDatabaseName) {
+    HostFieldList fields;
+    fields.setFields({{"Last name", "LASTNAME", "Character", 30, 0, true}, {"First", "FIRST", "Character", 20, 1, true},
+                      {"Town", "TOWN", "Character", 20, 2, true}});
+    EXPECT_EQ(usedHostFields("LASTNAME(1)First(1)", fields), (std::vector<std::string>{"LASTNAME", "First"}));
+}
+
 TEST(ChipEncodeFile, FunctionsOnlyGiveFieldCountZero) {
     EXPECT_EQ(renderChipEncodeFile("", {}, hostFields({"Name"})),
               crlf({"[ChipEncode]", "LK_Version=7.0.0", "DllName=MORVATH.DLL", "ChipType=1", "[Track1]", "FieldCount=0"}));

@@ -1,0 +1,44 @@
+#pragma once
+#include <QMainWindow>
+#include <memory>
+
+#include "card/CIClass.h"
+#include "control/MessageBoxPrompter.h"
+#include "items/RecordArray.h"
+#include "persist/HostFields.h"
+#include "preview/DialogPrintServices.h"
+#include "text/CatalogRegistry.h"
+#include "text/Translator.h"
+
+class QTableWidget;
+
+namespace kestrin {
+
+// Opens a layout and lets a developer run every item dialog and the preview on it, showing
+// the records after each dialog closes. No rules of its own: it only opens and lists.
+class HarnessWindow : public QMainWindow {
+    Q_OBJECT
+public:
+    HarnessWindow(const QString& layout, const QString& project, const QString& language);
+
+private:
+    void addItem(int mode);
+    void addMultiTrack();
+    void addDatabaseUpdate();
+    void preview();
+    void save();
+    void refresh();
+
+    QString layout_;
+    CatalogRegistry registry_;
+    Translator translator_{&registry_};
+    HostFieldList fields_;
+    CIClass card_;
+    RecordArray records_;
+    MessageBoxPrompter prompter_{this};
+    DialogPrintSetup printSetup_;
+    DialogFileChooser fileChooser_;
+    QTableWidget* table_ = nullptr;
+};
+
+}  // namespace kestrin
