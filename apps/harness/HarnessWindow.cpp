@@ -1,6 +1,10 @@
 #include "HarnessWindow.h"
 
+#include <QDir>
+#include <QElapsedTimer>
+#include <QGuiApplication>
 #include <QHeaderView>
+#include <QScreen>
 #include <QTableWidget>
 #include <QToolBar>
 
@@ -43,20 +47,20 @@ HarnessWindow::HarnessWindow(const QString& layout, const QString& project, cons
 }
 
 void HarnessWindow::addItem(int mode) {
-    frmEditiClass dialog(DialogContext{&card_, &records_, &fields_, &translator_, &prompter_}, mode, EditorRecord{},
+    frmEditiClass dialog(context(), mode, EditorRecord{},
                          this);
     dialog.exec();
     refresh();
 }
 
 void HarnessWindow::addMultiTrack() {
-    frmMultiTrack dialog(DialogContext{&card_, &records_, &fields_, &translator_, &prompter_}, EditorRecord{}, this);
+    frmMultiTrack dialog(context(), EditorRecord{}, this);
     dialog.exec();
     refresh();
 }
 
 void HarnessWindow::addDatabaseUpdate() {
-    frmDBUpdate dialog(DialogContext{&card_, &records_, &fields_, &translator_, &prompter_}, -1, this);
+    frmDBUpdate dialog(context(), -1, this);
     dialog.exec();
     refresh();
 }
@@ -68,6 +72,43 @@ void HarnessWindow::preview() {
 
 void HarnessWindow::save() {
     if (!layout_.isEmpty()) saveLayout(layout_.toStdString(), &card_, records_, fields_, prompter_, translator_);
+}
+
+DialogContext HarnessWindow::context() {
+    return DialogContext{&card_, &records_, &fields_, &translator_, &prompter_};
+}
+
+namespace {
+
+// Shows a dialog without blocking, lets the window system draw it, and saves the screen's
+// picture of it.
+void screenshot(QDialog& dialog, const QString& file) {
+    dialog.show();
+    QElapsedTimer timer;
+    timer.start();
+    while (timer.elapsed() < 400) QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+    const QRect frame = dialog.frameGeometry();
+    QGuiApplication::primaryScreen()
+        ->grabWindow(0, frame.x(), frame.y(), frame.width(), frame.height())
+        .save(file);
+    dialog.close();
+}
+
+}  // namespace
+
+void HarnessWindow::saveScreenshots(const QString& folder) {
+    QDir().mkpath(folder);
+    const QDir dir(folder);
+    for (int mode = 0; mode < 4; ++mode) {
+        frmEditiClass editor(context(), mode, EditorRecord{}, this);
+        screenshot(editor, dir.filePath(QString("frmEditiClass-mode%1.png").arg(mode)));
+    }
+    frmMultiTrack multiTrack(context(), EditorRecord{}, this);
+    screenshot(multiTrack, dir.filePath("frmMultiTrack.png"));
+    frmDBUpdate update(context(), -1, this);
+    screenshot(update, dir.filePath("frmDBUpdate.png"));
+    frmPreview map(card_, records_, translator_, layout_, PrintServices{&printSetup_, &fileChooser_}, this);
+    screenshot(map, dir.filePath("frmPreview.png"));
 }
 
 void HarnessWindow::refresh() {

@@ -4,6 +4,7 @@
 
 #include "card/CIClass.h"
 #include "control/MessageBoxPrompter.h"
+#include "items/DialogContext.h"
 #include "items/RecordArray.h"
 #include "persist/HostFields.h"
 #include "preview/DialogPrintServices.h"
@@ -20,6 +21,8 @@ class HarnessWindow : public QMainWindow {
     Q_OBJECT
 public:
     HarnessWindow(const QString& layout, const QString& project, const QString& language);
+    // Shows every dialog in turn and saves what the screen shows of it, one PNG a dialog.
+    void saveScreenshots(const QString& folder);
 
 private:
     void addItem(int mode);
@@ -28,6 +31,7 @@ private:
     void preview();
     void save();
     void refresh();
+    DialogContext context();
 
     QString layout_;
     CatalogRegistry registry_;
