@@ -228,4 +228,17 @@ FunctionInput functionInputOf(const ItemRecord& r) {
     return in;
 }
 
+void fillFunctionRequest(PlacementRequest& request, const FunctionInput& input) {
+    request.propertyOption = input.option;
+    request.valueFromField =
+        input.kind == FunctionKind::Constant ? input.option == kConstantField : input.valueFromField;
+    request.fieldChosen = input.fieldName;
+    request.constantText = input.constantText;
+    request.polynomText = input.polynomText;
+    request.startValueText = input.startValueText;
+    request.rangeRow = input.rangeRow;
+    request.rangeBeginByte = input.rangeBeginByte;
+    request.rangeCountText = input.rangeCountText;
+}
+
 }  // namespace kestrin

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "editor/PlacementValidation.h"
 #include "items/ItemRecord.h"
 
 namespace kestrin {
@@ -124,5 +125,9 @@ void applyFunctionValues(const FunctionInput& input, int32_t mode, ItemRecord& r
 // is not valid gives option 0 (for a checksum: no method chosen); a name that is no function
 // word reads as a Constant.
 FunctionInput functionInputOf(const ItemRecord& record);
+
+// Copies a function's entries into a placement request: the chosen option, where the value
+// comes from (a Constant's "<Field>" option or a counter's field switch), and the values.
+void fillFunctionRequest(PlacementRequest& request, const FunctionInput& input);
 
 }  // namespace kestrin

@@ -30,16 +30,7 @@ PlacementRequest placementRequestOf(const ItemRecord& r) {
     q.nrBytesText = std::to_string(bitMode ? r.numBits : r.numBytes);
     const auto kind = functionKindOf(r.name);
     if (!kind || (q.mode != kModeFunction && q.mode != kModeBitFunction)) return q;
-    const FunctionInput in = functionInputOf(r);
-    q.propertyOption = in.option;
-    q.valueFromField = *kind == FunctionKind::Constant ? in.option == kConstantField : in.valueFromField;
-    q.fieldChosen = in.fieldName;
-    q.constantText = in.constantText;
-    q.polynomText = in.polynomText;
-    q.startValueText = in.startValueText;
-    q.rangeRow = in.rangeRow;
-    q.rangeBeginByte = in.rangeBeginByte;
-    q.rangeCountText = in.rangeCountText;
+    fillFunctionRequest(q, functionInputOf(r));
     return q;
 }
 

@@ -33,16 +33,7 @@ PlacementRequest placementRequestOf(const EditorEntries& e) {
     q.nrBytesText = e.sizeText;
     if (!isFunctionMode(e.mode)) return q;
 
-    const FunctionInput& f = e.function;
-    q.propertyOption = f.option;
-    q.valueFromField = f.valueFromField;
-    q.fieldChosen = f.fieldName;
-    q.constantText = f.constantText;
-    q.polynomText = f.polynomText;
-    q.startValueText = f.startValueText;
-    q.rangeRow = f.rangeRow;
-    q.rangeBeginByte = f.rangeBeginByte;
-    q.rangeCountText = f.rangeCountText;
+    fillFunctionRequest(q, e.function);
     return q;
 }
 

@@ -187,3 +187,17 @@ TEST(FunctionValuesStorage, UnknownStoredChoicesReadAsOptionZero) {
 }
 
 }  // namespace
+
+TEST(FunctionRequest, ConstantFieldOptionAndCounterSwitchBothMeanValueFromField) {
+    PlacementRequest q;
+    fillFunctionRequest(q, In{.kind = K::Constant, .option = kConstantField, .fieldName = "NAME"});
+    EXPECT_TRUE(q.valueFromField);
+    EXPECT_EQ(q.fieldChosen, "NAME");
+    fillFunctionRequest(q, In{.kind = K::Constant, .option = kConstantValue, .valueFromField = true, .constantText = "7"});
+    EXPECT_FALSE(q.valueFromField);
+    EXPECT_EQ(q.constantText, "7");
+    fillFunctionRequest(q, In{.kind = K::Count, .option = 1, .valueFromField = true, .rangeCountText = "3"});
+    EXPECT_TRUE(q.valueFromField);
+    EXPECT_EQ(q.propertyOption, 1);
+    EXPECT_EQ(q.rangeCountText, "3");
+}
