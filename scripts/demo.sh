@@ -1,9 +1,15 @@
 #!/usr/bin/env bash
-# Builds the command-line tool and shows the bundled sample layout as the item grids list it.
+# Builds Kestrin and starts the demo host with the bundled sample project. Without a display
+# it runs the host's smoke test offscreen and shows the sample layout with the command-line tool.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
 cmake --preset release >/dev/null
-cmake --build --preset release --target kestrin
+cmake --build --preset release --target kestrin-host kestrin
+if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
+    exec build/release/apps/host/kestrin-host "$@"
+fi
+echo "No display: running the demo host's smoke test offscreen instead."
+QT_QPA_PLATFORM=offscreen build/release/apps/host/kestrin-host --smoke
 build/release/apps/cli/kestrin info examples/layouts/Visitors16K.IIF \
-    --project examples/project/Sample.ini --lang examples/lang/kestrin-en.txt "$@"
+    --project examples/project/Sample.ini --lang examples/lang/kestrin-en.txt

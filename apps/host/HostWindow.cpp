@@ -1,0 +1,119 @@
+#include "HostWindow.h"
+
+#include <QDir>
+#include <QDockWidget>
+#include <QFile>
+#include <QInputDialog>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QMetaMethod>
+#include <QMetaProperty>
+#include <QPlainTextEdit>
+
+#include "base/KestrinError.h"
+#include "control/IClass.h"
+
+namespace kestrin {
+
+void setUpSampleProject(IClass& control, CatalogRegistry& registry, const QString& folder) {
+    const QDir examples(KESTRIN_EXAMPLES);
+    QDir().mkpath(folder + "/layouts");
+    for (const char* name : {"Staff.IIF", "Staff.CHP", "Visitors16K.IIF", "Visitors16K.CHP"})
+        if (!QFile::exists(folder + "/layouts/" + QString(name)))
+            QFile::copy(examples.filePath(QString("layouts/") + name), folder + "/layouts/" + QString(name));
+    control.setCatalogRegistry(&registry);
+    control.setProperty("LanguageDLL", registry.open(examples.filePath("lang/kestrin-en.txt").toStdString()));
+    control.setProperty("AppName", "Kestrin demo host");
+    control.setProperty("ProjectFile", examples.filePath("project/Sample.ini"));
+    control.setProperty("IifDirectory", folder + "/layouts");
+    control.setProperty("EncodePath", folder + "/layouts");
+}
+
+HostWindow::HostWindow(const QString& workFolder) {
+    setWindowTitle("Kestrin demo host");
+    control_ = new IClass(this);
+    setCentralWidget(control_);
+    setUpSampleProject(*control_, registry_, workFolder);
+
+    log_ = new QPlainTextEdit(this);
+    log_->setObjectName("txtEventLog");
+    log_->setReadOnly(true);
+    auto* dock = new QDockWidget("Events", this);
+    dock->setWidget(log_);
+    addDockWidget(Qt::BottomDockWidgetArea, dock);
+    connect(control_, &IClass::Changed, this, [this] { log("event Changed"); });
+    connect(control_, &IClass::GenericEvent, this,
+            [this](const QString& name, const QString& params) { log("event GenericEvent " + name + " " + params); });
+    buildMenus();
+    resize(1000, 700);
+}
+
+void HostWindow::log(const QString& line) {
+    log_->appendPlainText(line);
+}
+
+void HostWindow::buildMenus() {
+    const QMetaObject* meta = control_->metaObject();
+    QMenu* members = menuBar()->addMenu("&Members");
+    QMenu* properties = menuBar()->addMenu("&Properties");
+    for (int i = meta->methodOffset(); i < meta->methodCount(); ++i) {
+        const QMetaMethod method = meta->method(i);
+        if (method.methodType() != QMetaMethod::Method) continue;
+        members->addAction(QString::fromLatin1(method.name()), this, [this, i] { callMember(i); });
+    }
+    for (int i = meta->propertyOffset(); i < meta->propertyCount(); ++i)
+        properties->addAction(QString::fromLatin1(meta->property(i).name()), this, [this, i] { editProperty(i); });
+}
+
+void HostWindow::callMember(int methodIndex) {
+    const QMetaMethod method = control_->metaObject()->method(methodIndex);
+    QStringList call{QString::fromLatin1(method.name())};
+    for (int p = 0; p < method.parameterCount(); ++p) {
+        bool ok = false;
+        const QString value = QInputDialog::getText(this, call.front(), QString::fromLatin1(method.parameterNames()[p]),
+                                                    QLineEdit::Normal, {}, &ok);
+        if (!ok) return;
+        call << value;
+    }
+    std::vector<QVariant> values;
+    for (int p = 0; p < method.parameterCount(); ++p) {
+        QVariant v(call[p + 1]);
+        v.convert(method.parameterMetaType(p));
+        values.push_back(v);
+    }
+    std::vector<QGenericArgument> args;
+    for (auto& v : values) args.emplace_back(v.typeName(), v.data());
+    while (args.size() < 4) args.emplace_back();
+    QVariant result(method.returnMetaType(), nullptr);
+    try {
+        if (method.returnMetaType().id() == QMetaType::Void)
+            method.invoke(control_, Qt::DirectConnection, args[0], args[1], args[2], args[3]);
+        else
+            method.invoke(control_, Qt::DirectConnection,
+                          QGenericReturnArgument(method.returnMetaType().name(), result.data()), args[0], args[1],
+                          args[2], args[3]);
+        log("call " + call.join(' ') + (result.isValid() ? " -> " + result.toString() : QString()));
+    } catch (const KestrinError& e) {
+        log("error " + QString::fromStdString(e.description()));
+        QMessageBox::critical(this, QString::fromStdString(e.source()), QString::fromStdString(e.description()));
+    }
+}
+
+void HostWindow::editProperty(int propertyIndex) {
+    const QMetaProperty property = control_->metaObject()->property(propertyIndex);
+    const QString name = QString::fromLatin1(property.name());
+    if (!property.isWritable()) {
+        QMessageBox::information(this, name, property.read(control_).toString());
+        return;
+    }
+    bool ok = false;
+    const QString value =
+        QInputDialog::getText(this, name, name, QLineEdit::Normal, property.read(control_).toString(), &ok);
+    if (!ok) return;
+    QVariant v(value);
+    v.convert(property.metaType());
+    property.write(control_, v);
+    log("set " + name + " " + value);
+}
+
+}  // namespace kestrin

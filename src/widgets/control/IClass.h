@@ -1,0 +1,231 @@
+#pragma once
+#include <QObject>
+#include <QString>
+#include <QVariant>
+#include <QWidget>
+#include <functional>
+#include <memory>
+
+#include "card/CIClass.h"
+#include "items/DialogContext.h"
+#include "items/EditorRecord.h"
+#include "items/RecordArray.h"
+#include "persist/HostFields.h"
+#include "preview/DialogPrintServices.h"
+#include "text/CatalogRegistry.h"
+#include "text/Prompter.h"
+#include "text/Translator.h"
+
+class QDialog;
+class QLabel;
+class QTableView;
+
+namespace kestrin {
+
+class DbUpdateGridModel;
+class ItemGridModel;
+class MessageBoxPrompter;
+
+// The layout designer control a host places on its form: the item grid above, the
+// database-update grid below, and the layout-wide state every command works on.
+//
+// A host drives it only by member name through the meta-object (properties and invokable
+// methods below, declared in the host interface's order; ActiveQt turns exactly this into the
+// dispatch interface). Messages go through the Prompter, file names through the FileChooser,
+// so a host or a test can replace both.
+//
+// Errors: OpenLayout lets the reader's KestrinError ("No filename given.", "File doesn't
+// exist") through to the caller as the one exception the control raises; the host catches
+// it and shows its description. Every other member reports through message boxes and
+// returns normally.
+class IClass : public QWidget {
+    Q_OBJECT
+    // ShowAbout is the control's About entry (the container's standard about-box member).
+    Q_CLASSINFO("ShowAbout", "about")
+    Q_CLASSINFO("AboutMember", "ShowAbout")
+
+    Q_PROPERTY(QString ProjectFile READ ProjectFile WRITE setProjectFile)
+    Q_PROPERTY(QString IifDirectory READ IifDirectory WRITE setIifDirectory)
+    Q_PROPERTY(QString PellmarkINI READ PellmarkINI WRITE setPellmarkINI)
+    Q_PROPERTY(bool CLessLayoutEntered READ CLessLayoutEntered WRITE setCLessLayoutEntered)
+    Q_PROPERTY(bool UseBit READ UseBit WRITE setUseBit)
+    Q_PROPERTY(bool UseHID READ UseHID WRITE setUseHID)
+    Q_PROPERTY(QString LayoutFile READ LayoutFile)
+    Q_PROPERTY(QString EncodePath READ EncodePath WRITE setEncodePath)
+    Q_PROPERTY(bool Saved READ Saved)
+    Q_PROPERTY(int LanguageDLL READ LanguageDLL WRITE setLanguageDLL)
+    Q_PROPERTY(int CustomLanguageDLL READ CustomLanguageDLL WRITE setCustomLanguageDLL)
+    Q_PROPERTY(QString AppName READ AppName WRITE setAppName)
+    Q_PROPERTY(QString SelectedGrid READ SelectedGrid)
+    // Not part of the host interface: the container's design mode.
+    Q_PROPERTY(bool designMode READ designMode WRITE setDesignMode)
+
+public:
+    explicit IClass(QWidget* parent = nullptr);
+    ~IClass() override;
+
+    // Host interface, in its order (properties are the Q_PROPERTYs above).
+    Q_INVOKABLE void SetChipType(int sChipType);
+    Q_INVOKABLE void SetAppBoundaries(QString sBoundaries);
+    Q_INVOKABLE void AddField();
+    Q_INVOKABLE void AddFunction();
+    Q_INVOKABLE void AddBitField();
+    Q_INVOKABLE void AddBitFunction();
+    Q_INVOKABLE void AddDBUpdateItem();
+    Q_INVOKABLE void RemoveItem();
+    Q_INVOKABLE void ShowPreview();
+    Q_INVOKABLE void NewLayout(bool bShowPropsDlg);
+    Q_INVOKABLE void SetProperties();
+    // Holds the saved mark (bool) after the save.
+    Q_INVOKABLE QVariant SaveLayout();
+    Q_INVOKABLE bool SaveiClassAs();
+    // Throws KestrinError for an empty name or a missing file; false when the operator
+    // refused a file of a later version.
+    Q_INVOKABLE bool OpenLayout(QString sFileName);
+    Q_INVOKABLE bool CloseLayout();
+    // True when the project file gave at least one database field.
+    Q_INVOKABLE bool FetchDBFields();
+    Q_INVOKABLE void AddItemOverMultipleTracks();
+    Q_INVOKABLE void RemoveDBUpdateItem();
+    Q_INVOKABLE void ShowAbout();
+    Q_INVOKABLE void ShowSettings();
+    Q_INVOKABLE void EditItem();
+    Q_INVOKABLE void CallGenericFunction(QString FunctionName, QString ParamList = QString());
+    Q_INVOKABLE void SetPropertyValue(QString PropName, QString Value);
+    Q_INVOKABLE QString GetPropertyValue(QString PropName);
+    Q_INVOKABLE void SetObjectProperty(QString PropName, QObject* Value);
+    Q_INVOKABLE QObject* GetObjectProperty(QString PropName);
+
+    // Property accessors.
+    QString ProjectFile() const { return projectFile_; }
+    void setProjectFile(const QString& v) { projectFile_ = v; }
+    QString IifDirectory() const { return iifDirectory_; }
+    void setIifDirectory(const QString& v) { iifDirectory_ = v; }
+    QString PellmarkINI() const { return pellmarkIni_; }
+    void setPellmarkINI(const QString& v) { pellmarkIni_ = v; }
+    bool CLessLayoutEntered() const { return layoutEntered_; }
+    void setCLessLayoutEntered(bool v) { layoutEntered_ = v; }
+    bool UseBit() const { return useBit_; }
+    void setUseBit(bool v);
+    bool UseHID() const { return useHID_; }
+    void setUseHID(bool v);
+    QString LayoutFile() const { return layoutFile_; }
+    QString EncodePath() const { return encodePath_; }
+    void setEncodePath(const QString& v) { encodePath_ = v; }
+    bool Saved() const { return saved_; }
+    int LanguageDLL() const { return translator_.LanguageDLL(); }
+    void setLanguageDLL(int handle);
+    int CustomLanguageDLL() const { return translator_.CustomLanguageDLL(); }
+    void setCustomLanguageDLL(int handle);
+    QString AppName() const { return appName_; }
+    void setAppName(const QString& v) { appName_ = v; }
+    QString SelectedGrid() const { return selectedGrid_; }
+    bool designMode() const { return designMode_; }
+    void setDesignMode(bool on);
+
+    // Seams for hosts and tests; the objects stay owned by the caller, nullptr restores
+    // the default (message boxes, the system's file and print dialogs).
+    void setPrompter(Prompter* prompter);
+    void setFileChooser(FileChooser* chooser);
+    void setPrintSetup(PrintSetup* setup);
+    // The registry whose handles LanguageDLL and CustomLanguageDLL name.
+    void setCatalogRegistry(const CatalogRegistry* registry);
+    // Runs every modal dialog of the control; the default is dialog.exec().
+    void setDialogRunner(std::function<int(QDialog&)> runner);
+
+    // Read access for hosts that show more than the grids, and for tests.
+    const CIClass* card() const { return card_.get(); }
+    const RecordArray& records() const { return records_; }
+    const HostFieldList& hostFields() const { return fields_; }
+    bool changedFlag() const { return changedFlag_; }
+    QChar decimalSeparator() const { return decimalSeparator_; }
+    QTableView* itemGrid() const { return grdItems_; }
+    QTableView* dbUpdateGrid() const { return grdDBUpdateFields_; }
+    ItemGridModel* itemModel() const { return itemModel_; }
+    DbUpdateGridModel* dbUpdateModel() const { return dbModel_; }
+
+signals:
+    void Changed();
+    void GenericEvent(QString sEventName, QString sParamList);
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    // Grids and surface (IClass.cpp).
+    void buildSurface();
+    void layoutSurface();
+    void applyMode();
+    void applyToolTips();
+    void rebuildGrids();
+    void refresh();
+    int currentRow(const QTableView* grid) const;
+
+    // Item commands (IClassCommands.cpp).
+    DialogContext context();
+    CIClass& ensureCard();
+    void addItem(int32_t mode);
+    void editItemRecord(const EditorRecord& record);
+    void editDbUpdateRow();
+    bool confirmRemove(const QString& name);
+    void notImplemented();
+
+    // Files (IClassFiles.cpp).
+    bool writeLayout();
+    void closeNow();
+
+    // Bridge (IClassBridge.cpp).
+    bool acceptsBridgeName(const QString& name);
+
+    QString text(int32_t id, const char* defaultText = "") const;
+    void tell(Icon icon, const QString& message, const QString& title = QString());
+    Answer ask(Icon icon, const QString& message, Buttons buttons, const QString& title = QString());
+    int runDialog(QDialog& dialog);
+
+    std::unique_ptr<CIClass> card_;
+    RecordArray records_;
+    HostFieldList fields_;
+    CatalogRegistry ownRegistry_;
+    Translator translator_{&ownRegistry_};
+    std::unique_ptr<MessageBoxPrompter> ownPrompter_;
+    Prompter* prompter_ = nullptr;
+    DialogFileChooser ownChooser_;
+    FileChooser* chooser_ = &ownChooser_;
+    DialogPrintSetup ownPrintSetup_;
+    PrintSetup* printSetup_ = &ownPrintSetup_;
+    std::function<int(QDialog&)> dialogRunner_;
+
+    QString projectFile_;
+    QString iifDirectory_;
+    QString pellmarkIni_;
+    QString layoutFile_;
+    QString encodePath_;
+    QString appName_;
+    QString selectedGrid_;
+    bool layoutEntered_ = false;
+    bool useBit_ = false;
+    bool useHID_ = false;
+    bool saved_ = false;
+    bool changedFlag_ = false;
+    bool designMode_ = false;
+    bool splitterDrag_ = false;
+    QChar decimalSeparator_;
+
+    QTableView* grdItems_ = nullptr;
+    QTableView* grdDBUpdateFields_ = nullptr;
+    QLabel* imgIClass_ = nullptr;
+    ItemGridModel* itemModel_ = nullptr;
+    DbUpdateGridModel* dbModel_ = nullptr;
+    int itemsHeight_ = -1;  // the dragged height of the item grid; -1 splits in halves
+};
+
+// The save dialog's filter in the host's "description|pattern|..." form turned into Qt's
+// "description (pattern);;..." form.
+QString qtFileFilter(const QString& pipeFilter);
+
+}  // namespace kestrin

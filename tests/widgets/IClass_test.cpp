@@ -1,0 +1,357 @@
+// The control's host interface: its members in order, its stored properties, the surface
+// with the two grids, the events of a refresh, the bridge and the fixed messages.
+#include "IClass_test.h"
+
+#include <QApplication>
+#include <QHeaderView>
+#include <QLabel>
+#include <QMetaMethod>
+#include <QMetaProperty>
+#include <QPushButton>
+#include <QTest>
+
+#include "base/ProductInfo.h"
+#include "control/AboutBox.h"
+#include "control/ItemGridModel.h"
+
+namespace kestrin::test {
+namespace {
+
+struct Member {
+    const char* name;
+    bool property;
+};
+
+// The host interface in its order.
+const std::vector<Member> kInterface = {
+    {"ProjectFile", true},          {"IifDirectory", true},        {"PellmarkINI", true},
+    {"SetChipType", false},         {"SetAppBoundaries", false},   {"AddField", false},
+    {"AddFunction", false},         {"AddBitField", false},        {"AddBitFunction", false},
+    {"AddDBUpdateItem", false},     {"RemoveItem", false},         {"ShowPreview", false},
+    {"NewLayout", false},           {"SetProperties", false},      {"SaveLayout", false},
+    {"SaveiClassAs", false},        {"CLessLayoutEntered", true},  {"UseBit", true},
+    {"UseHID", true},               {"OpenLayout", false},         {"CloseLayout", false},
+    {"LayoutFile", true},           {"EncodePath", true},          {"FetchDBFields", false},
+    {"AddItemOverMultipleTracks", false}, {"Saved", true},         {"LanguageDLL", true},
+    {"CustomLanguageDLL", true},    {"AppName", true},             {"RemoveDBUpdateItem", false},
+    {"SelectedGrid", true},         {"ShowAbout", false},          {"ShowSettings", false},
+    {"EditItem", false},            {"CallGenericFunction", false}, {"SetPropertyValue", false},
+    {"GetPropertyValue", false},    {"SetObjectProperty", false},  {"GetObjectProperty", false},
+};
+
+std::vector<std::string> declaredProperties(const QMetaObject& mo) {
+    std::vector<std::string> names;
+    for (int i = mo.propertyOffset(); i < mo.propertyCount(); ++i) names.push_back(mo.property(i).name());
+    return names;
+}
+
+// Invokable methods in declaration order; the clone moc makes for a default argument is skipped.
+std::vector<std::string> declaredMethods(const QMetaObject& mo) {
+    std::vector<std::string> names;
+    for (int i = mo.methodOffset(); i < mo.methodCount(); ++i) {
+        const QMetaMethod m = mo.method(i);
+        if (m.methodType() != QMetaMethod::Method) continue;
+        const std::string name = m.name().toStdString();
+        if (names.empty() || names.back() != name) names.push_back(name);
+    }
+    return names;
+}
+
+TEST(IClassInterface, The39MembersAreDeclaredInTheHostInterfaceOrder) {
+    ASSERT_EQ(kInterface.size(), 39u);
+    const QMetaObject& mo = IClass::staticMetaObject;
+    std::vector<std::string> properties, methods;
+    for (const Member& m : kInterface) (m.property ? properties : methods).push_back(m.name);
+    properties.push_back("designMode");  // the container's mode, after the interface
+    EXPECT_EQ(declaredProperties(mo), properties);
+    EXPECT_EQ(declaredMethods(mo), methods);
+    EXPECT_STREQ(mo.className(), "kestrin::IClass");
+}
+
+struct PropertyCase {
+    const char* name;
+    bool writable;
+    int type;
+};
+
+TEST(IClassInterface, PropertyTypesAndReadOnlyMembers) {
+    const QMetaObject& mo = IClass::staticMetaObject;
+    const std::vector<PropertyCase> cases = {
+        {"ProjectFile", true, QMetaType::QString},      {"IifDirectory", true, QMetaType::QString},
+        {"PellmarkINI", true, QMetaType::QString},      {"CLessLayoutEntered", true, QMetaType::Bool},
+        {"UseBit", true, QMetaType::Bool},              {"UseHID", true, QMetaType::Bool},
+        {"LayoutFile", false, QMetaType::QString},      {"EncodePath", true, QMetaType::QString},
+        {"Saved", false, QMetaType::Bool},              {"LanguageDLL", true, QMetaType::Int},
+        {"CustomLanguageDLL", true, QMetaType::Int},    {"AppName", true, QMetaType::QString},
+        {"SelectedGrid", false, QMetaType::QString},    {"designMode", true, QMetaType::Bool},
+    };
+    for (const PropertyCase& c : cases) {
+        const int index = mo.indexOfProperty(c.name);
+        ASSERT_GE(index, 0) << c.name;
+        EXPECT_EQ(mo.property(index).isWritable(), c.writable) << c.name;
+        EXPECT_EQ(mo.property(index).typeId(), c.type) << c.name;
+    }
+}
+
+TEST(IClassInterface, MethodSignaturesEventsAndAboutEntry) {
+    const QMetaObject& mo = IClass::staticMetaObject;
+    for (const char* signature :
+         {"SetChipType(int)", "SetAppBoundaries(QString)", "NewLayout(bool)", "SaveLayout()", "OpenLayout(QString)",
+          "CallGenericFunction(QString,QString)", "CallGenericFunction(QString)", "SetPropertyValue(QString,QString)",
+          "GetPropertyValue(QString)", "SetObjectProperty(QString,QObject*)", "GetObjectProperty(QString)"})
+        EXPECT_GE(mo.indexOfMethod(signature), 0) << signature;
+    EXPECT_EQ(mo.method(mo.indexOfMethod("SaveLayout()")).returnType(), QMetaType::QVariant);
+    EXPECT_EQ(mo.method(mo.indexOfMethod("OpenLayout(QString)")).parameterNames(), QList<QByteArray>{"sFileName"});
+    EXPECT_EQ(mo.method(mo.indexOfMethod("NewLayout(bool)")).parameterNames(), QList<QByteArray>{"bShowPropsDlg"});
+
+    const QMetaMethod changed = mo.method(mo.indexOfSignal("Changed()"));
+    const QMetaMethod generic = mo.method(mo.indexOfSignal("GenericEvent(QString,QString)"));
+    EXPECT_EQ(changed.methodType(), QMetaMethod::Signal);
+    EXPECT_EQ(generic.parameterNames(), (QList<QByteArray>{"sEventName", "sParamList"}));
+    EXPECT_LT(changed.methodIndex(), generic.methodIndex());
+
+    const int about = mo.indexOfClassInfo("ShowAbout");
+    ASSERT_GE(about, 0);
+    EXPECT_STREQ(mo.classInfo(about).value(), "about");
+}
+
+TEST(IClassState, ANewControlHoldsEmptyValuesAndTheItemGridIsSelected) {
+    IClass control;
+    EXPECT_EQ(control.objectName(), "iClass");
+    for (const char* text : {"ProjectFile", "IifDirectory", "PellmarkINI", "LayoutFile", "EncodePath", "AppName"})
+        EXPECT_EQ(control.property(text).toString(), "") << text;
+    for (const char* flag : {"CLessLayoutEntered", "UseBit", "UseHID", "Saved", "designMode"})
+        EXPECT_FALSE(control.property(flag).toBool()) << flag;
+    EXPECT_EQ(control.property("LanguageDLL").toInt(), 0);
+    EXPECT_EQ(control.property("CustomLanguageDLL").toInt(), 0);
+    EXPECT_EQ(control.property("SelectedGrid").toString(), "FieldsFunctions");
+    EXPECT_EQ(control.card(), nullptr);
+    EXPECT_EQ(control.records().highestIndex(), -1);
+    EXPECT_EQ(control.hostFields().highestIndex(), -1);
+}
+
+TEST(IClassState, StoredPropertiesReturnWhatWasWrittenAndRaiseNothing) {
+    Host host;
+    const std::vector<std::pair<const char*, QVariant>> values = {
+        {"ProjectFile", "C:/p/Project.ini"}, {"IifDirectory", "C:/p/iif"}, {"PellmarkINI", "C:/p/Pellmark.ini"},
+        {"EncodePath", "C:/p/encode"},        {"AppName", "Badge host"},  {"CustomLanguageDLL", 77},
+        {"CLessLayoutEntered", true},         {"UseBit", true},           {"UseHID", true},
+    };
+    for (const auto& [name, value] : values) {
+        host.set(name, value);
+        EXPECT_EQ(host.get(name), value) << name;
+    }
+    EXPECT_TRUE(host.events.empty());
+    for (const char* readOnly : {"LayoutFile", "Saved", "SelectedGrid"})
+        EXPECT_FALSE(host.control.setProperty(readOnly, "x")) << readOnly;
+}
+
+TEST(IClassState, UseBitAndUseHIDGoIntoTheCard) {
+    Host host;
+    host.call("NewLayout", false);
+    host.set("UseBit", true);
+    host.set("UseHID", true);
+    ASSERT_NE(host.control.card(), nullptr);
+    EXPECT_TRUE(host.control.card()->EnableBitwise());
+    EXPECT_TRUE(host.control.card()->UseHIDSection());
+}
+
+TEST(IClassState, TheDecimalSeparatorComesFromTheLocale) {
+    const QLocale before;
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    IClass german;
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    IClass english;
+    QLocale::setDefault(before);
+    EXPECT_EQ(german.decimalSeparator(), QChar(','));
+    EXPECT_EQ(english.decimalSeparator(), QChar('.'));
+}
+
+TEST(IClassSurface, TheGridsSplitTheSurfaceInEqualHalves) {
+    Host host;
+    QTableView* items = host.grid("grdItems");
+    QTableView* updates = host.grid("grdDBUpdateFields");
+    ASSERT_NE(items, nullptr);
+    ASSERT_NE(updates, nullptr);
+    host.control.show();
+    struct Size { int w, h, half; };
+    for (const Size s : {Size{300, 200, 100}, Size{300, 101, 50}, Size{120, 0, 0}}) {
+        host.control.resize(s.w, s.h);
+        EXPECT_EQ(items->geometry(), QRect(0, 0, s.w, s.half)) << s.h;
+        EXPECT_EQ(updates->geometry(), QRect(0, s.half, s.w, s.half)) << s.h;
+    }
+}
+
+TEST(IClassSurface, RunModeShowsTheGridsWithTipsAndDesignModeThePicture) {
+    Host host;
+    host.control.resize(300, 200);
+    host.control.show();
+    QLabel* picture = host.control.findChild<QLabel*>("imgIClass");
+    ASSERT_NE(picture, nullptr);
+    EXPECT_FALSE(picture->isVisible());
+    EXPECT_TRUE(host.grid("grdItems")->isVisible());
+    EXPECT_EQ(host.grid("grdItems")->toolTip(), "T3195");
+    EXPECT_EQ(host.grid("grdDBUpdateFields")->toolTip(), "T3196");
+    EXPECT_FALSE(host.grid("grdItems")->verticalHeader()->isVisible());
+
+    host.set("designMode", true);
+    host.control.resize(250, 90);
+    EXPECT_TRUE(picture->isVisible());
+    EXPECT_FALSE(host.grid("grdItems")->isVisible());
+    EXPECT_FALSE(host.grid("grdDBUpdateFields")->isVisible());
+    EXPECT_EQ(picture->geometry(), QRect(0, 0, 250, 90));
+    EXPECT_FALSE(picture->pixmap().isNull());
+}
+
+TEST(IClassSurface, ColumnWidthsComeFromTheTwipWidthsAndLanguageChangesTheHeaders) {
+    Host host;
+    QTableView* items = host.grid("grdItems");
+    const int dpi = host.control.logicalDpiX();
+    for (int c = 0; c < items->model()->columnCount(); ++c)
+        EXPECT_EQ(items->columnWidth(c), host.control.itemModel()->columnWidthPixels(c, dpi)) << c;
+    EXPECT_EQ(items->model()->headerData(2, Qt::Horizontal).toString(), "<Field Type>");
+
+    writeBytes(host.dir / "more.txt", "3118=Type of field\n");
+    host.set("LanguageDLL", host.registry.open(host.dir / "more.txt"));
+    EXPECT_EQ(items->model()->headerData(2, Qt::Horizontal).toString(), "Type of field");
+    EXPECT_TRUE(host.events.empty());
+}
+
+TEST(IClassSurface, AClickOrKeyInAGridSelectsItAndDeleteRemovesFromIt) {
+    Host host;
+    host.control.resize(300, 200);
+    host.control.show();
+    QTableView* updates = host.grid("grdDBUpdateFields");
+    QTest::mouseClick(updates->viewport(), Qt::LeftButton, {}, QPoint(5, 5));
+    EXPECT_EQ(host.get("SelectedGrid").toString(), "DBUpdates");
+
+    QTableView* items = host.grid("grdItems");
+    QTest::keyClick(items, Qt::Key_Delete);
+    EXPECT_EQ(host.get("SelectedGrid").toString(), "FieldsFunctions");
+    ASSERT_EQ(host.prompter.messages.size(), 1u);
+    EXPECT_EQ(host.prompter.messages[0].text, "T3104");
+    EXPECT_EQ(host.prompter.messages[0].icon, Icon::Exclamation);
+
+    QTest::keyClick(updates, Qt::Key_Delete);
+    EXPECT_EQ(host.get("SelectedGrid").toString(), "DBUpdates");
+    EXPECT_EQ(host.prompter.messages.size(), 2u);
+}
+
+TEST(IClassEvents, EveryRefreshRaisesChangedThenGenericEventAndClearsSaved) {
+    Host host;
+    QSignalSpy changed(&host.control, &IClass::Changed);
+    QSignalSpy generic(&host.control, &IClass::GenericEvent);
+    host.call("NewLayout", false);
+    EXPECT_EQ(host.events, (std::vector<QString>{"Changed", "GenericEvent Hallo xyz"}));
+    EXPECT_EQ(changed.count(), 1);
+    ASSERT_EQ(generic.count(), 1);
+    EXPECT_EQ(generic[0][0].toString(), "Hallo");
+    EXPECT_EQ(generic[0][1].toString(), "xyz");
+    EXPECT_FALSE(host.get("Saved").toBool());
+    EXPECT_TRUE(host.control.changedFlag());
+}
+
+struct BridgeCase {
+    const char* member;
+    std::function<void(Host&, const QString&)> call;
+};
+
+TEST(IClassBridge, TheProbeNameDoesNothingAndAnyOtherNameTellsTheControlIsOutOfDate) {
+    const std::vector<BridgeCase> cases = {
+        {"CallGenericFunction", [](Host& h, const QString& n) {
+             EXPECT_TRUE(QMetaObject::invokeMethod(&h.control, "CallGenericFunction", Q_ARG(QString, n),
+                                                   Q_ARG(QString, "a;b")));
+         }},
+        {"CallGenericFunction", [](Host& h, const QString& n) { h.call("CallGenericFunction", n); }},
+        {"SetPropertyValue", [](Host& h, const QString& n) {
+             EXPECT_TRUE(QMetaObject::invokeMethod(&h.control, "SetPropertyValue", Q_ARG(QString, n), Q_ARG(QString, "v")));
+         }},
+        {"GetPropertyValue", [](Host& h, const QString& n) {
+             QString out = "unset";
+             EXPECT_TRUE(QMetaObject::invokeMethod(&h.control, "GetPropertyValue", Q_RETURN_ARG(QString, out),
+                                                   Q_ARG(QString, n)));
+             EXPECT_EQ(out, "");
+         }},
+        {"SetObjectProperty", [](Host& h, const QString& n) {
+             EXPECT_TRUE(QMetaObject::invokeMethod(&h.control, "SetObjectProperty", Q_ARG(QString, n),
+                                                   Q_ARG(QObject*, &h.control)));
+         }},
+        {"GetObjectProperty", [](Host& h, const QString& n) {
+             QObject* out = &h.control;
+             EXPECT_TRUE(QMetaObject::invokeMethod(&h.control, "GetObjectProperty", Q_RETURN_ARG(QObject*, out),
+                                                   Q_ARG(QString, n)));
+             EXPECT_EQ(out, nullptr);
+         }},
+    };
+    const std::string version = "App version: " + std::to_string(kVersionMajor) + "." +
+                                std::to_string(kVersionMinor) + ";" + std::to_string(kVersionRevision);
+    for (const BridgeCase& c : cases) {
+        Host host;
+        host.set("AppName", "Badge host");
+        c.call(host, "1");
+        EXPECT_TRUE(host.prompter.messages.empty()) << c.member;
+        c.call(host, "Export");
+        ASSERT_EQ(host.prompter.messages.size(), 1u) << c.member;
+        const auto& m = host.prompter.messages[0];
+        EXPECT_EQ(m.icon, Icon::Exclamation);
+        EXPECT_FALSE(m.question);
+        EXPECT_EQ(m.title, "Badge host");
+        EXPECT_EQ(m.text, "This program is using a server program that is out-of-date. Please contact your vendor "
+                          "and supply the following information: \r\n" +
+                              version + "\r\nServer program name: " + kProgramName +
+                              ";\r\nCalled function is: Export.");
+        EXPECT_TRUE(host.events.empty());
+    }
+}
+
+TEST(IClassBridge, WithoutAppNameTheTitleIsEmpty) {
+    Host host;
+    host.call("CallGenericFunction", QString("Export"));
+    ASSERT_EQ(host.prompter.messages.size(), 1u);
+    EXPECT_EQ(host.prompter.messages[0].title, "");
+}
+
+TEST(IClassMessages, BitItemsAreNotImplementedAndChangeNothing) {
+    for (const char* member : {"AddBitField", "AddBitFunction"}) {
+        Host host;
+        host.call("NewLayout", false);
+        host.events.clear();
+        host.call(member);
+        ASSERT_EQ(host.prompter.messages.size(), 1u) << member;
+        EXPECT_EQ(host.prompter.messages[0].text, "This function has not been implemented yet!");
+        EXPECT_EQ(host.prompter.messages[0].title, "QUORVANE");
+        EXPECT_FALSE(host.prompter.messages[0].question);
+        EXPECT_TRUE(host.events.empty()) << member;
+        EXPECT_TRUE(host.dialogs.empty()) << member;
+    }
+}
+
+TEST(IClassMessages, ShowAboutShowsTheProductAndClosesWithOk) {
+    Host host;
+    QStringList seen;
+    bool closed = false;
+    host.onDialog = [&](QDialog& d) {
+        for (const char* name : {"lblTitle", "lblVersion", "lblDescription", "lblWarning"}) {
+            auto* l = d.findChild<QLabel*>(name);
+            seen << (l ? l->text() : QString("missing ") + name);
+        }
+        d.show();
+        d.findChild<QPushButton*>("cmdOK")->click();
+        closed = !d.isVisible();
+        return d.result();
+    };
+    host.call("ShowAbout");
+    EXPECT_EQ(host.dialogs, std::vector<QString>{"frmAbout"});
+    ASSERT_EQ(seen.size(), 4);
+    EXPECT_EQ(seen[0], kProductTitle);
+    EXPECT_EQ(seen[1], AboutBox::versionText());
+    EXPECT_FALSE(seen[2].isEmpty());
+    EXPECT_EQ(seen[3], "<Warning: unauthorized use strictly forbidden>");
+    EXPECT_TRUE(closed);
+    host.call("ShowSettings");
+    EXPECT_EQ(host.dialogs.size(), 1u);
+    EXPECT_TRUE(host.prompter.messages.empty());
+}
+
+}  // namespace
+}  // namespace kestrin::test
