@@ -1,0 +1,11 @@
+# Runs the host on a script in a fresh work folder and compares what it prints.
+file(REMOVE_RECURSE ${WORK})
+execute_process(COMMAND ${HOST} --script ${SCRIPT} --work ${WORK}
+                OUTPUT_VARIABLE out RESULT_VARIABLE rc ERROR_QUIET)
+if(NOT rc EQUAL 0)
+  message(FATAL_ERROR "kestrin-host --script exited with ${rc}:\n${out}")
+endif()
+file(READ ${EXPECTED} expected)
+if(NOT out STREQUAL expected)
+  message(FATAL_ERROR "unexpected output:\n${out}\nexpected:\n${expected}")
+endif()
