@@ -1,6 +1,9 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QScreen>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTextStream>
@@ -36,7 +39,7 @@ QStringList smokeScript(const QString& folder) {
 
 }  // namespace
 
-// kestrin-host [--smoke] [--script FILE] [--work FOLDER]
+// kestrin-host [--smoke] [--script FILE] [--work FOLDER] [--open LAYOUT] [--screenshot PNG]
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QCommandLineParser parser;
@@ -44,6 +47,8 @@ int main(int argc, char** argv) {
     parser.addOption({"smoke", "open the sample layout, add an item, save it to a temporary folder and exit"});
     parser.addOption({"script", "run the automation calls of FILE, one a line, and exit", "file"});
     parser.addOption({"work", "folder for the sample layouts (default: a folder in the temporary folder)", "folder"});
+    parser.addOption({"open", "open this layout when the window shows", "layout"});
+    parser.addOption({"screenshot", "save a picture of the window after it shows and exit", "png"});
     parser.process(app);
 
     QTemporaryDir scratch;
@@ -81,5 +86,19 @@ int main(int argc, char** argv) {
         return 0;
     }
     window.show();
+    if (parser.isSet("open")) {
+        QMetaObject::invokeMethod(&window.control(), "OpenLayout", Q_ARG(QString, parser.value("open")));
+        QMetaObject::invokeMethod(&window.control(), "FetchDBFields");
+    }
+    if (parser.isSet("screenshot")) {
+        QElapsedTimer timer;
+        timer.start();
+        while (timer.elapsed() < 500) QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+        const QRect frame = window.frameGeometry();
+        const bool saved = QGuiApplication::primaryScreen()
+                               ->grabWindow(0, frame.x(), frame.y(), frame.width(), frame.height())
+                               .save(parser.value("screenshot"));
+        return saved ? 0 : 1;
+    }
     return app.exec();
 }

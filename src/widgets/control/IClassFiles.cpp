@@ -120,6 +120,10 @@ void IClass::closeNow() {
 
 bool IClass::FetchDBFields() {
     fields_.fetch(toPath(projectFile_));
+    // Database updates opened before the fields were known get their field names now; the
+    // layout itself does not change, so no change is signalled.
+    nameDatabaseUpdateFields(records_, fields_);
+    rebuildGrids();
     return fields_.count() > 0;
 }
 

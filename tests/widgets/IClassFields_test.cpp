@@ -1,0 +1,19 @@
+#include <gtest/gtest.h>
+
+#include "control/DbUpdateGridModel.h"
+#include "control/IClass.h"
+
+using namespace kestrin;
+
+// Database updates of a layout opened before the host fetched its fields are named once the
+// fields arrive, without the layout counting as changed.
+TEST(IClassFields, FetchingFieldsNamesTheDatabaseUpdatesOfAnOpenLayout) {
+    IClass control;
+    control.setProperty("ProjectFile", QString(KESTRIN_WIDGET_EXAMPLES "/project/Sample.ini"));
+    ASSERT_TRUE(control.OpenLayout(KESTRIN_WIDGET_EXAMPLES "/layouts/Visitors16K.IIF"));
+    EXPECT_EQ(control.dbUpdateModel()->cellText(0, DbUpdateGridModel::ColField), "");
+    EXPECT_TRUE(control.FetchDBFields());
+    EXPECT_EQ(control.dbUpdateModel()->cellText(0, DbUpdateGridModel::ColField), "ACCESSLEVEL");
+    EXPECT_EQ(control.dbUpdateModel()->cellText(1, DbUpdateGridModel::ColField), "ENCODECOUNT");
+    EXPECT_TRUE(control.property("Saved").toBool());
+}
