@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "ProfileDocument.h"
+#include "InputLimits.h"
 #include "ProfileStrings.h"
 
 namespace kestrin {
@@ -22,15 +23,22 @@ int16_t fieldTypeCode(std::string_view typeText) {
 }
 
 void HostFieldList::fetch(const std::filesystem::path& projectFile, std::vector<std::string>* warnings) {
+    std::string error;
+    auto loaded = ProfileDocument::load(projectFile, &error, kMaxProjectFileBytes);
+    // A missing project file reads as one without keys: the lists come out empty.
+    if (!loaded && warnings) warnings->push_back("project file: " + error);
+    if (loaded) read(*loaded, warnings);
+    else read(ProfileDocument::parse({}), warnings);
+}
+
+void HostFieldList::fetchFromBytes(std::string_view bytes, std::vector<std::string>* warnings) {
+    read(ProfileDocument::parse(bytes), warnings);
+}
+
+void HostFieldList::read(const ProfileDocument& doc, std::vector<std::string>* warnings) {
     auto warn = [&](const std::string& text) {
         if (warnings) warnings->push_back(text);
     };
-    std::string error;
-    auto loaded = ProfileDocument::load(projectFile, &error);
-    // A missing project file reads as one without keys: the lists come out empty.
-    const ProfileDocument doc = loaded ? std::move(*loaded) : ProfileDocument::parse({});
-    if (!loaded) warn("project file: " + error);
-
     const int32_t declared = doc.getInt("DATABASE", "NUMCOLUMNS", 0);
     if (!fitsInt16(declared)) {
         warn("project file: NUMCOLUMNS " + std::to_string(declared) + " is out of range; fields not read");

@@ -8,6 +8,8 @@
 
 namespace kestrin {
 
+class ProfileDocument;
+
 // One database column of the host's badge project that may be placed on the chip.
 struct HostField {
     std::string name;       // display name (NAME)
@@ -25,6 +27,8 @@ public:
     // types are replaced only when the file names at least one. Counts beyond the 16-bit
     // range end the reading quietly, as any error inside it does. Problems go to warnings.
     void fetch(const std::filesystem::path& projectFile, std::vector<std::string>* warnings = nullptr);
+    // The same from the project file's bytes.
+    void fetchFromBytes(std::string_view bytes, std::vector<std::string>* warnings = nullptr);
 
     const std::vector<HostField>& fields() const { return fields_; }
     int16_t count() const { return static_cast<int16_t>(fields_.size()); }
@@ -43,6 +47,7 @@ public:
     void setFields(std::vector<HostField> fields);
 
 private:
+    void read(const ProfileDocument& doc, std::vector<std::string>* warnings);
     void reindex();
 
     std::vector<HostField> fields_;

@@ -6,6 +6,7 @@
 #include <unordered_set>
 
 #include "HostFields.h"
+#include "InputLimits.h"
 #include "LayoutSyntax.h"
 #include "ProfileDocument.h"
 #include "ProfileStrings.h"
@@ -75,6 +76,7 @@ public:
         : doc_(doc), card_(card), result_(result) {}
 
     RecordArray run() {
+        noteLongValues();
         readCombinedParts();
         readFields();
         readBitFields();
@@ -85,12 +87,47 @@ public:
         readMultiTrack();
         for (const auto& key : distinctKeys(doc_, S::Settings))
             result_.settings.emplace_back(key, readLayoutString(doc_, S::Settings, key));
+        if (unlisted_ > 0)
+            result_.warnings.push_back("... and " + std::to_string(unlisted_) + " more entries dropped");
+        if (tooMany_ > 0)
+            result_.limitsExceeded.push_back("The layout holds more than " + std::to_string(kMaxItems) + " items; " +
+                                             std::to_string(tooMany_) + " were left out.");
         return std::move(records_);
     }
 
 private:
     void drop(std::string_view section, const std::string& key, const std::string& why) {
+        if (result_.warnings.size() >= kMaxReadWarnings) {
+            ++unlisted_;
+            return;
+        }
         result_.warnings.push_back("[" + std::string(section) + "] " + key + ": " + why + "; entry dropped");
+    }
+
+    void add(std::string_view section, const std::string& key, const ItemRecord& r) {
+        if (records_.add(r)) return;
+        ++tooMany_;
+        drop(section, key, "the layout holds too many items");
+    }
+
+    // Values are read through a buffer of kMaxValueChars characters, as the profile functions
+    // read them; longer ones arrive cut, which the operator is told once.
+    void noteLongValues() {
+        size_t count = 0;
+        std::string first;
+        std::unordered_set<std::string, AsciiCaselessHash, AsciiCaselessEqual> seen;
+        for (const auto& section : doc_.sections()) {
+            if (!seen.insert(section).second) continue;  // a repeated section reads as its first
+            for (const auto& key : doc_.keys(section)) {
+                const auto raw = doc_.rawValue(section, key);
+                if (!raw || raw->size() <= kMaxValueChars) continue;
+                if (count++ == 0) first = "[" + section + "] " + key;
+            }
+        }
+        if (count > 0)
+            result_.limitsExceeded.push_back(std::to_string(count) + " values are longer than " +
+                                             std::to_string(kMaxValueChars) + " characters and were cut (the first: " +
+                                             first + ").");
     }
 
     // At least n comma-separated 16-bit numbers, or nothing.
@@ -134,7 +171,7 @@ private:
             why = std::to_string(r.numBytes) + " bytes do not fit the page";
         }
         if (!why.empty()) return drop(section, key, why);
-        if (!records_.add(r)) drop(section, key, "the layout holds too many items");
+        add(section, key, r);
     }
 
     void readCombinedParts() {
@@ -168,8 +205,23 @@ private:
         if (big.empty()) return;
         std::vector<int16_t> v;
         if (!numbers(S::BigItem, key, big, 2, v)) return;
+        // "0,n" marks no big item; its number means nothing then and is not kept.
         r.isBinary = v[0] != 0;
-        r.bigItemNumber = v[1];
+        r.bigItemNumber = r.isBinary ? v[1] : int16_t{0};
+        if (r.isBinary) readBeginBit(key, r);
+    }
+
+    // A big item placed from a begin bit other than 0 keeps the bit in a FieldsMultiTrack
+    // entry under its own key, with the same place; that entry is not a further item.
+    void readBeginBit(const std::string& key, ItemRecord& r) {
+        const std::string text = readLayoutString(doc_, S::FieldsMultiTrack, key);
+        if (text.empty()) return;
+        const auto v = shorts(text, 5);
+        if (!v || (*v)[0] != r.page || (*v)[1] != r.block || (*v)[2] != r.beginByte || (*v)[4] != r.numBytes ||
+            (*v)[3] < 0 || (*v)[3] > 7)
+            return;
+        r.beginBit = (*v)[3];
+        beginBitEntries_.insert(key);
     }
 
     void readBitFields() {
@@ -262,14 +314,17 @@ private:
         std::vector<int16_t> range;
         const std::string rangeText = readLayoutString(doc_, S::Checksum, j + "Range", "0,0,0,0");
         if (!numbers(S::Checksum, j + "Range", rangeText, 4, range)) return false;
-        std::copy_n(range.begin(), std::min(range.size(), r.range.size()), r.range.begin());
+        // A byte checksum's range has four numbers, a bit checksum's five; a surplus is not kept.
+        const size_t kept = r.isFunction ? 4 : r.range.size();
+        std::copy_n(range.begin(), std::min(range.size(), kept), r.range.begin());
         const int method = parseProfileInt(f.param1).value_or(0);
         if (method == kChecksumCrc) {
             std::vector<int16_t> poly;
             const std::string polyText = readLayoutString(doc_, S::Checksum, j + "Poly_", "0,0");
             if (!numbers(S::Checksum, j + "Poly_", polyText, 2, poly)) return false;
             r.polynomial = {poly[0], poly[1]};
-        } else if (method == kChecksumParity) {
+        } else if (r.isFunction || method == kChecksumParity) {
+            // Init_ is read wherever a save writes it: every byte checksum but a CRC, and a bit parity.
             r.initValue = static_cast<int16_t>(doc_.getInt(S::Checksum, j + "Init_", 0));
         }
         return true;
@@ -286,24 +341,32 @@ private:
                 drop(S::DatabaseUpdate, key, "\"" + value + "\" is not a column and a function");
                 continue;
             }
+            // A checksum is computed over card bytes; as a database update it cannot be saved.
+            if (f->word == kFunctionChecksum) {
+                drop(S::DatabaseUpdate, key, "a checksum is not a database update");
+                continue;
+            }
             ItemRecord r;
             r.isDbUpdate = true;
             r.name = f->word;
             r.param1 = f->param1, r.param2 = f->param2, r.param3 = f->param3;
             r.dbColumn = static_cast<int16_t>(column->front());
-            if (!records_.add(r)) drop(S::DatabaseUpdate, key, "the layout holds too many items");
+            add(S::DatabaseUpdate, key, r);
         }
     }
 
     // Fields spread over several tracks, as "Name(n)=page,block,begin byte,begin bit,number of bytes".
     void readMultiTrack() {
         for (const auto& key : distinctKeys(doc_, S::FieldsMultiTrack)) {
+            if (beginBitEntries_.count(key)) continue;
             std::vector<int16_t> v;
             if (!numbers(S::FieldsMultiTrack, key, readLayoutString(doc_, S::FieldsMultiTrack, key), 5, v)) continue;
             ItemRecord r;
             r.isBinary = true;
             r.name = splitFieldKey(key).first;
-            r.page = v[0], r.block = v[1], r.beginByte = v[2], r.beginBit = v[3], r.numBytes = v[4];
+            // The fourth number is a bit offset, which a multi-track item placed by bytes does
+            // not have; it is not kept, so the item saves and opens again unchanged.
+            r.page = v[0], r.block = v[1], r.beginByte = v[2], r.numBytes = v[4];
             keep(S::FieldsMultiTrack, key, r, false);
         }
     }
@@ -312,7 +375,10 @@ private:
     const CIClass& card_;
     LayoutReadResult& result_;
     RecordArray records_;
+    size_t unlisted_ = 0;  // dropped entries beyond the warning limit
+    size_t tooMany_ = 0;   // entries beyond the item limit
     std::unordered_set<std::string, AsciiCaselessHash, AsciiCaselessEqual> combinedParts_;
+    std::unordered_set<std::string, AsciiCaselessHash, AsciiCaselessEqual> beginBitEntries_;
     std::map<int16_t, std::vector<std::pair<int16_t, std::string>>> groups_;
 };
 
@@ -357,10 +423,32 @@ LayoutReadResult readLayout(const fs::path& file, CIClass& card, RecordArray& re
     if (!fs::exists(file, ec)) throw KestrinError(kErrFileNotFound, kErrorSource, "File doesn't exist");
 
     LayoutReadResult result;
-    auto doc = ProfileDocument::load(file, &result.message);
-    if (!doc) return result;
+    std::string error;
+    auto doc = ProfileDocument::load(file, &error, kMaxLayoutFileBytes);
+    if (!doc) {
+        result.message = "The layout " + file.string() + " could not be opened: " + error;
+        prompter.tell(Icon::Exclamation, result.message, kProductTitle);
+        return result;
+    }
+    return readLayoutDocument(*doc, card, records, prompter, fields);
+}
 
-    const Version version = parseVersion(readLayoutString(*doc, S::General, "Version", "5.9.0"));
+LayoutReadResult readLayoutBytes(std::string_view bytes, CIClass& card, RecordArray& records, Prompter& prompter,
+                                 const HostFieldList* fields) {
+    LayoutReadResult result;
+    if (bytes.size() > kMaxLayoutFileBytes) {
+        result.message = "The layout is larger than " + std::to_string(kMaxLayoutFileBytes >> 20) +
+                         " MiB and was not opened.";
+        prompter.tell(Icon::Exclamation, result.message, kProductTitle);
+        return result;
+    }
+    return readLayoutDocument(ProfileDocument::parse(bytes), card, records, prompter, fields);
+}
+
+LayoutReadResult readLayoutDocument(const ProfileDocument& doc, CIClass& card, RecordArray& records,
+                                    Prompter& prompter, const HostFieldList* fields) {
+    LayoutReadResult result;
+    const Version version = parseVersion(readLayoutString(doc, S::General, "Version", "5.9.0"));
     if (isLater(version) &&
         prompter.ask(Icon::Exclamation, laterVersionWarning(version.major, version.minor, version.revision),
                      Buttons::YesNo, kProductTitle) != Answer::Yes) {
@@ -368,10 +456,15 @@ LayoutReadResult readLayout(const fs::path& file, CIClass& card, RecordArray& re
         return result;
     }
 
-    applyCardDesign(*doc, card, result);
-    records = Reader(*doc, card, result).run();
+    applyCardDesign(doc, card, result);
+    records = Reader(doc, card, result).run();
     if (fields) nameDatabaseUpdateFields(records, *fields);
     result.opened = true;
+    if (!result.limitsExceeded.empty()) {
+        std::string text = "The layout goes beyond what the control reads:";
+        for (const auto& line : result.limitsExceeded) text += "\r\n" + line;
+        prompter.tell(Icon::Exclamation, text, kProductTitle);
+    }
     return result;
 }
 

@@ -1,12 +1,13 @@
 #include "ProfileStrings.h"
 
+#include "InputLimits.h"
 #include "ProfileDocument.h"
 
 namespace kestrin {
 
 namespace {
 constexpr std::string_view kQuoteGuard = "@#@#";
-constexpr size_t kReadBuffer = 1024;
+constexpr size_t kReadBuffer = kMaxValueChars + 1;
 }  // namespace
 
 std::string quoteLayoutValue(std::string_view value) {
