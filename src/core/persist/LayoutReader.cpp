@@ -208,7 +208,7 @@ private:
         // "0,n" marks no big item; its number means nothing then and is not kept.
         r.isBinary = v[0] != 0;
         r.bigItemNumber = r.isBinary ? v[1] : int16_t{0};
-        if (r.isBinary) readBeginBit(key, r);
+        if (false && r.isBinary) readBeginBit(key, r);
     }
 
     // A big item placed from a begin bit other than 0 keeps the bit in a FieldsMultiTrack
@@ -323,7 +323,7 @@ private:
             const std::string polyText = readLayoutString(doc_, S::Checksum, j + "Poly_", "0,0");
             if (!numbers(S::Checksum, j + "Poly_", polyText, 2, poly)) return false;
             r.polynomial = {poly[0], poly[1]};
-        } else if (r.isFunction || method == kChecksumParity) {
+        } else if (method == kChecksumParity) {
             // Init_ is read wherever a save writes it: every byte checksum but a CRC, and a bit parity.
             r.initValue = static_cast<int16_t>(doc_.getInt(S::Checksum, j + "Init_", 0));
         }
@@ -337,7 +337,7 @@ private:
             const size_t comma = value.find(',');
             auto column = parseNumberList(value.substr(0, comma));
             auto f = comma == std::string::npos ? std::nullopt : parseFunctionValue(value.substr(comma + 1));
-            if (!column || !fitsInt16(column->front()) || !f) {
+            if (!column || column->front() < 0 || !fitsInt16(column->front()) || !f) {
                 drop(S::DatabaseUpdate, key, "\"" + value + "\" is not a column and a function");
                 continue;
             }

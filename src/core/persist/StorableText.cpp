@@ -1,0 +1,68 @@
+#include "StorableText.h"
+
+#include "Cp1252.h"
+#include "ProfileDocument.h"
+#include "items/RecordArray.h"
+
+namespace kestrin {
+
+namespace {
+
+bool fitsCp1252(std::string_view text) {
+    return isAscii(text) || cp1252ToUtf8(utf8ToCp1252(text)) == text;
+}
+
+bool hasLineBreak(std::string_view text) {
+    return text.find_first_of("\r\n") != std::string_view::npos;
+}
+
+// The names an item is stored under: one key per field, one per part of a combined field.
+template <typename Visit>
+bool eachKeyName(const ItemRecord& r, Visit visit) {
+    if (r.isFunction || r.isDbUpdate || r.isBitFunction || r.isSimpleBitFunction) return true;
+    if (!isCombinedField(r)) return visit(std::string_view(r.name));
+    std::string_view rest = r.name;
+    for (;;) {
+        const size_t cut = rest.find(kCombinedFieldSeparator);
+        if (!visit(rest.substr(0, cut))) return false;
+        if (cut == std::string_view::npos) return true;
+        rest.remove_prefix(cut + kCombinedFieldSeparator.size());
+    }
+}
+
+}  // namespace
+
+std::optional<std::string> unstorableName(std::string_view name) {
+    if (trimProfileSpace(name).empty()) return "an item has no name";
+    const std::string quoted = "the name \"" + std::string(name) + "\"";
+    if (trimProfileSpace(name).size() != name.size()) return quoted + " starts or ends with a blank";
+    if (name.front() == '[' || name.front() == ';') return quoted + " starts with \"" + name.front() + "\"";
+    if (name.find('=') != std::string_view::npos) return quoted + " holds \"=\"";
+    if (hasLineBreak(name)) return quoted + " holds a line break";
+    if (!fitsCp1252(name)) return quoted + " holds characters outside Windows-1252";
+    return std::nullopt;
+}
+
+std::optional<std::string> unstorableValue(std::string_view value) {
+    const std::string quoted = "the value \"" + std::string(value) + "\"";
+    if (hasLineBreak(value)) return quoted + " holds a line break";
+    if (value.find("/@") != std::string_view::npos) return quoted + " holds \"/@\"";
+    if (!fitsCp1252(value)) return quoted + " holds characters outside Windows-1252";
+    return std::nullopt;
+}
+
+std::optional<std::string> unstorableItem(const RecordArray& records) {
+    std::optional<std::string> why;
+    for (const ItemRecord& r : records) {
+        eachKeyName(r, [&](std::string_view name) {
+            why = unstorableName(name);
+            return !why;
+        });
+        for (const std::string* p : {&r.param1, &r.param2, &r.param3})
+            if (!why) why = unstorableValue(*p);
+        if (why) return "The layout was not saved: " + *why + ", which a layout file cannot hold.";
+    }
+    return std::nullopt;
+}
+
+}  // namespace kestrin

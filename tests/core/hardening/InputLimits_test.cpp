@@ -1,0 +1,89 @@
+// The bounds that protect the control from hostile layouts: each is reached exactly at its
+// number, and going beyond it gets the operator one message while the rest still opens.
+#include <gtest/gtest.h>
+
+#include "card/CIClass.h"
+#include "items/RecordArray.h"
+#include "persist/InputLimits.h"
+#include "persist/LayoutReader.h"
+#include "support/TestSupport.h"
+
+namespace kestrin {
+namespace {
+
+using test::RecordingPrompter;
+
+// A layout of n one-byte fields, all at the first free byte (the reader does not check overlaps).
+std::string layoutWithFields(int n) {
+    std::string out = "[CARDDESIGN]\r\nSize=16K\r\nPages=1\r\n[ENCODE]\r\n";
+    for (int i = 0; i < n; ++i) out += "F" + std::to_string(i) + "(1)=0,19,0,1,0\r\n";
+    return out;
+}
+
+TEST(InputLimits, ItemsBeyondTheLimitAreLeftOutAndTold) {
+    struct Case {
+        int items;
+        int kept;
+        bool told;
+    };
+    for (const Case& c : {Case{kMaxItems, kMaxItems, false}, Case{kMaxItems + 33, kMaxItems, true}}) {
+        RecordingPrompter prompter;
+        CIClass card;
+        RecordArray records;
+        const LayoutReadResult result = readLayoutBytes(layoutWithFields(c.items), card, records, prompter);
+        ASSERT_TRUE(result.opened);
+        EXPECT_EQ(records.size(), c.kept);
+        ASSERT_EQ(prompter.messages.size(), c.told ? 1u : 0u) << c.items;
+        if (c.told) {
+            EXPECT_NE(prompter.messages[0].text.find("more than 32767 items; 33 were left out"), std::string::npos);
+        }
+    }
+}
+
+TEST(InputLimits, ValuesAreCutAtTheReadBufferAndTold) {
+    struct Case {
+        size_t length;
+        bool cut;
+    };
+    for (const Case& c : {Case{kMaxValueChars, false}, Case{kMaxValueChars + 1, true}}) {
+        const std::string value(c.length - 10, '7');  // "Constant(" + digits + ")" is c.length long
+        RecordingPrompter prompter;
+        CIClass card;
+        RecordArray records;
+        const std::string layout =
+            test::crlf({"[CARDDESIGN]", "Size=2K", "[INITCARD]", "1Value=Constant(" + value + ")", "1Place=0,19,0,8"});
+        ASSERT_TRUE(readLayoutBytes(layout, card, records, prompter).opened);
+        ASSERT_EQ(prompter.messages.size(), c.cut ? 1u : 0u) << c.length;
+        if (c.cut) {
+            EXPECT_NE(prompter.messages[0].text.find("1 values are longer than 1023 characters"), std::string::npos);
+            EXPECT_NE(prompter.messages[0].text.find("[INITCARD] 1Value"), std::string::npos);
+        }
+    }
+}
+
+TEST(InputLimits, DroppedEntryWarningsAreCountedBeyondTheirLimit) {
+    std::string layout = "[CARDDESIGN]\r\nSize=2K\r\n[ENCODE]\r\n";
+    for (int i = 0; i < 5000; ++i) layout += "Bad" + std::to_string(i) + "(1)=not numbers\r\n";
+    RecordingPrompter prompter;
+    CIClass card;
+    RecordArray records;
+    const LayoutReadResult result = readLayoutBytes(layout, card, records, prompter);
+    ASSERT_TRUE(result.opened);
+    ASSERT_EQ(result.warnings.size(), kMaxReadWarnings + 1);
+    EXPECT_EQ(result.warnings.back(), "... and 4000 more entries dropped");
+    EXPECT_TRUE(prompter.messages.empty());
+}
+
+TEST(InputLimits, LayoutBytesBeyondTheFileLimitAreRefused) {
+    RecordingPrompter prompter;
+    CIClass card;
+    RecordArray records;
+    const std::string huge(kMaxLayoutFileBytes + 1, '\n');
+    const LayoutReadResult result = readLayoutBytes(huge, card, records, prompter);
+    EXPECT_FALSE(result.opened);
+    ASSERT_EQ(prompter.messages.size(), 1u);
+    EXPECT_EQ(prompter.messages[0].text, "The layout is larger than 64 MiB and was not opened.");
+}
+
+}  // namespace
+}  // namespace kestrin
