@@ -12,6 +12,7 @@
 #include "persist/HostFields.h"
 #include "persist/LayoutReader.h"
 #include "persist/LayoutRenderer.h"
+#include "persist/StorableText.h"
 #include "text/Translator.h"
 
 using namespace kestrin;
@@ -38,21 +39,37 @@ bool sameItems(const RecordArray& a, const RecordArray& b) {
     return std::is_permutation(left.begin(), left.end(), right.begin());
 }
 
+// Control characters and bytes beyond ASCII as \xNN, so a report shows the names as they are.
+std::string escaped(const std::string& text) {
+    static const char* digits = "0123456789ABCDEF";
+    std::string out;
+    for (unsigned char c : text) {
+        if (c >= 0x20 && c < 0x7F) {
+            out += static_cast<char>(c);
+        } else {
+            out += "\\x";
+            out += digits[c >> 4];
+            out += digits[c & 15];
+        }
+    }
+    return out;
+}
+
 std::string describe(const RecordArray& records) {
     std::string out;
     for (int32_t i = 0; i < records.size(); ++i) {
         const ItemRecord& r = records[i];
-        out += "name=" + r.name + " flags=" + std::to_string(r.isFunction) + std::to_string(r.isDbUpdate) +
+        out += "name=" + escaped(r.name) + " flags=" + std::to_string(r.isFunction) + std::to_string(r.isDbUpdate) +
                std::to_string(r.isBit) + std::to_string(r.isSimpleBitFunction) + std::to_string(r.isBitFunction) +
                std::to_string(r.isBinary) + " place=" + std::to_string(r.page) + "," + std::to_string(r.block) + "," +
                std::to_string(r.beginByte) + "," + std::to_string(r.beginBit) + " size=" + std::to_string(r.numBytes) +
                "," + std::to_string(r.numBits) + " enc=" + std::to_string(r.encodingCode) +
                " type=" + std::to_string(r.fieldType) + " color=" + std::to_string(r.color) +
-               " big=" + std::to_string(r.bigItemNumber) + " params=[" + r.param1 + "|" + r.param2 + "|" + r.param3 +
+               " big=" + std::to_string(r.bigItemNumber) + " params=[" + escaped(r.param1) + "|" + escaped(r.param2) + "|" + escaped(r.param3) +
                "] poly=" + std::to_string(r.polynomial[0]) + "," + std::to_string(r.polynomial[1]) +
                " init=" + std::to_string(r.initValue) + " range=";
         for (int16_t v : r.range) out += std::to_string(v) + ",";
-        out += " db=" + r.dbFieldName + "/" + std::to_string(r.dbColumn) + "\n";
+        out += " db=" + escaped(r.dbFieldName) + "/" + std::to_string(r.dbColumn) + "\n";
     }
     return out;
 }
@@ -70,6 +87,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
     static const Translator translator;
     (void)auditLayout(card, records, translator);
+    // A name or value that a layout file cannot hold makes the save refuse with a message.
+    if (unstorableItem(records)) return 0;
     const RenderedLayout first = renderLayoutFile(card, records, projectFields());
     (void)renderChipEncodeFile(first.usedFieldList, first.bigItemNumbers, projectFields());
 

@@ -1,10 +1,13 @@
 #include "LayoutSaver.h"
 
+#include <optional>
 #include <system_error>
+#include <utility>
 
 #include "ChipEncodeFile.h"
 #include "LayoutRenderer.h"
 #include "SafeFile.h"
+#include "StorableText.h"
 #include "base/ProductInfo.h"
 #include "text/Prompter.h"
 #include "text/Translator.h"
@@ -22,9 +25,18 @@ fs::path backupPathFor(const fs::path& layoutFile) {
     return layoutFile.parent_path() / (layoutFile.stem().string() + ".IIF.BAK");
 }
 
+namespace {
+
+constexpr const char* kNotSaved =
+    "The layout could not be saved; the layout file and its chip encode file are unchanged.\r\n";
+constexpr const char* kPairBroken =
+    "The chip encode file was replaced, but the layout file could not be; they no longer belong together.\r\n";
+
+}  // namespace
+
 SaveOutcome saveLayout(const fs::path& layoutFile, const CIClass* card, const RecordArray& records,
                        const HostFieldList& fields, Prompter& prompter, const Translator& translator,
-                       const fs::path& encodeFolder) {
+                       const fs::path& encodeFolder, FileSystem& files) {
     SaveOutcome out;
     auto refuse = [&](const std::string& text) {
         out.message = text;
@@ -36,35 +48,52 @@ SaveOutcome saveLayout(const fs::path& layoutFile, const CIClass* card, const Re
         return out;
     }
     out.chipEncodeFile = chipEncodePathFor(layoutFile, encodeFolder);
+    const fs::path backupFile = backupPathFor(layoutFile);
 
-    std::error_code ec;
-    const bool layoutExists = fs::exists(layoutFile, ec);
-    if (layoutExists && !fs::exists(out.chipEncodeFile, ec))
+    // A file that cannot be looked at is not taken for a missing one: that would skip the backup.
+    FileStatus layoutStatus;
+    FileStatus encodeStatus;
+    for (const auto& [file, status] : {std::pair{&layoutFile, &layoutStatus}, {&out.chipEncodeFile, &encodeStatus}})
+        if (const std::error_code ec = files.status(*file, *status))
+            return refuse(kNotSaved + ("cannot check " + file->string() + ": " + ec.message()));
+    if (layoutStatus.exists && !encodeStatus.exists)
         return refuse(translator.text(kTextEncodeFileMissing,
                                       "<The layout was not saved: its chip encode file is missing beside it.>"));
-    const std::pair<fs::path, const char*> checks[] = {{layoutFile, "iClass Encode File"},
-                                                       {out.chipEncodeFile, "Chip Encode File"}};
-    for (const auto& [file, kind] : checks)
-        if (isReadOnlyFile(file))
+    for (const auto& [status, kind] :
+         {std::pair{&layoutStatus, "iClass Encode File"}, {&encodeStatus, "Chip Encode File"}})
+        if (status->readOnly)
             return refuse(translator.text(kTextReadOnlyBefore, "<The>") + " " + kind + " " +
                           translator.text(kTextReadOnlyAfter, "<is read-only and cannot be overwritten.>"));
+
+    // A name or value that the file cannot hold would read back as something else.
+    if (auto why = unstorableItem(records)) return refuse(*why);
 
     RenderedLayout layout = renderLayoutFile(*card, records, fields);
     out.warnings = std::move(layout.warnings);
     const std::string encode = renderChipEncodeFile(layout.usedFieldList, layout.bigItemNumbers, fields);
 
+    removeLeftoverStagedFiles(files, {layoutFile, backupFile, out.chipEncodeFile});
     std::string error;
-    auto stagedLayout = StagedFile::write(layoutFile, layout.bytes, &error);
+    auto stagedLayout = StagedFile::write(files, layoutFile, layout.bytes, &error);
     std::optional<StagedFile> stagedEncode;
-    if (stagedLayout) stagedEncode = StagedFile::write(out.chipEncodeFile, encode, &error);
-    if (stagedLayout && stagedEncode && layoutExists && !keepAs(layoutFile, backupPathFor(layoutFile), &error))
-        stagedEncode.reset();
-    if (!stagedLayout || !stagedEncode || !stagedLayout->commit(&error))
-        return refuse("The layout could not be saved; the files on disk are unchanged.\r\n" + error);
-    if (!stagedEncode->commit(&error))
-        return refuse("The layout file was saved, but its chip encode file could not be replaced.\r\n" + error);
+    if (stagedLayout) stagedEncode = StagedFile::write(files, out.chipEncodeFile, encode, &error);
+    if (!stagedEncode) return refuse(kNotSaved + error);
+    if (layoutStatus.exists && !keepAs(files, layoutFile, backupFile, &error)) return refuse(kNotSaved + error);
+    // The previous chip encode file, to put back should the layout file not be replaced.
+    std::optional<StagedFile> previousEncode;
+    if (encodeStatus.exists) {
+        previousEncode = StagedFile::duplicate(files, out.chipEncodeFile, out.chipEncodeFile, &error);
+        if (!previousEncode) return refuse(kNotSaved + error);
+    }
+    // The chip encode file goes first: one without its layout file hinders nothing, while a
+    // layout file without its chip encode file is refused by the next save.
+    if (!stagedEncode->commit(&error)) return refuse(kNotSaved + error);
+    if (!stagedLayout->commit(&error)) {
+        const bool undone = previousEncode ? previousEncode->commit(nullptr) : !files.remove(out.chipEncodeFile);
+        return refuse((undone ? kNotSaved : kPairBroken) + error);
+    }
     out.saved = true;
-    return out;
+    return out;  // previousEncode's destructor removes the kept copy
 }
 
 }  // namespace kestrin

@@ -1,14 +1,11 @@
 #include "SafeFile.h"
 
+#include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <fstream>
 #include <random>
 #include <system_error>
 #include <utility>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace kestrin {
 
@@ -16,95 +13,145 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string errnoText(const std::string& what, const fs::path& p) {
-    return what + " " + p.string() + ": " + std::strerror(errno);
+fs::path folderOf(const fs::path& file) { return file.has_parent_path() ? file.parent_path() : fs::path("."); }
+
+std::string describe(const std::string& what, const fs::path& p, const std::error_code& ec) {
+    return what + " " + p.string() + ": " + ec.message();
 }
 
-bool writeAll(int fd, std::string_view bytes) {
-    size_t done = 0;
-    while (done < bytes.size()) {
-        const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
-        if (n < 0) {
-            if (errno == EINTR) continue;
-            return false;
-        }
-        done += static_cast<size_t>(n);
+// Tries hidden names ".NAME.<n>.tmp" beside target until make(name) does not report the
+// name as taken; temp is the last name tried.
+template <class Make>
+std::error_code withFreeName(const fs::path& target, fs::path& temp, Make make) {
+    static thread_local std::mt19937 rng{std::random_device{}()};
+    const fs::path folder = folderOf(target);
+    std::error_code ec;
+    for (int attempt = 0; attempt < 16; ++attempt) {
+        temp = folder / ("." + target.filename().string() + "." + std::to_string(rng() % 1000000) + ".tmp");
+        ec = make(temp);
+        if (ec != std::errc::file_exists) return ec;
     }
-    return true;
+    return ec;
 }
 
-// ".NAME.suffix": a temporary name beside the target that folder listings hide.
-std::string hiddenName(const fs::path& target, const std::string& suffix) {
-    std::string name(1, '.');
-    name += target.filename().string();
-    name += '.';
-    name += suffix;
-    return name;
+// Writes all of bytes; a write that makes no progress means the disk is full.
+std::error_code writeAll(FileSystem& files, FileSystem::Handle file, std::string_view bytes) {
+    while (!bytes.empty()) {
+        std::size_t written = 0;
+        if (auto ec = files.write(file, bytes, written)) return ec;
+        if (written == 0) return std::make_error_code(std::errc::no_space_on_device);
+        bytes.remove_prefix(std::min(written, bytes.size()));
+    }
+    return {};
 }
 
 }  // namespace
 
 StagedFile::StagedFile(StagedFile&& other) noexcept
-    : temp_(std::exchange(other.temp_, {})), target_(std::exchange(other.target_, {})) {}
+    : files_(std::exchange(other.files_, nullptr)),
+      temp_(std::exchange(other.temp_, {})),
+      target_(std::exchange(other.target_, {})) {}
 
 StagedFile& StagedFile::operator=(StagedFile&& other) noexcept {
     if (this != &other) {
-        std::error_code ec;
-        if (!temp_.empty()) fs::remove(temp_, ec);
+        discard();
+        files_ = std::exchange(other.files_, nullptr);
         temp_ = std::exchange(other.temp_, {});
         target_ = std::exchange(other.target_, {});
     }
     return *this;
 }
 
-StagedFile::~StagedFile() {
-    std::error_code ec;
-    if (!temp_.empty()) fs::remove(temp_, ec);
+StagedFile::~StagedFile() { discard(); }
+
+void StagedFile::discard() {
+    if (files_ != nullptr && !temp_.empty()) files_->remove(temp_);
+    temp_.clear();
 }
 
-std::optional<StagedFile> StagedFile::write(const fs::path& target, std::string_view bytes, std::string* error) {
-    static thread_local std::mt19937 rng{std::random_device{}()};
-    const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
-    for (int attempt = 0; attempt < 16; ++attempt) {
-        const fs::path temp = folder / hiddenName(target, std::to_string(rng() % 1000000) + ".tmp");
-        const int fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
-        if (fd < 0) {
-            if (errno == EEXIST) continue;
-            if (error) *error = errnoText("cannot create a file in", folder);
-            return std::nullopt;
-        }
-        StagedFile staged;
-        staged.temp_ = temp;
-        staged.target_ = target;
-        const bool ok = writeAll(fd, bytes) && ::fsync(fd) == 0;
-        const int savedErrno = errno;
-        const bool closed = ::close(fd) == 0;
-        if (!ok || !closed) {
-            errno = ok ? errno : savedErrno;
-            if (error) *error = errnoText("cannot write", temp);
-            return std::nullopt;  // staged's destructor removes the partial file
-        }
-        return staged;
+std::optional<StagedFile> StagedFile::write(FileSystem& files, const fs::path& target, std::string_view bytes,
+                                            std::string* error) {
+    StagedFile staged;
+    FileSystem::Handle handle = -1;
+    if (auto ec = withFreeName(target, staged.temp_, [&](const fs::path& p) { return files.createNew(p, handle); })) {
+        if (error) *error = describe("cannot create a file in", folderOf(target), ec);
+        return std::nullopt;
     }
-    if (error) *error = "cannot find a free temporary name in " + folder.string();
-    return std::nullopt;
+    staged.files_ = &files;
+    staged.target_ = target;
+    std::error_code ec = writeAll(files, handle, bytes);
+    if (!ec) ec = files.sync(handle);
+    const std::error_code closed = files.close(handle);
+    if (!ec) ec = closed;
+    if (ec) {
+        if (error) *error = describe("cannot write", staged.temp_, ec);
+        return std::nullopt;  // staged removes the partial file
+    }
+    return staged;
+}
+
+std::optional<StagedFile> StagedFile::duplicate(FileSystem& files, const fs::path& source, const fs::path& target,
+                                                std::string* error) {
+    StagedFile staged;
+    std::error_code ec =
+        withFreeName(target, staged.temp_, [&](const fs::path& p) { return files.link(source, p); });
+    // No hard link (a file system without them, too many links): a copy does the same.
+    if (ec) ec = withFreeName(target, staged.temp_, [&](const fs::path& p) { return files.copy(source, p); });
+    if (ec) {
+        if (error) *error = describe("cannot keep a copy of", source, ec);
+        return std::nullopt;
+    }
+    staged.files_ = &files;
+    staged.target_ = target;
+    return staged;
 }
 
 bool StagedFile::commit(std::string* error) {
-    if (temp_.empty()) return false;
-    if (::rename(temp_.c_str(), target_.c_str()) != 0) {
-        if (error) *error = errnoText("cannot replace", target_);
+    if (files_ == nullptr || temp_.empty()) return false;
+    if (auto ec = files_->rename(temp_, target_)) {
+        if (error) *error = describe("cannot replace", target_, ec);
         return false;
     }
     temp_.clear();
     return true;
 }
 
-bool isReadOnlyFile(const fs::path& file) {
-    std::error_code ec;
-    const fs::file_status st = fs::status(file, ec);
-    if (ec || !fs::exists(st)) return false;
-    return (st.permissions() & fs::perms::owner_write) == fs::perms::none;
+bool keepAs(FileSystem& files, const fs::path& source, const fs::path& target, std::string* error) {
+    auto staged = StagedFile::duplicate(files, source, target, error);
+    if (!staged) return false;
+    const fs::path temp = staged->tempPath();
+    if (!staged->commit(error)) return false;
+    // When target already is a name of source's file (a failed save left the layout and its
+    // backup as one file), rename does nothing and the temporary name stays.
+    files.remove(temp);
+    return true;
+}
+
+bool isStagedNameOf(std::string_view name, const fs::path& target) {
+    const std::string prefix = "." + target.filename().string() + ".";
+    constexpr std::string_view suffix = ".tmp";
+    if (name.size() <= prefix.size() + suffix.size() || !name.starts_with(prefix) || !name.ends_with(suffix))
+        return false;
+    const std::string_view middle = name.substr(prefix.size(), name.size() - prefix.size() - suffix.size());
+    // "link" is the fixed name earlier saves gave the backup's hard link.
+    return middle == "link" || std::all_of(middle.begin(), middle.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+void removeLeftoverStagedFiles(FileSystem& files, const std::vector<fs::path>& targets) {
+    std::vector<fs::path> listed;
+    std::vector<std::string> names;
+    for (const fs::path& target : targets) {
+        const fs::path folder = folderOf(target);
+        if (std::find(listed.begin(), listed.end(), folder) != listed.end()) continue;
+        listed.push_back(folder);
+        if (files.list(folder, names)) continue;
+        for (const std::string& name : names)
+            for (const fs::path& other : targets)
+                if (folderOf(other) == folder && isStagedNameOf(name, other)) {
+                    files.remove(folder / name);
+                    break;
+                }
+    }
 }
 
 std::optional<std::string> readWholeFile(const fs::path& file, uintmax_t maxBytes, std::string* error) {
@@ -125,25 +172,6 @@ std::optional<std::string> readWholeFile(const fs::path& file, uintmax_t maxByte
         return std::nullopt;
     }
     return bytes;
-}
-
-bool keepAs(const fs::path& source, const fs::path& target, std::string* error) {
-    const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
-    const fs::path temp = folder / hiddenName(target, "link.tmp");
-    std::error_code ec;
-    fs::remove(temp, ec);
-    if (::link(source.c_str(), temp.c_str()) == 0) {
-        if (::rename(temp.c_str(), target.c_str()) == 0) return true;
-        fs::remove(temp, ec);
-    }
-    return replaceWithCopy(source, target, error);
-}
-
-bool replaceWithCopy(const fs::path& source, const fs::path& target, std::string* error) {
-    auto bytes = readWholeFile(source, UINTMAX_MAX, error);
-    if (!bytes) return false;
-    auto staged = StagedFile::write(target, *bytes, error);
-    return staged && staged->commit(error);
 }
 
 }  // namespace kestrin

@@ -14,6 +14,9 @@
 #include "persist/InputLimits.h"
 #include "persist/LayoutReader.h"
 #include "persist/LayoutRenderer.h"
+#include "persist/LayoutSaver.h"
+#include "support/Records.h"
+#include "text/Translator.h"
 #include "support/TestSupport.h"
 #include "text/CatalogRegistry.h"
 #include "text/PeStringTable.h"
@@ -274,6 +277,48 @@ TEST(BadInput, ProjectsWithAbsurdColumnCounts) {
         }
     }
     report("project column counts", std::size(cases));
+}
+
+TEST(BadInput, NamesWithSpecialCharactersSaveRightOrAreRefused) {
+    const std::string specials[] = {"[", "]", "=", ";", "\"", "'", "\x01", "\t", "\r", "\n", "\x7F", "/@", " [+] "};
+    TempDir dir;
+    const auto file = dir / "Names.IIF";
+    const Translator translator;
+    CIClass card;
+    size_t cases = 0, saved = 0, refused = 0;
+    for (const std::string& special : specials)
+        for (const std::string& name : {special + "Name", "Na" + special + "me", "Name" + special}) {
+            RecordArray first;
+            first.add(test::field("Before", 0, 19, 0, 8));
+            RecordingPrompter prompter;
+            ASSERT_TRUE(saveLayout(file, &card, first, HostFieldList{}, prompter, translator).saved);
+            const std::string before = readBytes(file);
+
+            RecordArray records;
+            records.add(test::field(name, 0, 19, 0, 8));
+            records.add(test::function("Constant", "\"" + name + "\"", "", "", 0, 20, 0, 8));
+            const SaveOutcome outcome = saveLayout(file, &card, records, HostFieldList{}, prompter, translator);
+            ++cases;
+            if (!outcome.saved) {
+                // Refused: the operator is told why and the files stay as they were.
+                ++refused;
+                ASSERT_EQ(prompter.messages.size(), 1u) << name;
+                EXPECT_NE(prompter.messages[0].text.find("cannot hold"), std::string::npos) << name;
+                EXPECT_EQ(readBytes(file), before) << name;
+                continue;
+            }
+            ++saved;
+            CIClass opened;
+            RecordArray reread;
+            ASSERT_TRUE(readLayout(file, opened, reread, prompter).opened);
+            ASSERT_EQ(reread.size(), 2) << name;
+            EXPECT_EQ(reread[0].name, name);
+            EXPECT_EQ(reread[1].param1, records[1].param1);
+        }
+    report("names with [ = ; quotes and control characters", cases);
+    std::printf("bad input: names saved and read back the same: %zu, refused with a message: %zu\n", saved, refused);
+    EXPECT_GT(saved, 0u);
+    EXPECT_GT(refused, 0u);
 }
 
 }  // namespace

@@ -1,0 +1,142 @@
+#pragma once
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "persist/FileSystem.h"
+
+namespace kestrin::test {
+
+enum class Call { Status, CreateNew, Write, Sync, Close, Rename, Link, Copy, Remove, List };
+
+inline const char* callName(Call c) {
+    static constexpr const char* names[] = {"status", "createNew", "write", "sync",   "close",
+                                            "rename", "link",      "copy",  "remove", "list"};
+    return names[static_cast<int>(c)];
+}
+
+// How the chosen call fails; ShortWrite and DiskFull are for write calls.
+enum class Fault {
+    Error,      // returns the given errno (a close still releases its handle)
+    ShortWrite, // a write stores only part of its bytes and says so; later writes succeed
+    DiskFull,   // a write stores part of its bytes; every later write or copy fails with ENOSPC
+};
+
+// The operating system's file system seen under another folder name, counting every call and
+// failing the ones chosen. The save is handed paths under virtualRoot, which does not exist:
+// a call that bypassed this class would not find the files.
+class FaultyFileSystem : public FileSystem {
+public:
+    FaultyFileSystem(std::filesystem::path virtualRoot, std::filesystem::path realRoot)
+        : virtual_(std::move(virtualRoot)), real_(std::move(realRoot)) {}
+
+    // Fails call number index (from 0); calling it again adds a further failing call.
+    void failCall(int index, Fault fault, int error = 0) {
+        failAt_.push_back(index);
+        fault_ = fault;
+        errno_ = error;
+    }
+    // Every link fails with EPERM, as on file systems without hard links.
+    void withoutHardLinks() { hardLinks_ = false; }
+
+    const std::vector<Call>& calls() const { return calls_; }
+    bool injected() const { return injected_; }
+    // The real path the failed call was about (empty for calls on a handle).
+    const std::filesystem::path& failedPath() const { return failedPath_; }
+    int openHandles() const { return openHandles_; }
+
+    std::error_code status(const std::filesystem::path& path, FileStatus& out) override {
+        if (auto ec = enter(Call::Status, path)) return ec;
+        return os().status(map(path), out);
+    }
+    std::error_code createNew(const std::filesystem::path& path, Handle& out) override {
+        if (auto ec = enter(Call::CreateNew, path)) return ec;
+        auto ec = os().createNew(map(path), out);
+        if (!ec) ++openHandles_;
+        return ec;
+    }
+    std::error_code write(Handle file, std::string_view bytes, std::size_t& written) override {
+        const bool chosen = next(Call::Write);
+        if (diskFull_) return error(ENOSPC);
+        if (chosen && fault_ != Fault::Error) {
+            diskFull_ = fault_ == Fault::DiskFull;
+            bytes = bytes.substr(0, std::max<std::size_t>(bytes.size() / 2, 1));
+        } else if (chosen) {
+            return error(errno_);
+        }
+        return os().write(file, bytes, written);
+    }
+    std::error_code sync(Handle file) override {
+        if (next(Call::Sync)) return error(errno_);
+        return os().sync(file);
+    }
+    std::error_code close(Handle file) override {
+        const bool chosen = next(Call::Close);
+        --openHandles_;
+        const auto ec = os().close(file);
+        return chosen ? error(errno_) : ec;
+    }
+    std::error_code rename(const std::filesystem::path& from, const std::filesystem::path& to) override {
+        if (auto ec = enter(Call::Rename, to)) return ec;
+        return os().rename(map(from), map(to));
+    }
+    std::error_code link(const std::filesystem::path& existing, const std::filesystem::path& newName) override {
+        if (auto ec = enter(Call::Link, newName)) return ec;
+        if (!hardLinks_) return error(EPERM);
+        return os().link(map(existing), map(newName));
+    }
+    std::error_code copy(const std::filesystem::path& existing, const std::filesystem::path& newFile) override {
+        if (auto ec = enter(Call::Copy, newFile)) return ec;
+        if (diskFull_) return error(ENOSPC);
+        return os().copy(map(existing), map(newFile));
+    }
+    std::error_code remove(const std::filesystem::path& path) override {
+        if (auto ec = enter(Call::Remove, path)) return ec;
+        return os().remove(map(path));
+    }
+    std::error_code list(const std::filesystem::path& folder, std::vector<std::string>& names) override {
+        if (auto ec = enter(Call::List, folder)) return ec;
+        return os().list(map(folder), names);
+    }
+
+private:
+    static FileSystem& os() { return posixFileSystem(); }
+    static std::error_code error(int e) { return {e, std::generic_category()}; }
+
+    std::filesystem::path map(const std::filesystem::path& p) const {
+        const auto rel = p.lexically_relative(virtual_);
+        return rel.empty() || *rel.begin() == ".." ? p : real_ / rel;
+    }
+    // Counts a call; true when it is the one to fail.
+    bool next(Call c) {
+        calls_.push_back(c);
+        const bool chosen =
+            std::find(failAt_.begin(), failAt_.end(), static_cast<int>(calls_.size()) - 1) != failAt_.end();
+        injected_ = injected_ || chosen;
+        return chosen;
+    }
+    std::error_code enter(Call c, const std::filesystem::path& path) {
+        if (!next(c)) return {};
+        failedPath_ = map(path);
+        return error(errno_);
+    }
+
+    std::filesystem::path virtual_;
+    std::filesystem::path real_;
+    std::vector<Call> calls_;
+    std::vector<int> failAt_;
+    Fault fault_ = Fault::Error;
+    int errno_ = 0;
+    bool hardLinks_ = true;
+    bool diskFull_ = false;
+    bool injected_ = false;
+    std::filesystem::path failedPath_;
+    int openHandles_ = 0;
+};
+
+}  // namespace kestrin::test
