@@ -19,7 +19,9 @@ AuditViolation violationOf(int32_t index, const ItemRecord& r, int32_t textId, s
 
 PlacementRequest placementRequestOf(const ItemRecord& r) {
     PlacementRequest q;
-    q.mode = kindCode(kindWord(r));
+    // A simple bit function (a bit checksum of mode 0 in the file) lies on the card by its
+    // bits and has no byte count, so it is judged by the bit-function rules.
+    q.mode = r.isSimpleBitFunction ? kModeBitFunction : kindCode(kindWord(r));
     q.selectedText = r.name;
     q.itemName = r.name;
     q.page = r.page;

@@ -208,7 +208,7 @@ private:
         // "0,n" marks no big item; its number means nothing then and is not kept.
         r.isBinary = v[0] != 0;
         r.bigItemNumber = r.isBinary ? v[1] : int16_t{0};
-        if (false && r.isBinary) readBeginBit(key, r);
+        if (r.isBinary) readBeginBit(key, r);
     }
 
     // A big item placed from a begin bit other than 0 keeps the bit in a FieldsMultiTrack
@@ -324,7 +324,8 @@ private:
             if (!numbers(S::Checksum, j + "Poly_", polyText, 2, poly)) return false;
             r.polynomial = {poly[0], poly[1]};
         } else if (method == kChecksumParity) {
-            // Init_ is read wherever a save writes it: every byte checksum but a CRC, and a bit parity.
+            // Init_ is read for a parity only, as layout files have always been read, although a save also
+            // writes it for a byte ADD checksum: that start value does not survive reopening.
             r.initValue = static_cast<int16_t>(doc_.getInt(S::Checksum, j + "Init_", 0));
         }
         return true;
@@ -364,9 +365,10 @@ private:
             ItemRecord r;
             r.isBinary = true;
             r.name = splitFieldKey(key).first;
-            // The fourth number is a bit offset, which a multi-track item placed by bytes does
-            // not have; it is not kept, so the item saves and opens again unchanged.
+            // The fourth number is the begin bit, which a save keeps beside the item's ENCODE
+            // entry; one outside a byte is not kept, so the item saves and opens again unchanged.
             r.page = v[0], r.block = v[1], r.beginByte = v[2], r.numBytes = v[4];
+            if (v[3] >= 0 && v[3] <= 7) r.beginBit = v[3];
             keep(S::FieldsMultiTrack, key, r, false);
         }
     }

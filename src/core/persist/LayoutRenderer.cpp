@@ -128,10 +128,17 @@ private:
         string(S::Encode, key, joinNumbers({r.page, r.block, r.beginByte, r.numBytes, r.encodingCode}));
         integer(S::ItemColor, key, r.color, true);
         integer(S::FieldType, key, r.fieldType);
-        if (r.isBinary) {
-            string(S::BigItem, key, "1," + std::to_string(r.bigItemNumber));
-            out_.bigItemNumbers.push_back(r.bigItemNumber);
-        }
+        if (r.isBinary) writeBigItem(key, r);
+    }
+
+    // A big item: its number, and for an item placed from a begin bit other than 0 (the
+    // multi-track dialog offers one) its FieldsMultiTrack entry, as ENCODE has no room for
+    // the bit.
+    void writeBigItem(const std::string& key, const ItemRecord& r) {
+        string(S::BigItem, key, "1," + std::to_string(r.bigItemNumber));
+        out_.bigItemNumbers.push_back(r.bigItemNumber);
+        if (r.beginBit != 0)
+            string(S::FieldsMultiTrack, key, joinNumbers({r.page, r.block, r.beginByte, r.beginBit, r.numBytes}));
     }
 
     // A combined field: every part gets its own key with a COMBINEDFIELDS entry
@@ -151,10 +158,7 @@ private:
             integer(S::ItemColor, keys[i], r.color, true);
         }
         string(S::CombinedFields, std::to_string(c) + "Place", bytePlace(r));
-        if (r.isBinary) {
-            string(S::BigItem, keys.front(), "1," + std::to_string(r.bigItemNumber));
-            out_.bigItemNumbers.push_back(r.bigItemNumber);
-        }
+        if (r.isBinary) writeBigItem(keys.front(), r);
     }
 
     void writeBitField(const ItemRecord& r) {

@@ -54,6 +54,10 @@ std::optional<std::string> unstorableValue(std::string_view value) {
 std::optional<std::string> unstorableItem(const RecordArray& records) {
     std::optional<std::string> why;
     for (const ItemRecord& r : records) {
+        // Items named "Checksum" are saved as checksum functions, whatever else they are.
+        if (r.name == kFunctionChecksum && !r.isFunction && !r.isBitFunction && !r.isSimpleBitFunction)
+            return "The layout was not saved: the name \"Checksum\" belongs to checksum functions, which a layout "
+                   "file cannot hold for another item.";
         eachKeyName(r, [&](std::string_view name) {
             why = unstorableName(name);
             return !why;

@@ -14,7 +14,8 @@ class RecordArray;
 std::optional<std::string> unstorableName(std::string_view name);
 std::optional<std::string> unstorableValue(std::string_view value);
 
-// The operator's message for the first item whose name or value cannot be stored, or nothing.
+// The operator's message for the first item whose name or value cannot be stored (or that is
+// not a function but named "Checksum", which the file keeps for checksums), or nothing.
 std::optional<std::string> unstorableItem(const RecordArray& records);
 
 }  // namespace kestrin

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <array>
+#include <vector>
+
 #include "card/CIClass.h"
 #include "card/LayoutPropertiesRules.h"
 #include "editor/LayoutAudit.h"
@@ -80,6 +83,34 @@ TEST(LayoutAudit, ChecksumRangesAndPageEndsAreReplayed) {
     EXPECT_EQ(idsOf(auditLayout(card, records, Translator{})),
               (std::vector<int32_t>{kTextChecksumCoversItself, kTextRangeHoldsChecksum, kTextInsideOtherRange,
                                     kTextPageFit}));
+}
+
+// A bit checksum stored with mode 0 reads back as a simple bit function: it has its bits and
+// no byte count, and is judged by the bit-function rules rather than found incomplete.
+TEST(LayoutAudit, SimpleBitChecksumsAreJudgedByTheirBits) {
+    struct Case {
+        const char* method;
+        int bits;
+        std::array<int16_t, 2> polynomial;
+        std::vector<int32_t> ids;
+    };
+    const Case cases[] = {
+        {"1", 8, {0, 0}, {}},
+        {"3", 1, {0, 0}, {}},
+        {"2", 4, {19, 3}, {}},
+        {"3", 2, {0, 0}, {kTextNotExactly}},
+        {"2", 4, {40, 3}, {kTextOutOfRange}},
+    };
+    for (const Case& c : cases) {
+        ItemRecord sum = bitFunction("Checksum", c.method, 0, 20, 0, 0, c.bits);
+        sum.isBitFunction = false;
+        sum.isSimpleBitFunction = true;
+        sum.polynomial = c.polynomial;
+        sum.range = {0, 25, 0, 0, 16};
+        RecordArray records;
+        records.add(sum);
+        EXPECT_EQ(idsOf(auditLayout(CIClass{}, records, Translator{})), c.ids) << c.method << ", " << c.bits << " bits";
+    }
 }
 
 TEST(LayoutAudit, RequestOfAStoredChecksumCarriesItsSettings) {

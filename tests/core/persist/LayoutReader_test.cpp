@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <array>
+
 #include "base/KestrinError.h"
 #include "card/CIClass.h"
 #include "items/GridRows.h"
@@ -163,6 +165,54 @@ TEST_F(LayoutReaderTest, EntriesThatDoNotFitTheCardAreDroppedWithWarnings) {
     ASSERT_EQ(records.size(), 1);
     EXPECT_EQ(records[0].name, "Good");
     EXPECT_EQ(result.warnings.size(), 12u);
+}
+
+// A byte checksum keeps its start value in Init_ for every method but a CRC, as a save writes it.
+TEST_F(LayoutReaderTest, ChecksumStartValuesAreReadForParitiesOnly) {
+    read(crlf({"[CARDDESIGN]", "Size=2K", "UseBit=1", "[INITCARD]", "1Value=Checksum(1.1)", "1Place=0,30,0,1",
+               "2Value=Checksum(3.2)", "2Place=0,30,1,1", "3Value=Checksum(2.3)", "3Place=0,30,2,1",
+               "[BITINITCARD]", "1Value=Checksum(1.4)", "1Place=0,31,0,0,8", "1Mode=1", "2Value=Checksum(3.5)",
+               "2Place=0,31,1,0,1", "2Mode=1", "[CHECKSUM]", "1Range=0,19,0,8", "1Init_=7", "2Range=0,20,0,8",
+               "2Init_=1", "3Range=0,21,0,8", "3Poly_=263,9", "3Init_=4", "4Range=0,22,0,0,8", "4Init_=6",
+               "5Range=0,23,0,0,8", "5Init_=1"}));
+    ASSERT_EQ(records.size(), 5);
+    struct Expected {
+        const char* method;
+        int16_t initValue;
+        std::array<int16_t, 2> polynomial;
+    };
+    // Bytes: ADD, parity, CRC; bits: ADD, parity. Only the parities' Init_ is read.
+    const Expected expected[] = {
+        {"1", 0, {0, 0}}, {"3", 1, {0, 0}}, {"2", 0, {263, 9}}, {"1", 0, {0, 0}}, {"3", 1, {0, 0}}};
+    for (int32_t i = 0; i < records.size(); ++i) {
+        EXPECT_EQ(records[i].param1, expected[i].method) << i;
+        EXPECT_EQ(records[i].initValue, expected[i].initValue) << i;
+        EXPECT_EQ(records[i].polynomial, expected[i].polynomial) << i;
+    }
+}
+
+// A FieldsMultiTrack entry under a big item's own key, at the same place, gives that item its
+// begin bit; any other entry is an item of its own.
+TEST_F(LayoutReaderTest, MultiTrackEntryOfABigItemGivesItsBeginBit) {
+    read(crlf({"[CARDDESIGN]", "Size=2K", "[ENCODE]", "Photo(1)=0,19,0,4,0", "Logo(1)=0,21,0,2,0", "[BIGITEM]",
+               "Photo(1)=1,2", "Logo(1)=1,3", "[FieldsMultiTrack]", "Photo(1)=0,19,0,3,4", "Logo(1)=0,22,0,5,2",
+               "Sign(1)=0,25,0,1,8"}));
+    ASSERT_EQ(records.size(), 4);
+    struct Expected {
+        const char* name;
+        int16_t block, beginBit, numBytes, bigItemNumber;
+    };
+    const Expected expected[] = {
+        {"Photo", 19, 3, 4, 2}, {"Logo", 21, 0, 2, 3}, {"Logo", 22, 5, 2, 0}, {"Sign", 25, 1, 8, 0}};
+    for (int32_t i = 0; i < records.size(); ++i) {
+        const ItemRecord& r = records[i];
+        EXPECT_TRUE(r.isBinary) << i;
+        EXPECT_EQ(r.name, expected[i].name) << i;
+        EXPECT_EQ(r.block, expected[i].block) << i;
+        EXPECT_EQ(r.beginBit, expected[i].beginBit) << i;
+        EXPECT_EQ(r.numBytes, expected[i].numBytes) << i;
+        EXPECT_EQ(r.bigItemNumber, expected[i].bigItemNumber) << i;
+    }
 }
 
 TEST_F(LayoutReaderTest, GarbageFilesOpenEmpty) {

@@ -130,6 +130,24 @@ TEST(LayoutRenderer, BigItemsAndDatabaseUpdates) {
     EXPECT_EQ(out.usedFieldList, "Photo(1)");
 }
 
+// ENCODE has no room for a begin bit: a big item placed from bit 3 by the multi-track dialog
+// also gets a FieldsMultiTrack entry under its key; one placed from bit 0 does not.
+TEST(LayoutRenderer, BigItemPlacedFromABitKeepsTheBitInFieldsMultiTrack) {
+    ItemRecord track = field("Track", 0, 19, 0, 4, 0, 5);
+    track.isBinary = true;
+    track.beginBit = 3;
+    ItemRecord photo = field("Photo", 0, 21, 0, 8, 0, 6);
+    photo.isBinary = true;
+    photo.bigItemNumber = 2;
+    EXPECT_EQ(render(cardOf(iSmallOnePage), {track, photo}),
+              crlf({"[GENERAL]", "Version=6.1.4", "[CARDDESIGN]", "Size=2K", "Pages=1", "UseBit=0", "UseHID=1",
+                    "[ENCODE]", "Track(1)=0,19,0,4,0", "Photo(1)=0,21,0,8,0",
+                    "[ITEMCOLOR]", "Track(1)=5", "Photo(1)=6",
+                    "[FIELDTYPE]", "Track(1)=0", "Photo(1)=0",
+                    "[BIGITEM]", "Track(1)=1,0", "Photo(1)=1,2",
+                    "[FieldsMultiTrack]", "Track(1)=0,19,0,3,4"}));
+}
+
 TEST(LayoutRenderer, CombinedFieldPartsHaveTheirOwnKeys) {
     const std::string file =
         render(cardOf(iSmallOnePage), {field("Name", 0, 19, 0, 8, 0, 1), field("First [+] Name", 0, 20, 0, 16, 0, 2)});

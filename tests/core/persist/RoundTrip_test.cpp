@@ -28,6 +28,11 @@ RecordArray everyKind(int page) {
     photo.bigItemNumber = 2;
     photo.fieldType = 3;
     records.add(photo);
+    // Placed by the multi-track dialog from bit 5, which ENCODE alone cannot hold.
+    ItemRecord track = field("Track", page, 25, 0, 2, 0, 0x00B0C0D0);
+    track.isBinary = true;
+    track.beginBit = 5;
+    records.add(track);
     records.add(bitField("Flag", page, 26, 0, 3, 4, 0x00B0B0E0));
     records.add(field("First [+] Last [+] Title", page, 27, 0, 8, 0, 0x00D0D0D0));
     records.add(function("Count", "1", "1000", "0", page, 28, 0, 4, 0x00C8C8FF));
@@ -36,6 +41,9 @@ RecordArray everyKind(int page) {
     sum.range = {static_cast<int16_t>(page), 19, 0, 64, 0};
     sum.polynomial = {263, 0};
     records.add(sum);
+    ItemRecord add = function("Checksum", "1", "", "", page, 29, 1, 1, 0x00FFC8D0);
+    add.range = {static_cast<int16_t>(page), 21, 0, 4, 0};
+    records.add(add);
     records.add(bitFunction("CardSnNr", "3", page, 30, 0, 0, 7, 0x00C8FFC8));
     ItemRecord bitSum = bitFunction("Checksum", "3", page, 30, 1, 0, 1, 0x00C8FFFF);
     bitSum.range = {static_cast<int16_t>(page), 19, 0, 0, 16};

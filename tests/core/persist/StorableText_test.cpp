@@ -62,6 +62,8 @@ TEST(StorableItems, TheFirstUnstorableItemIsNamedInTheMessage) {
         {test::bitField("[Bits", 0, 19, 0, 0, 3), "\"[Bits\""},
         {test::function("Constant", "\"a/@b\"", "", "", 0, 20, 0, 8), "/@"},
         {test::dbUpdate("NAME", "Constant", "line\nbreak"), "line break"},
+        {test::field("Checksum", 0, 19, 0, 8), "\"Checksum\" belongs to checksum functions"},
+        {test::bitField("Checksum", 0, 19, 0, 0, 3), "\"Checksum\" belongs to checksum functions"},
     };
     for (const Case& c : cases) {
         RecordArray records;
