@@ -5,6 +5,7 @@
 #include <map>
 #include <unordered_set>
 
+#include "Cp1252.h"
 #include "HostFields.h"
 #include "InputLimits.h"
 #include "LayoutSyntax.h"
@@ -113,6 +114,7 @@ private:
     // Values are read through a buffer of kMaxValueChars characters, as the profile functions
     // read them; longer ones arrive cut, which the operator is told once.
     void noteLongValues() {
+        if (doc_.longestValueBytes() <= kMaxValueChars) return;  // no value can be that long
         size_t count = 0;
         std::string first;
         std::unordered_set<std::string, AsciiCaselessHash, AsciiCaselessEqual> seen;
@@ -120,7 +122,7 @@ private:
             if (!seen.insert(section).second) continue;  // a repeated section reads as its first
             for (const auto& key : doc_.keys(section)) {
                 const auto raw = doc_.rawValue(section, key);
-                if (!raw || raw->size() <= kMaxValueChars) continue;
+                if (!raw || utf8Length(stripProfileQuotes(*raw)) <= kMaxValueChars) continue;
                 if (count++ == 0) first = "[" + section + "] " + key;
             }
         }

@@ -1,5 +1,6 @@
 #include "ProfileDocument.h"
 
+#include <algorithm>
 #include <fstream>
 #include <system_error>
 
@@ -103,6 +104,7 @@ ProfileDocument ProfileDocument::parse(std::string_view bytes) {
             e.hasEquals = true;
             e.name = std::string(trimProfileSpace(line.substr(0, eq)));
             e.value = std::string(trimProfileSpace(line.substr(eq + 1)));
+            doc.longestValue_ = std::max(doc.longestValue_, e.value.size());
         }
         current->entries.push_back(std::move(e));
     }

@@ -53,6 +53,8 @@ public:
     // Every section name in file order, duplicates included.
     std::vector<std::string> sections() const;
     bool hasSection(std::string_view section) const;
+    // The longest value in UTF-8 bytes, quotes included (at least its length in characters).
+    size_t longestValueBytes() const { return longestValue_; }
 
     static constexpr uintmax_t kDefaultMaxBytes = 64u * 1024u * 1024u;
 
@@ -61,6 +63,7 @@ private:
     const Entry* findEntry(std::string_view section, std::string_view key) const;
 
     std::vector<Section> sections_;
+    size_t longestValue_ = 0;
     std::unordered_map<std::string_view, size_t, AsciiCaselessHash, AsciiCaselessEqual> firstSection_;
 };
 

@@ -42,21 +42,30 @@ TEST(InputLimits, ItemsBeyondTheLimitAreLeftOutAndTold) {
 
 TEST(InputLimits, ValuesAreCutAtTheReadBufferAndTold) {
     struct Case {
-        size_t length;
+        std::string value;  // of the SETTINGS key Font
         bool cut;
     };
-    for (const Case& c : {Case{kMaxValueChars, false}, Case{kMaxValueChars + 1, true}}) {
-        const std::string value(c.length - 10, '7');  // "Constant(" + digits + ")" is c.length long
+    const std::string e = "\xE9";  // one character, two bytes in memory
+    std::string accented;
+    for (size_t i = 0; i < kMaxValueChars; ++i) accented += e;
+    const Case cases[] = {
+        {std::string(kMaxValueChars, '7'), false},
+        {std::string(kMaxValueChars + 1, '7'), true},
+        {accented, false},
+        {accented + e, true},
+        {"\"" + std::string(kMaxValueChars, 'q') + "\"", false},  // the quotes do not count
+        {"\"" + std::string(kMaxValueChars + 1, 'q') + "\"", true},
+    };
+    for (const Case& c : cases) {
         RecordingPrompter prompter;
         CIClass card;
         RecordArray records;
-        const std::string layout =
-            test::crlf({"[CARDDESIGN]", "Size=2K", "[INITCARD]", "1Value=Constant(" + value + ")", "1Place=0,19,0,8"});
+        const std::string layout = test::crlf({"[CARDDESIGN]", "Size=2K", "[SETTINGS]", "Font=" + c.value});
         ASSERT_TRUE(readLayoutBytes(layout, card, records, prompter).opened);
-        ASSERT_EQ(prompter.messages.size(), c.cut ? 1u : 0u) << c.length;
+        ASSERT_EQ(prompter.messages.size(), c.cut ? 1u : 0u) << c.value.size();
         if (c.cut) {
             EXPECT_NE(prompter.messages[0].text.find("1 values are longer than 1023 characters"), std::string::npos);
-            EXPECT_NE(prompter.messages[0].text.find("[INITCARD] 1Value"), std::string::npos);
+            EXPECT_NE(prompter.messages[0].text.find("[SETTINGS] Font"), std::string::npos);
         }
     }
 }
