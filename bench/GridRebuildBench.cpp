@@ -9,23 +9,13 @@
 #include <QHeaderView>
 #include <QTableView>
 
+#include "BenchApplication.h"
 #include "BenchLayouts.h"
 #include "control/DbUpdateGridModel.h"
 #include "control/ItemGridModel.h"
 
 namespace kestrin::bench {
 namespace {
-
-// Widgets need an application object; the first widget benchmark makes one without a display.
-// It is left to the end of the process: destroying it after Qt's own statics could crash.
-void ensureApplication() {
-    if (QApplication::instance()) return;
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    static int argc = 1;
-    static char name[] = "kestrin-bench";
-    static char* argv[] = {name, nullptr};
-    new QApplication(argc, argv);
-}
 
 void rebuildGrids(benchmark::State& state, const BenchLayout& layout) {
     ensureApplication();

@@ -3,26 +3,15 @@
 #ifdef KESTRIN_BENCH_WIDGETS
 #include <benchmark/benchmark.h>
 
-#include <QApplication>
 #include <QTableWidget>
 #include <memory>
 
+#include "BenchApplication.h"
 #include "BenchLayouts.h"
 #include "preview/PagePainter.h"
 
 namespace kestrin::bench {
 namespace {
-
-// Widgets need an application object; the first paint benchmark makes one without a display.
-// It is left to the end of the process: destroying it after Qt's own statics could crash.
-void ensureApplication() {
-    if (QApplication::instance()) return;
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    static int argc = 1;
-    static char name[] = "kestrin-bench";
-    static char* argv[] = {name, nullptr};
-    new QApplication(argc, argv);
-}
 
 // The last byte of the page must show the last item in its colour.
 void checkLastCell(benchmark::State& state, const QTableWidget& grid, const BenchLayout& layout) {
