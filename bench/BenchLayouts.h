@@ -9,7 +9,7 @@
 #include "card/CIClass.h"
 #include "items/RecordArray.h"
 #include "persist/HostFields.h"
-#include "text/Prompter.h"
+#include "base/Prompter.h"
 #include "text/Translator.h"
 
 namespace kestrin::bench {

@@ -3,7 +3,7 @@
 #include "Commands.h"
 #include "JsonText.h"
 #include "LayoutSession.h"
-#include "editor/LayoutAudit.h"
+#include "rules/LayoutAudit.h"
 
 namespace kestrin::cli {
 

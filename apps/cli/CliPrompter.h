@@ -1,7 +1,7 @@
 #pragma once
 #include <iosfwd>
 
-#include "text/Prompter.h"
+#include "base/Prompter.h"
 
 namespace kestrin::cli {
 

@@ -5,7 +5,7 @@
 #include <functional>
 
 #include "preview/PrintServices.h"
-#include "text/Prompter.h"
+#include "base/Prompter.h"
 
 namespace kestrin {
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "text/Prompter.h"
+#include "base/Prompter.h"
 
 namespace kestrin::fuzz {
 

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include "FuzzSupport.h"
 #include "card/CIClass.h"
-#include "editor/LayoutAudit.h"
+#include "rules/LayoutAudit.h"
 #include "items/RecordArray.h"
 #include "persist/ChipEncodeFile.h"
 #include "persist/HostFields.h"

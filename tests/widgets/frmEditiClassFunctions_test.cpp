@@ -4,7 +4,7 @@
 
 #include <functional>
 
-#include "editor/FunctionProperties.h"
+#include "rules/FunctionProperties.h"
 #include "frmEditiClass_test.h"
 
 namespace kestrin::test {

@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "card/CIClass.h"
-#include "editor/Encodings.h"
+#include "rules/Encodings.h"
 #include "editor/frmEditiClass.h"
 #include "items/RecordArray.h"
 #include "persist/HostFields.h"

@@ -17,7 +17,7 @@
 #include "items/RecordArray.h"
 #include "support/Records.h"
 #include "support/TestSupport.h"
-#include "text/Prompter.h"
+#include "base/Prompter.h"
 #include "text/CatalogRegistry.h"
 #include "text/Translator.h"
 

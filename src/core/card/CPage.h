@@ -2,6 +2,8 @@
 #include <cstdint>
 #include <string>
 
+#include "PageAddress.h"
+
 namespace kestrin {
 
 class CIClass;
@@ -20,7 +22,7 @@ public:
     int32_t Boundary = 0;       // application boundary, a block number
     int32_t PageNumber = 0;
 
-    int32_t blockCount() const { return PageSize / 8; }
+    int32_t blockCount() const { return static_cast<int32_t>(PageAddress::ofByte(PageSize).block()); }
 };
 
 }  // namespace kestrin

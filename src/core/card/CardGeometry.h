@@ -3,11 +3,12 @@
 #include <string_view>
 
 #include "IClassType.h"
+#include "PageAddress.h"
 
 namespace kestrin {
 
-inline constexpr int32_t kBytesPerBlock = 8;
-inline constexpr int32_t kBitsPerByte = 8;
+inline constexpr int32_t kBytesPerBlock = static_cast<int32_t>(PageAddress::BytesPerBlock);
+inline constexpr int32_t kBitsPerByte = static_cast<int32_t>(PageAddress::BitsPerByte);
 inline constexpr int32_t kSmallPageSize = 256;
 inline constexpr int32_t kBigPageSize = 2048;
 

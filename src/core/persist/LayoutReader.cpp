@@ -14,8 +14,9 @@
 #include "base/KestrinError.h"
 #include "base/ProductInfo.h"
 #include "card/CIClass.h"
+#include "card/PageAddress.h"
 #include "items/RecordArray.h"
-#include "text/Prompter.h"
+#include "base/Prompter.h"
 
 namespace kestrin {
 
@@ -165,11 +166,11 @@ private:
         } else if (r.block < 0 || r.block >= page->blockCount() || r.beginByte < 0 || r.beginByte > 7) {
             why = "block " + std::to_string(r.block) + ", byte " + std::to_string(r.beginByte) + " is outside the page";
         } else if (bitPlace) {
-            const int bits = r.beginBit + r.numBits;
-            const int end = r.block * 8 + r.beginByte + bits / 8 + (bits % 8 != 0 ? 1 : 0);
+            const int64_t end =
+                BitSpan::ofBits(PageAddress::at(r.block, r.beginByte, r.beginBit), r.numBits).end().bytesReached();
             if (r.beginBit < 0 || r.beginBit > 7 || r.numBits < 1 || end > page->PageSize)
                 why = "bits " + std::to_string(r.beginBit) + "+" + std::to_string(r.numBits) + " do not fit the page";
-        } else if (r.numBytes < 1 || r.block * 8 + r.beginByte + r.numBytes > page->PageSize) {
+        } else if (r.numBytes < 1 || PageAddress::at(r.block, r.beginByte).plusBytes(r.numBytes).byte() > page->PageSize) {
             why = std::to_string(r.numBytes) + " bytes do not fit the page";
         }
         if (!why.empty()) return drop(section, key, why);
@@ -400,7 +401,7 @@ void applyCardDesign(const ProfileDocument& doc, CIClass& card, LayoutReadResult
     if (card.ChipSize() == iBigEightPages && size == "16K") {
         for (int32_t p = 1; p <= 7; ++p) {
             const int32_t border = doc.getInt(S::CardDesign, std::to_string(p) + "PageBorder", 0);
-            const double block = std::nearbyint(static_cast<double>(border) / 8.0);  // halves to even
+            const double block = std::nearbyint(static_cast<double>(border) / PageAddress::BytesPerBlock);  // halves to even
             if (block >= INT32_MIN && block <= INT32_MAX) card.SetBoundary(p, static_cast<int32_t>(block));
         }
     }

@@ -88,7 +88,7 @@ private:
         if (card_.ChipSize() == iBigEightPages)
             for (int32_t p = 1; p <= 7; ++p)
                 if (const CPage* page = card_.page(p))
-                    integer(S::CardDesign, std::to_string(p) + "PageBorder", int64_t{page->Boundary} * 8);
+                    integer(S::CardDesign, std::to_string(p) + "PageBorder", PageAddress::ofBlock(page->Boundary).byte());
     }
 
     void writeFirstPass(const ItemRecord& r) {

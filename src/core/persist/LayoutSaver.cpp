@@ -9,7 +9,7 @@
 #include "SafeFile.h"
 #include "StorableText.h"
 #include "base/ProductInfo.h"
-#include "text/Prompter.h"
+#include "base/Prompter.h"
 #include "text/Translator.h"
 
 namespace kestrin {

@@ -4,7 +4,7 @@
 #include <limits>
 
 #include "ProfileDocument.h"
-#include "editor/NumberText.h"
+#include "base/NumberText.h"
 
 namespace kestrin {
 

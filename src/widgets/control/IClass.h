@@ -13,7 +13,7 @@
 #include "persist/HostFields.h"
 #include "preview/DialogPrintServices.h"
 #include "text/CatalogRegistry.h"
-#include "text/Prompter.h"
+#include "base/Prompter.h"
 #include "text/Translator.h"
 
 class QDialog;

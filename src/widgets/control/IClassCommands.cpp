@@ -6,7 +6,7 @@
 #include "IClass.h"
 #include "ItemGridModel.h"
 #include "dialogs/frmProperties.h"
-#include "editor/PlacementValidation.h"
+#include "rules/PlacementValidation.h"
 #include "editor/frmEditiClass.h"
 #include "items/frmDBUpdate.h"
 #include "items/frmMultiTrack.h"

@@ -1,5 +1,5 @@
 #pragma once
-#include "text/Prompter.h"
+#include "base/Prompter.h"
 
 class QWidget;
 

@@ -16,7 +16,7 @@
 #include <algorithm>
 
 #include "card/CIClass.h"
-#include "editor/NumberChecks.h"
+#include "rules/NumberChecks.h"
 #include "items/RecordArray.h"
 #include "items/frmMultiTrack.h"
 #include "text/Translator.h"

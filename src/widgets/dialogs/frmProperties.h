@@ -3,7 +3,7 @@
 #include <array>
 #include <memory>
 
-#include "card/LayoutPropertiesRules.h"
+#include "rules/LayoutPropertiesRules.h"
 
 class QCheckBox;
 class QComboBox;

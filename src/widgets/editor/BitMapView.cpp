@@ -6,7 +6,8 @@
 #include <vector>
 
 #include "card/CPage.h"
-#include "editor/ItemBits.h"
+#include "card/CardGeometry.h"
+#include "items/ItemSpan.h"
 #include "items/RecordArray.h"
 #include "preview/PagePainter.h"
 
@@ -14,11 +15,11 @@ namespace kestrin {
 
 namespace {
 
-constexpr int kBitColumns = 64;
+constexpr int kBitColumns = static_cast<int>(PageAddress::BitsPerBlock);
 constexpr int kBitCellWidth = 13;
 constexpr int kBlockColumnWidth = 34;
 constexpr int kRowHeight = 20;
-const QColor kHeaderColor(0xC0, 0xE0, 0xC0);
+const QColor kBitHeaderColor(0xC0, 0xE0, 0xC0);
 const QColor kByteEdgeColor(0xF4, 0xF4, 0xF4);
 
 QTableWidgetItem* cell(const QString& text, const QColor& background) {
@@ -63,14 +64,14 @@ void paintBitPage(QTableWidget& grid, const CPage& page, const RecordArray& reco
     grid.setRowCount(blocks + 1);
 
     // Header: the byte numbers over the first bit of each byte; the bit numbers as tooltips.
-    grid.setItem(0, 0, cell(QString(), kHeaderColor));
-    for (int byte = 0; byte < 8; ++byte) {
-        for (int bit = 0; bit < 8; ++bit) {
-            QTableWidgetItem* h = cell(bit == 0 ? QString::number(byte) : QString(), kHeaderColor);
+    grid.setItem(0, 0, cell(QString(), kBitHeaderColor));
+    for (int byte = 0; byte < kBytesPerBlock; ++byte) {
+        for (int bit = 0; bit < kBitsPerByte; ++bit) {
+            QTableWidgetItem* h = cell(bit == 0 ? QString::number(byte) : QString(), kBitHeaderColor);
             h->setToolTip(QStringLiteral("%1.%2").arg(byte).arg(bit));
             grid.setItem(0, bitGridColumn(byte, bit), h);
         }
-        grid.setSpan(0, bitGridColumn(byte, 0), 1, 8);
+        grid.setSpan(0, bitGridColumn(byte, 0), 1, kBitsPerByte);
     }
 
     // Free bits: white, with a light shade on every other byte so bytes stay readable.
@@ -78,7 +79,7 @@ void paintBitPage(QTableWidget& grid, const CPage& page, const RecordArray& reco
         const int row = b + 1;
         grid.setItem(row, 0, cell(QString::number(firstBlock + b), memoryMapColor(kBlockNumberColor)));
         for (int c = 1; c <= kBitColumns; ++c) {
-            const bool shaded = ((c - 1) / 8) % 2 == 1;
+            const bool shaded = ((c - 1) / kBitsPerByte) % 2 == 1;
             QTableWidgetItem* free = cell(QString(), shaded ? kByteEdgeColor : memoryMapColor(kFreeByteColor));
             free->setData(Qt::UserRole, QString());
             grid.setItem(row, c, free);
@@ -88,8 +89,7 @@ void paintBitPage(QTableWidget& grid, const CPage& page, const RecordArray& reco
     // Items of this page, bit by bit; each block's run of one item becomes one named cell.
     for (const ItemRecord& r : records) {
         if (r.isDbUpdate || r.page != page.PageNumber) continue;
-        const int64_t first = startBitOf(r);
-        const int64_t last = lastBitOf(r);
+        const BitSpan span = itemSpan(r);
         const QString name = QString::fromStdString(r.name);
         const QColor colour = memoryMapColor(r.color);
         int runRow = -1, runColumn = 0, runLength = 0;
@@ -99,14 +99,15 @@ void paintBitPage(QTableWidget& grid, const CPage& page, const RecordArray& reco
             if (runLength > 1) grid.setSpan(runRow, runColumn, 1, runLength);
             runRow = -1;
         };
-        for (int64_t bit = std::max<int64_t>(first, int64_t{firstBlock} * kBitsPerBlock); bit <= last; ++bit) {
-            const int row = static_cast<int>(bit / kBitsPerBlock) - firstBlock + 1;
+        for (int64_t bit = std::max(span.first, PageAddress::ofBlock(firstBlock)).bit(); bit <= span.lastBit(); ++bit) {
+            const PageAddress at = PageAddress::ofBit(bit);
+            const int row = static_cast<int>(at.block()) - firstBlock + 1;
             if (row >= grid.rowCount()) break;
-            const int column = static_cast<int>(bit % kBitsPerBlock) + 1;
+            const int column = bitGridColumn(static_cast<int>(at.byteInBlock()), static_cast<int>(at.bitInByte()));
             QTableWidgetItem* owned = grid.item(row, column);
             owned->setBackground(colour);
             owned->setData(Qt::UserRole, name);
-            owned->setToolTip(QStringLiteral("%1 (%2.%3)").arg(name).arg((column - 1) / 8).arg((column - 1) % 8));
+            owned->setToolTip(QStringLiteral("%1 (%2.%3)").arg(name).arg(at.byteInBlock()).arg(at.bitInByte()));
             if (row != runRow) {
                 closeRun();
                 runRow = row, runColumn = column, runLength = 0;

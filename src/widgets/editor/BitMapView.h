@@ -1,6 +1,8 @@
 #pragma once
 #include <QString>
 
+#include "card/PageAddress.h"
+
 class QTableWidget;
 class QWidget;
 
@@ -21,6 +23,6 @@ void paintBitPage(QTableWidget& grid, const CPage& page, const RecordArray& reco
 
 // The grid cell of a bit of the page, for readers of the bit view.
 int bitGridRow(const CPage& page, int block);
-inline int bitGridColumn(int beginByte, int bit) { return 1 + beginByte * 8 + bit; }
+inline int bitGridColumn(int beginByte, int bit) { return 1 + static_cast<int>(PageAddress::at(0, beginByte, bit).bit()); }
 
 }  // namespace kestrin

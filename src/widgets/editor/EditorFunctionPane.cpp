@@ -14,7 +14,7 @@
 #include <algorithm>
 
 #include "card/CPage.h"
-#include "editor/NumberChecks.h"
+#include "rules/NumberChecks.h"
 #include "frmEditiClass.h"
 
 namespace kestrin {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "editor/Encodings.h"
+#include "rules/Encodings.h"
 
 namespace kestrin {
 

@@ -2,8 +2,8 @@
 #include <cstdint>
 #include <string>
 
-#include "editor/FunctionProperties.h"
-#include "editor/PlacementValidation.h"
+#include "rules/FunctionProperties.h"
+#include "rules/PlacementValidation.h"
 #include "items/ItemRecord.h"
 #include "items/RecordArray.h"
 

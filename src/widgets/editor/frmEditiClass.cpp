@@ -14,7 +14,7 @@
 
 #include "BitMapView.h"
 #include "card/CIClass.h"
-#include "editor/Encodings.h"
+#include "rules/Encodings.h"
 #include "items/ItemColor.h"
 #include "persist/HostFields.h"
 #include "preview/PagePainter.h"

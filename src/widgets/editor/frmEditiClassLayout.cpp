@@ -16,7 +16,7 @@
 
 #include "BitMapView.h"
 #include "frmEditiClass.h"
-#include "editor/Encodings.h"
+#include "rules/Encodings.h"
 #include "preview/PagePainter.h"
 #include "text/Translator.h"
 

@@ -11,13 +11,13 @@
 #include <QTableWidget>
 
 #include "base/ProductInfo.h"
-#include "editor/NumberChecks.h"
-#include "editor/PlacementValidation.h"
+#include "rules/NumberChecks.h"
+#include "rules/PlacementValidation.h"
 #include "frmMultiTrack.h"
 #include "items/ItemRecord.h"
 #include "items/RecordArray.h"
 #include "persist/HostFields.h"
-#include "text/Prompter.h"
+#include "base/Prompter.h"
 #include "text/Translator.h"
 
 namespace kestrin {

@@ -16,9 +16,9 @@
 #include <algorithm>
 
 #include "card/CIClass.h"
-#include "editor/FunctionProperties.h"
+#include "rules/FunctionProperties.h"
 #include "items/ItemColor.h"
-#include "items/MultiTrackValidation.h"
+#include "rules/MultiTrackValidation.h"
 #include "items/RecordArray.h"
 #include "persist/HostFields.h"
 #include "preview/PagePainter.h"

@@ -12,7 +12,7 @@
 #include "card/CIClass.h"
 #include "card/CPage.h"
 #include "card/CardGeometry.h"
-#include "editor/ItemBits.h"
+#include "items/ItemSpan.h"
 #include "items/RecordArray.h"
 
 namespace kestrin {
@@ -31,11 +31,6 @@ constexpr int32_t kHidTextColor = 0xFFFFFF;  // black text would be hard to read
 
 int twipsToPixels(int twips, int dpi) {
     return (twips * dpi + kTwipsPerInch / 2) / kTwipsPerInch;
-}
-
-// Bytes of bit addresses that may lie before the page start round down, not towards zero.
-int64_t byteOfBit(int64_t bit) {
-    return bit >= 0 ? bit / kBitsPerByte : -((-bit + kBitsPerByte - 1) / kBitsPerByte);
 }
 
 // Switches a grid's redrawing off for one paint and back to what it was. Only the grid's own
@@ -203,10 +198,11 @@ void paintPage(QTableWidget& grid, const CPage& page, const RecordArray& records
     // Every placed kind is painted (fields, functions, binary fields and all bit kinds); a bit
     // item fills each byte its bits touch. Database-update items have no place on the card.
     for (const ItemRecord& r : records) {
-        if (r.isDbUpdate || r.page != page.PageNumber || lengthBitsOf(r) <= 0) continue;
-        const int64_t first = std::max<int64_t>(byteOfBit(startBitOf(r)) - int64_t{firstGridBlock} * kBytesPerBlock, 0);
-        const int64_t last =
-            std::min<int64_t>(byteOfBit(lastBitOf(r)) - int64_t{firstGridBlock} * kBytesPerBlock, gridBytes - 1);
+        const BitSpan span = itemSpan(r);
+        if (r.isDbUpdate || r.page != page.PageNumber || span.length <= 0) continue;
+        const int64_t gridStart = PageAddress::ofBlock(firstGridBlock).byte();
+        const int64_t first = std::max<int64_t>(span.first.byte() - gridStart, 0);
+        const int64_t last = std::min<int64_t>(PageAddress::ofBit(span.lastBit()).byte() - gridStart, gridBytes - 1);
         if (first > last) continue;
         const int brush = static_cast<int>(brushes.size());
         brushes.emplace_back(memoryMapColor(r.color));

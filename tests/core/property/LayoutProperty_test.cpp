@@ -5,9 +5,9 @@
 #include <string>
 
 #include "card/CIClass.h"
-#include "editor/ItemBits.h"
-#include "editor/NumberText.h"
-#include "editor/PlacementValidation.h"
+#include "items/ItemSpan.h"
+#include "base/NumberText.h"
+#include "rules/PlacementValidation.h"
 #include "items/RecordArray.h"
 #include "persist/ChipEncodeFile.h"
 #include "persist/HostFields.h"
@@ -238,10 +238,10 @@ TEST(PlacementProperty, InvalidPlacementsNeverCorruptTheRecords) {
             // An independent view of the request's bits on its page.
             const bool bitMode = q.mode == kModeBitField || q.mode == kModeBitFunction;
             const int64_t size = wholeNumberOf(q.nrBytesText);
-            const int64_t start = bitAddress(q.row, q.beginByte, bitMode ? q.beginBit : 0);
+            const int64_t start = (int64_t{q.row} * 8 + q.beginByte) * 8 + (bitMode ? q.beginBit : 0);
             const int64_t last = start + (bitMode ? size : size * 8) - 1;
             auto overlapsRequest = [&](const ItemRecord& r) {
-                return !r.isDbUpdate && r.page == q.page && bitRangesOverlap(start, last, startBitOf(r), lastBitOf(r));
+                return !r.isDbUpdate && r.page == q.page && itemSpan(r).first.bit() <= last && start <= itemSpan(r).lastBit();
             };
 
             switch (result.code) {
@@ -270,7 +270,7 @@ TEST(PlacementProperty, InvalidPlacementsNeverCorruptTheRecords) {
                     ++replacedSilently;
                     // Only the same item placed again where it stood goes without a question.
                     EXPECT_EQ(before[removed].name, q.itemName);
-                    EXPECT_EQ(startBitOf(before[removed]), start);
+                    EXPECT_EQ(itemSpan(before[removed]).first.bit(), start);
                 }
                 break;
             }

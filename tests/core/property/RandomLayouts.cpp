@@ -7,13 +7,13 @@
 #include <sstream>
 #include <tuple>
 
-#include "card/LayoutPropertiesRules.h"
-#include "editor/Encodings.h"
-#include "editor/FunctionProperties.h"
-#include "editor/ItemBits.h"
-#include "editor/LayoutAudit.h"
-#include "editor/NumberText.h"
-#include "items/MultiTrackValidation.h"
+#include "rules/LayoutPropertiesRules.h"
+#include "rules/Encodings.h"
+#include "rules/FunctionProperties.h"
+#include "items/ItemSpan.h"
+#include "rules/LayoutAudit.h"
+#include "base/NumberText.h"
+#include "rules/MultiTrackValidation.h"
 #include "persist/ProfileDocument.h"
 #include "persist/StorableText.h"
 #include "text/Translator.h"
@@ -34,6 +34,9 @@ int64_t Rng::between(int64_t lo, int64_t hi) {
 }
 
 namespace {
+
+constexpr int64_t kBitsPerBlock = PageAddress::BitsPerBlock;
+int64_t lastBitOf(const ItemRecord& r) { return itemSpan(r).lastBit(); }
 
 const Translator& translator() {
     static const Translator tr;

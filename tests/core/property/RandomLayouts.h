@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "card/CIClass.h"
-#include "editor/PlacementValidation.h"
+#include "rules/PlacementValidation.h"
 #include "items/RecordArray.h"
 #include "persist/HostFields.h"
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "text/Prompter.h"
+#include "base/Prompter.h"
 
 namespace kestrin::test {
 

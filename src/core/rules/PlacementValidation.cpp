@@ -4,13 +4,13 @@
 #include <cmath>
 #include <limits>
 
-#include "ItemBits.h"
+#include "items/ItemSpan.h"
 #include "NumberChecks.h"
-#include "NumberText.h"
+#include "base/NumberText.h"
 #include "base/ProductInfo.h"
 #include "card/CIClass.h"
 #include "items/RecordArray.h"
-#include "text/Prompter.h"
+#include "base/Prompter.h"
 #include "text/Translator.h"
 
 namespace kestrin {
@@ -40,8 +40,8 @@ public:
           count_(recordCount < 0 ? records.size() : std::min(recordCount, records.size())),
           page_(card.page(q.page)), bitMode_(q.mode == kModeBitField || q.mode == kModeBitFunction),
           size_(wholeNumberOf(q.nrBytesText)) {
-        start_ = bitAddress(q.row, q.beginByte, bitMode_ ? q.beginBit : 0);
-        last_ = start_ + (bitMode_ ? size_ : size_ * 8) - 1;
+        const PageAddress first = PageAddress::at(q.row, q.beginByte, bitMode_ ? q.beginBit : 0);
+        span_ = bitMode_ ? BitSpan::ofBits(first, size_) : BitSpan::ofBytes(first, size_);
     }
 
     std::vector<PlacementViolation> run(bool stopAtFirst) {
@@ -78,14 +78,8 @@ private:
     }
 
     std::optional<PlacementViolation> pageFit() {
-        int64_t end = int64_t{q_.row} * 8 + q_.beginByte;
-        if (bitMode_) {
-            const int64_t bits = q_.beginBit + size_;
-            end += bits / 8 + (bits % 8 != 0 ? 1 : 0);
-        } else {
-            end += size_;
-        }
-        if (end > page_->PageSize) return text(kTextPageFit, "<Your data does not fit into this Page!>");
+        // A bit item reaches every byte its bits touch.
+        if (span_.end().bytesReached() > page_->PageSize) return text(kTextPageFit, "<Your data does not fit into this Page!>");
         return std::nullopt;
     }
 
@@ -97,8 +91,8 @@ private:
 
     std::optional<PlacementViolation> boundary() {
         if (card_.ChipSize() != iBigEightPages) return std::nullopt;
-        const int64_t b = (int64_t{page_->Boundary} + 1) * kBitsPerBlock;  // the block after the boundary block
-        if (start_ < b && last_ >= b)
+        // The first bit of the block after the boundary block.
+        if (span_.crosses(PageAddress::ofBlock(int64_t{page_->Boundary} + 1)))
             return text(kTextBoundary, "<Your item should not overlap an application boundary!>");
         return std::nullopt;
     }
@@ -128,7 +122,7 @@ private:
         if (q_.propertyOption < 0 || q_.propertyOption > 3) return std::nullopt;
         const Rule& rule = rules[q_.propertyOption];
         // A bit function counts its size in bits.
-        const int64_t required = q_.mode == kModeBitFunction ? rule.bytes * 8 : rule.bytes;
+        const int64_t required = q_.mode == kModeBitFunction ? rule.bytes * PageAddress::BitsPerByte : rule.bytes;
         if (size_ != required) return text(rule.textId);
         return std::nullopt;
     }
@@ -163,15 +157,13 @@ private:
             return std::nullopt;
         const int64_t count = wholeNumberOf(q_.rangeCountText);
         if (count < 1) return std::nullopt;
-        const int64_t rangeStart = bitAddress(q_.rangeRow, q_.rangeBeginByte, 0);
-        const int64_t rangeEnd = rangeStart + count * 8 - 1;
-        if (bitRangesOverlap(start_, last_, rangeStart, rangeEnd)) return text(kTextChecksumCoversItself);
+        const BitSpan range = BitSpan::ofBytes(PageAddress::at(q_.rangeRow, q_.rangeBeginByte), count);
+        if (span_.overlaps(range)) return text(kTextChecksumCoversItself);
         for (int32_t i = 0; i < count_; ++i) {
             const ItemRecord& r = records_[i];
             if (r.isDbUpdate || !isChecksum(r)) continue;
             // Positions within a page only: the other checksum's page is not compared.
-            const int64_t s = startBitOf(r);
-            if (s >= rangeStart && s <= rangeEnd) return text(kTextRangeHoldsChecksum);
+            if (range.contains(itemSpan(r).first.bit())) return text(kTextRangeHoldsChecksum);
         }
         for (int32_t i = 0; i < count_; ++i) {
             const ItemRecord& r = records_[i];
@@ -179,9 +171,9 @@ private:
             // The other range is placed with its page; the new start bit is taken as it is.
             const bool bitSum = !isByteSized(r);
             const auto& g = r.range;
-            const int64_t s = ((int64_t{g[0]} - 1) * page_->PageSize + int64_t{g[1]} * 8 + g[2]) * 8 + (bitSum ? g[3] : 0);
-            const int64_t e = bitSum ? s + g[4] - 1 : s + int64_t{g[3]} * 8 - 1;
-            if (start_ >= s && start_ <= e) return text(kTextInsideOtherRange);
+            const PageAddress s = PageAddress::at(g[1], g[2], bitSum ? g[3] : 0).plusBytes((int64_t{g[0]} - 1) * page_->PageSize);
+            const BitSpan other = bitSum ? BitSpan::ofBits(s, g[4]) : BitSpan::ofBytes(s, g[3]);
+            if (other.contains(span_.first.bit())) return text(kTextInsideOtherRange);
         }
         return std::nullopt;
     }
@@ -190,13 +182,13 @@ private:
         for (int32_t i = 0; i < count_; ++i) {
             const ItemRecord& r = records_[i];
             if (r.isDbUpdate || r.page != q_.page) continue;
-            const int64_t s = startBitOf(r);
-            const int64_t l = lastBitOf(r);
-            const bool overlaps = (s >= start_ && s <= last_) || (l >= start_ && l <= last_) || (s <= start_ && l >= start_);
+            const BitSpan other = itemSpan(r);
+            const bool overlaps = span_.contains(other.first.bit()) || span_.contains(other.lastBit()) ||
+                                  (other.first <= span_.first && other.lastBit() >= span_.first.bit());
             if (!overlaps) continue;
             PlacementViolation v;
             v.overlappedIndex = i;
-            if (r.name == q_.itemName && s != start_) {
+            if (r.name == q_.itemName && other.first != span_.first) {
                 v.textId = kTextOverlapSameName;
             } else if (r.name == q_.itemName && kindMatchesMode(r, q_.mode)) {
                 v.textId = kTextOverlapSameName;  // placed again where it stood: replaced without a question
@@ -220,8 +212,7 @@ private:
     const CPage* page_;
     bool bitMode_;
     int64_t size_;
-    int64_t start_ = 0;
-    int64_t last_ = 0;
+    BitSpan span_;
 };
 
 }  // namespace

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "NumberText.h"
+#include "base/NumberText.h"
+#include "card/PageAddress.h"
 
 namespace kestrin {
 
@@ -135,8 +136,8 @@ Limits boxLimits(ValueBox box, int32_t mode, FunctionKind kind, int option, int6
 }
 
 Limits sizeBoxLimits(int32_t mode, int32_t pageSize, int16_t block, int16_t beginByte, int16_t beginBit) {
-    const int64_t roomBytes = int64_t{pageSize} - (int64_t{block} * 8 + beginByte);
-    if (mode == 2 || mode == 3) return {1, roomBytes * 8 + beginBit};
+    const int64_t roomBytes = int64_t{pageSize} - PageAddress::at(block, beginByte).byte();
+    if (mode == 2 || mode == 3) return {1, PageAddress::ofByte(roomBytes).plusBits(beginBit).bit()};
     return {1, roomBytes};
 }
 
@@ -176,7 +177,7 @@ void applyFunctionValues(const FunctionInput& in, int32_t mode, ItemRecord& reco
         // A bit checksum keeps its range in bits; the editor enters whole bytes.
         if (mode == 3)
             record.range = {in.rangePage, in.rangeRow, in.rangeBeginByte, in.rangeBeginBit,
-                            static_cast<int16_t>(std::clamp(int32_t{count} * 8, -32768, 32767))};
+                            static_cast<int16_t>(std::clamp<int64_t>(PageAddress::ofByte(count).bit(), -32768, 32767))};
         else
             record.range = {in.rangePage, in.rangeRow, in.rangeBeginByte, count, 0};
         break;
@@ -220,7 +221,7 @@ FunctionInput functionInputOf(const ItemRecord& r) {
             in.rangeCountText = std::to_string(g[3]);
         } else {
             in.rangeBeginBit = g[3];
-            in.rangeCountText = std::to_string((g[4] + 7) / 8);
+            in.rangeCountText = std::to_string(PageAddress::ofBit(g[4]).bytesReached());
         }
         break;
     }

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "editor/PlacementValidation.h"
+#include "rules/PlacementValidation.h"
 #include "items/ItemRecord.h"
 
 namespace kestrin {

@@ -3,8 +3,8 @@
 #include "FunctionProperties.h"
 #include "PlacementValidation.h"
 #include "card/CIClass.h"
-#include "card/LayoutPropertiesRules.h"
-#include "items/MultiTrackValidation.h"
+#include "rules/LayoutPropertiesRules.h"
+#include "rules/MultiTrackValidation.h"
 #include "items/RecordArray.h"
 
 namespace kestrin {

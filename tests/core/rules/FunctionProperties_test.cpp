@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "editor/FunctionProperties.h"
+#include "rules/FunctionProperties.h"
 
 using namespace kestrin;
 

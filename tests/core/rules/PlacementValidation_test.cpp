@@ -3,8 +3,8 @@
 #include <functional>
 
 #include "card/CIClass.h"
-#include "editor/NumberChecks.h"
-#include "editor/PlacementValidation.h"
+#include "rules/NumberChecks.h"
+#include "rules/PlacementValidation.h"
 #include "items/RecordArray.h"
 #include "support/Records.h"
 #include "support/TestSupport.h"

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "card/CIClass.h"
-#include "card/LayoutPropertiesRules.h"
-#include "editor/NumberChecks.h"
+#include "rules/LayoutPropertiesRules.h"
+#include "rules/NumberChecks.h"
 #include "items/RecordArray.h"
 #include "support/Records.h"
 #include "support/TestSupport.h"

@@ -2,7 +2,7 @@
 
 #include <set>
 
-#include "editor/Encodings.h"
+#include "rules/Encodings.h"
 #include "persist/HostFields.h"
 
 using namespace kestrin;

@@ -3,23 +3,24 @@
 #include <algorithm>
 #include <cmath>
 
-#include "CIClass.h"
+#include "card/CIClass.h"
+#include "card/CardGeometry.h"
 #include "base/KestrinError.h"
 #include "base/ProductInfo.h"
-#include "editor/ItemBits.h"
-#include "editor/NumberChecks.h"
-#include "editor/NumberText.h"
+#include "items/ItemSpan.h"
+#include "rules/NumberChecks.h"
+#include "base/NumberText.h"
 #include "items/RecordArray.h"
-#include "text/Prompter.h"
+#include "base/Prompter.h"
 #include "text/Translator.h"
 
 namespace kestrin {
 
 namespace {
-constexpr int64_t kHidEndBit = 19 * kBitsPerBlock;
+const PageAddress kHidEnd = PageAddress::ofBlock(kFreeSpaceWithHid);
 
-int64_t boundaryBit(const std::string& text) {
-    return wholeNumberOf(text) * kBitsPerBlock;
+PageAddress boundaryPlace(const std::string& text) {
+    return PageAddress::ofBlock(wholeNumberOf(text));
 }
 }  // namespace
 
@@ -33,11 +34,11 @@ LayoutPropertiesCheck checkLayoutProperties(const BoundaryTexts& boundaries, boo
                                             const RecordArray& records, const Translator& tr) {
     LayoutPropertiesCheck out;
     for (int32_t n = 1; n <= 7; ++n) {
-        const int64_t b = boundaryBit(boundaries[static_cast<size_t>(n - 1)]);
+        const PageAddress b = boundaryPlace(boundaries[static_cast<size_t>(n - 1)]);
         for (int32_t i = 0; i < records.size(); ++i) {
             const ItemRecord& r = records[i];
             if (r.isDbUpdate || r.page != n) continue;
-            if (startBitOf(r) < b && lastBitOf(r) >= b) {
+            if (itemSpan(r).crosses(b)) {
                 out.cutBoxes[static_cast<size_t>(n - 1)] = true;
                 out.boundaryFailed = true;
                 out.cutItems.push_back(i);
@@ -51,7 +52,7 @@ LayoutPropertiesCheck checkLayoutProperties(const BoundaryTexts& boundaries, boo
     if (hidChecked) {
         for (int32_t i = 0; i < records.size(); ++i) {
             const ItemRecord& r = records[i];
-            if (!r.isDbUpdate && r.page == 0 && startBitOf(r) < kHidEndBit) out.hidItems.push_back(i);
+            if (!r.isDbUpdate && r.page == 0 && itemSpan(r).first < kHidEnd) out.hidItems.push_back(i);
         }
         out.hidFailed = !out.hidItems.empty();
         if (out.hidFailed)

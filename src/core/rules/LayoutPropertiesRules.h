@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "IClassType.h"
+#include "card/IClassType.h"
 
 namespace kestrin {
 

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 
-#include "RecordArray.h"
+#include "items/RecordArray.h"
 #include "base/ProductInfo.h"
 #include "card/CIClass.h"
-#include "editor/ItemBits.h"
-#include "editor/NumberText.h"
-#include "text/Prompter.h"
+#include "items/ItemSpan.h"
+#include "base/NumberText.h"
+#include "base/Prompter.h"
 #include "text/Translator.h"
 
 namespace kestrin {
@@ -23,19 +23,17 @@ std::optional<PlacementViolation> multiTrackViolation(const MultiTrackRequest& q
     if (q.fieldName.empty() || bytes < 1 || page == nullptr || q.row < 0 || q.beginByte < 0 || q.beginBit < 0)
         return text(kTextIncomplete, "<Please choose a field, its place and its size.>");
 
-    const int64_t start = bitAddress(q.row, q.beginByte, q.beginBit);
-    const int64_t last = start + bytes * 8 - 1;
-    if (last + 1 > int64_t{page->PageSize} * 8) return text(kTextSegmentFit, "<Your data does not fit into this segment!>");
-    if (start < int64_t{page->BeginFreeSpace} * kBitsPerBlock)
+    const BitSpan item = BitSpan::ofBytes(PageAddress::at(q.row, q.beginByte, q.beginBit), bytes);
+    if (item.end() > PageAddress::ofByte(page->PageSize)) return text(kTextSegmentFit, "<Your data does not fit into this segment!>");
+    if (item.first < PageAddress::ofBlock(page->BeginFreeSpace))
         return text(kTextStartInHeader, "Item cannot start in Header or HID section.");
     if (card.ChipSize() == iBigEightPages) {
-        const int64_t b = int64_t{page->Boundary} * kBitsPerBlock;
-        if (start < b && last >= b) return text(kTextBoundary, "<Your item should not overlap an application boundary!>");
+        if (item.crosses(PageAddress::ofBlock(page->Boundary))) return text(kTextBoundary, "<Your item should not overlap an application boundary!>");
     }
     const int32_t count = recordCount < 0 ? records.size() : std::min(recordCount, records.size());
     for (int32_t i = 0; i < count; ++i) {
         const ItemRecord& r = records[i];
-        if (r.isDbUpdate || r.page != q.page || !bitRangesOverlap(start, last, startBitOf(r), lastBitOf(r))) continue;
+        if (r.isDbUpdate || r.page != q.page || !item.overlaps(itemSpan(r))) continue;
         PlacementViolation v = text(r.name == q.fieldName ? kTextOverlapSameName : kTextOverlapOther);
         v.message += ": " + r.name + ".";
         v.overlappedIndex = i;

@@ -1,8 +1,8 @@
 #include "NumberChecks.h"
 
-#include "NumberText.h"
+#include "base/NumberText.h"
 #include "base/ProductInfo.h"
-#include "text/Prompter.h"
+#include "base/Prompter.h"
 #include "text/Translator.h"
 
 namespace kestrin {

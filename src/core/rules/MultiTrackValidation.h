@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "editor/PlacementValidation.h"
+#include "rules/PlacementValidation.h"
 
 namespace kestrin {
 

@@ -4,11 +4,11 @@
 #include <vector>
 
 #include "card/CIClass.h"
-#include "card/LayoutPropertiesRules.h"
-#include "editor/LayoutAudit.h"
-#include "editor/NumberChecks.h"
-#include "editor/PlacementValidation.h"
-#include "items/MultiTrackValidation.h"
+#include "rules/LayoutPropertiesRules.h"
+#include "rules/LayoutAudit.h"
+#include "rules/NumberChecks.h"
+#include "rules/PlacementValidation.h"
+#include "rules/MultiTrackValidation.h"
 #include "items/RecordArray.h"
 #include "support/Records.h"
 #include "text/Translator.h"

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <optional>
 
-#include "NumberText.h"
+#include "base/NumberText.h"
 #include "items/ItemRecord.h"
 
 namespace kestrin {

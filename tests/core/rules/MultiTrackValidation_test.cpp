@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "card/CIClass.h"
-#include "items/MultiTrackValidation.h"
+#include "rules/MultiTrackValidation.h"
 #include "items/RecordArray.h"
 #include "support/Records.h"
 #include "support/TestSupport.h"

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "editor/NumberChecks.h"
+#include "rules/NumberChecks.h"
 #include "support/TestSupport.h"
 #include "text/Translator.h"
 
