@@ -4,8 +4,7 @@
 #include <string>
 #include <system_error>
 
-#include "persist/LayoutReader.h"
-#include "persist/LayoutSaver.h"
+#include "document/LayoutDocument.h"
 
 namespace kestrin::bench {
 
@@ -21,11 +20,19 @@ bool skipUnless(benchmark::State& state, const std::string& problem) {
     return false;
 }
 
-std::string saveOnce(const fs::path& file, const BenchLayout& layout) {
+// A document holding the benchmark's layout, as the control holds it after building it.
+struct Document {
+    explicit Document(const BenchLayout& layout) {
+        doc.fields() = layout.fields;
+        doc.setLayout(layout.card, layout.records);
+    }
     SilentPrompter prompter;
-    const Translator translator;
-    const SaveOutcome out = saveLayout(file, &layout.card, layout.records, layout.fields, prompter, translator);
-    return out.saved ? std::string{} : "save failed: " + out.message;
+    LayoutDocument doc{prompter};
+};
+
+std::string saveOnce(const fs::path& file, const BenchLayout& layout) {
+    Document d(layout);
+    return d.doc.saveTo(file) ? std::string{} : "save failed: " + d.doc.lastSave().message;
 }
 
 }  // namespace
@@ -40,12 +47,10 @@ void runSaveBenchmark(benchmark::State& state, const BenchLayout& layout) {
     const fs::path file = folder.path() / kLayoutFileName;
     if (!skipUnless(state, saveOnce(file, layout))) return;
 
-    SilentPrompter prompter;
-    const Translator translator;
+    Document d(layout);
     for (auto _ : state) {
-        const SaveOutcome out = saveLayout(file, &layout.card, layout.records, layout.fields, prompter, translator);
-        if (!out.saved) {
-            state.SkipWithError(("save failed: " + out.message).c_str());
+        if (!d.doc.saveTo(file)) {
+            state.SkipWithError(("save failed: " + d.doc.lastSave().message).c_str());
             break;
         }
     }
@@ -64,23 +69,23 @@ void runOpenBenchmark(benchmark::State& state, const BenchLayout& layout) {
     if (!skipUnless(state, checkSavedFiles(file, layout, false))) return;
 
     SilentPrompter prompter;
-    CIClass card;
-    RecordArray records;
+    LayoutDocument doc(prompter);
+    doc.fields() = layout.fields;
     LayoutReadResult result;
     for (auto _ : state) {
-        result = readLayout(file, card, records, prompter, &layout.fields);
-        if (!result.opened || records.size() != layout.records.size()) {
+        result = doc.open(file);
+        if (!result.opened || doc.records().size() != layout.records.size()) {
             state.SkipWithError(("open failed or lost items: " + result.message).c_str());
             break;
         }
-        benchmark::DoNotOptimize(records);
+        benchmark::DoNotOptimize(doc.records());
     }
     if (state.error_occurred()) return;
 
     // The last timed open must have produced exactly the saved layout.
     if (!result.warnings.empty()) return (void)skipUnless(state, "open warned: " + result.warnings.front());
-    if (!skipUnless(state, compareCards(layout.card, card))) return;
-    if (!skipUnless(state, compareRecords(layout.records, records))) return;
+    if (!skipUnless(state, compareCards(layout.card, *doc.card()))) return;
+    if (!skipUnless(state, compareRecords(layout.records, doc.records()))) return;
     reportItems(state, layout);
 }
 

@@ -20,11 +20,10 @@ std::string oneLine(const std::string& text) {
 }  // namespace
 
 int runCheck(const CliOptions& o, std::ostream& out, std::ostream& err) {
-    LayoutSession session;
+    LayoutSession session(o, err);
     if (!session.setUp(o, err)) return kExitRefused;
-    CliPrompter prompter(err, o.yes);
-    if (!session.open(o.arguments.front(), prompter, err)) return kExitRefused;
-    const auto violations = auditLayout(session.card, session.records, session.translator);
+    if (!session.open(o.arguments.front(), err)) return kExitRefused;
+    const auto violations = auditLayout(*session.doc.card(), session.doc.records(), session.doc.translator());
     if (o.json) {
         out << "{\"violations\": [";
         for (size_t i = 0; i < violations.size(); ++i) {

@@ -18,14 +18,14 @@ std::vector<int32_t> boundariesOf(const CIClass& card) {
 }
 
 void printJson(const LayoutSession& s, std::ostream& out) {
-    out << "{\n  \"chip\": " << jsonString(chipTypeName(s.card.ChipSize())) << ",\n";
-    out << "  \"useHID\": " << (s.card.UseHIDSection() ? "true" : "false") << ",\n";
-    out << "  \"useBit\": " << (s.card.EnableBitwise() ? "true" : "false") << ",\n";
+    out << "{\n  \"chip\": " << jsonString(chipTypeName(s.doc.card()->ChipSize())) << ",\n";
+    out << "  \"useHID\": " << (s.doc.card()->UseHIDSection() ? "true" : "false") << ",\n";
+    out << "  \"useBit\": " << (s.doc.card()->EnableBitwise() ? "true" : "false") << ",\n";
     out << "  \"boundaries\": [";
-    const auto bounds = boundariesOf(s.card);
+    const auto bounds = boundariesOf(*s.doc.card());
     for (size_t i = 0; i < bounds.size(); ++i) out << (i ? ", " : "") << bounds[i];
     out << "],\n  \"items\": [";
-    const auto rows = itemRows(s.records);
+    const auto rows = itemRows(s.doc.records());
     for (size_t i = 0; i < rows.size(); ++i) {
         const ItemRow& r = rows[i];
         out << (i ? ",\n" : "\n") << "    {\"name\": " << jsonString(r.name) << ", \"kind\": " << jsonString(r.kind)
@@ -34,7 +34,7 @@ void printJson(const LayoutSession& s, std::ostream& out) {
             << ", \"bits\": " << jsonNumber(r.bits) << "}";
     }
     out << (rows.empty() ? "" : "\n  ") << "],\n  \"dbUpdates\": [";
-    const auto updates = dbUpdateRows(s.records, s.translator);
+    const auto updates = dbUpdateRows(s.doc.records(), s.doc.translator());
     for (size_t i = 0; i < updates.size(); ++i)
         out << (i ? ",\n" : "\n") << "    {\"field\": " << jsonString(updates[i].field)
             << ", \"function\": " << jsonString(updates[i].function)
@@ -50,7 +50,7 @@ std::string cell(const std::optional<T>& v) {
 }
 
 void printText(const LayoutSession& s, std::ostream& out) {
-    const CIClass& card = s.card;
+    const CIClass& card = *s.doc.card();
     out << "Chip: " << chipTypeName(card.ChipSize()) << " (" << sizeTextOf(card.ChipSize()) << ", "
         << card.PagesCount() << (card.PagesCount() == 1 ? " page" : " pages") << ")\n";
     out << "HID section: " << (card.UseHIDSection() ? "on" : "off") << "\n";
@@ -60,18 +60,18 @@ void printText(const LayoutSession& s, std::ostream& out) {
         for (int32_t b : boundariesOf(card)) out << ' ' << b;
         out << '\n';
     }
-    const auto rows = itemRows(s.records);
+    const auto rows = itemRows(s.doc.records());
     out << "\nItems: " << rows.size() << '\n';
     const auto& headers = itemGridHeaders();
-    for (size_t c = 1; c < headers.size(); ++c) out << (c > 1 ? " | " : "") << headerText(headers[c], s.translator);
+    for (size_t c = 1; c < headers.size(); ++c) out << (c > 1 ? " | " : "") << headerText(headers[c], s.doc.translator());
     out << '\n';
     for (const ItemRow& r : rows)
         out << r.name << " | " << r.kind << " | " << r.page << " | " << r.block << " | " << r.beginByte << " | "
             << cell(r.bytes) << " | " << cell(r.beginBit) << " | " << cell(r.bits) << '\n';
-    const auto updates = dbUpdateRows(s.records, s.translator);
+    const auto updates = dbUpdateRows(s.doc.records(), s.doc.translator());
     out << "\nDatabase updates: " << updates.size() << '\n';
     const auto& dbHeaders = dbUpdateGridHeaders();
-    for (size_t c = 1; c < dbHeaders.size(); ++c) out << (c > 1 ? " | " : "") << headerText(dbHeaders[c], s.translator);
+    for (size_t c = 1; c < dbHeaders.size(); ++c) out << (c > 1 ? " | " : "") << headerText(dbHeaders[c], s.doc.translator());
     out << '\n';
     for (const DbUpdateRow& u : updates) out << u.field << " | " << u.function << " | " << u.summary << '\n';
 }
@@ -79,10 +79,9 @@ void printText(const LayoutSession& s, std::ostream& out) {
 }  // namespace
 
 int runInfo(const CliOptions& o, std::ostream& out, std::ostream& err) {
-    LayoutSession session;
+    LayoutSession session(o, err);
     if (!session.setUp(o, err)) return kExitRefused;
-    CliPrompter prompter(err, o.yes);
-    if (!session.open(o.arguments.front(), prompter, err)) return kExitRefused;
+    if (!session.open(o.arguments.front(), err)) return kExitRefused;
     if (o.json)
         printJson(session, out);
     else

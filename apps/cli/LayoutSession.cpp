@@ -15,22 +15,22 @@ bool LayoutSession::setUp(const CliOptions& o, std::ostream& err) {
             err << "kestrin: language library " << file << ": " << error << '\n';
             return false;
         }
-        (translator.*set)(handle);
+        (doc.translator().*set)(handle);
         return true;
     };
     if (!load(o.lang, &Translator::setLanguageDLL) || !load(o.customLang, &Translator::setCustomLanguageDLL))
         return false;
     if (!o.project.empty()) {
         std::vector<std::string> warnings;
-        fields.fetch(o.project, &warnings);
+        doc.fields().fetch(o.project, &warnings);
         for (const auto& w : warnings) err << "warning: " << w << '\n';
     }
     return true;
 }
 
-bool LayoutSession::open(const std::string& file, Prompter& prompter, std::ostream& err) {
+bool LayoutSession::open(const std::string& file, std::ostream& err) {
     try {
-        read = readLayout(file, card, records, prompter, &fields);
+        read = doc.open(file);
     } catch (const KestrinError& e) {
         err << "kestrin: " << e.source() << ": " << e.description() << '\n';
         return false;

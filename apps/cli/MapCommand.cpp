@@ -39,14 +39,13 @@ int runMap(const CliOptions& o, std::ostream& out, std::ostream& err) {
     char* argv[] = {name, nullptr};
     QApplication app(argc, argv);
 
-    LayoutSession session;
+    LayoutSession session(o, err);
     if (!session.setUp(o, err)) return kExitRefused;
-    CliPrompter prompter(err, o.yes);
     const std::string& layout = o.arguments.front();
-    if (!session.open(layout, prompter, err)) return kExitRefused;
+    if (!session.open(layout, err)) return kExitRefused;
 
     GivenFile pdf(QString::fromStdString(o.pdf));
-    frmPreview preview(session.card, session.records, session.translator,
+    frmPreview preview(*session.doc.card(), session.doc.records(), session.doc.translator(),
                        QString::fromStdString(std::filesystem::absolute(layout).string()), PrintServices{nullptr, &pdf});
     preview.adjustSize();
     if (!o.pdf.empty()) {

@@ -9,13 +9,9 @@
 #include <QToolBar>
 
 #include "editor/frmEditiClass.h"
-#include "items/DialogContext.h"
-#include "items/EditorRecord.h"
 #include "items/GridRows.h"
 #include "items/frmDBUpdate.h"
 #include "items/frmMultiTrack.h"
-#include "persist/LayoutReader.h"
-#include "persist/LayoutSaver.h"
 #include "preview/frmPreview.h"
 
 namespace kestrin {
@@ -23,9 +19,12 @@ namespace kestrin {
 HarnessWindow::HarnessWindow(const QString& layout, const QString& project, const QString& language)
     : layout_(layout) {
     setWindowTitle("Kestrin dialog harness - " + layout);
-    if (!language.isEmpty()) translator_.setLanguageDLL(registry_.open(language.toStdString()));
-    if (!project.isEmpty()) fields_.fetch(project.toStdString());
-    if (!layout.isEmpty()) readLayout(layout.toStdString(), card_, records_, prompter_, &fields_);
+    if (!language.isEmpty()) doc_.translator().setLanguageDLL(registry_.open(language.toStdString()));
+    if (!project.isEmpty()) doc_.fetchFields(project.toStdString());
+    if (layout.isEmpty())
+        doc_.newLayout();
+    else
+        doc_.open(layout.toStdString());
 
     auto* tools = addToolBar("Dialogs");
     tools->addAction("Add Field", this, [this] { addItem(0); });
@@ -47,35 +46,31 @@ HarnessWindow::HarnessWindow(const QString& layout, const QString& project, cons
 }
 
 void HarnessWindow::addItem(int mode) {
-    frmEditiClass dialog(context(), mode, EditorRecord{},
-                         this);
+    frmEditiClass dialog(doc_, mode, -1, this);
     dialog.exec();
     refresh();
 }
 
 void HarnessWindow::addMultiTrack() {
-    frmMultiTrack dialog(context(), EditorRecord{}, this);
+    frmMultiTrack dialog(doc_, -1, this);
     dialog.exec();
     refresh();
 }
 
 void HarnessWindow::addDatabaseUpdate() {
-    frmDBUpdate dialog(context(), -1, this);
+    frmDBUpdate dialog(doc_, -1, this);
     dialog.exec();
     refresh();
 }
 
 void HarnessWindow::preview() {
-    frmPreview dialog(card_, records_, translator_, layout_, PrintServices{&printSetup_, &fileChooser_}, this);
+    frmPreview dialog(*doc_.card(), doc_.records(), doc_.translator(), layout_,
+                      PrintServices{&printSetup_, &fileChooser_}, this);
     dialog.exec();
 }
 
 void HarnessWindow::save() {
-    if (!layout_.isEmpty()) saveLayout(layout_.toStdString(), &card_, records_, fields_, prompter_, translator_);
-}
-
-DialogContext HarnessWindow::context() {
-    return DialogContext{&card_, &records_, &fields_, &translator_, &prompter_};
+    doc_.save();
 }
 
 namespace {
@@ -100,19 +95,20 @@ void HarnessWindow::saveScreenshots(const QString& folder) {
     QDir().mkpath(folder);
     const QDir dir(folder);
     for (int mode = 0; mode < 4; ++mode) {
-        frmEditiClass editor(context(), mode, EditorRecord{}, this);
+        frmEditiClass editor(doc_, mode, -1, this);
         screenshot(editor, dir.filePath(QString("frmEditiClass-mode%1.png").arg(mode)));
     }
-    frmMultiTrack multiTrack(context(), EditorRecord{}, this);
+    frmMultiTrack multiTrack(doc_, -1, this);
     screenshot(multiTrack, dir.filePath("frmMultiTrack.png"));
-    frmDBUpdate update(context(), -1, this);
+    frmDBUpdate update(doc_, -1, this);
     screenshot(update, dir.filePath("frmDBUpdate.png"));
-    frmPreview map(card_, records_, translator_, layout_, PrintServices{&printSetup_, &fileChooser_}, this);
+    frmPreview map(*doc_.card(), doc_.records(), doc_.translator(), layout_,
+                   PrintServices{&printSetup_, &fileChooser_}, this);
     screenshot(map, dir.filePath("frmPreview.png"));
 }
 
 void HarnessWindow::refresh() {
-    const auto rows = itemRows(records_);
+    const auto rows = itemRows(doc_.records());
     table_->setRowCount(static_cast<int>(rows.size()));
     auto cell = [](const std::optional<int16_t>& v) { return v ? QString::number(*v) : QString(); };
     for (int r = 0; r < static_cast<int>(rows.size()); ++r) {

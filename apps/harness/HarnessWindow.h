@@ -2,14 +2,10 @@
 #include <QMainWindow>
 #include <memory>
 
-#include "card/CIClass.h"
 #include "control/MessageBoxPrompter.h"
-#include "items/DialogContext.h"
-#include "items/RecordArray.h"
-#include "persist/HostFields.h"
+#include "document/LayoutDocument.h"
 #include "preview/DialogPrintServices.h"
 #include "text/CatalogRegistry.h"
-#include "text/Translator.h"
 
 class QTableWidget;
 
@@ -31,15 +27,11 @@ private:
     void preview();
     void save();
     void refresh();
-    DialogContext context();
 
     QString layout_;
     CatalogRegistry registry_;
-    Translator translator_{&registry_};
-    HostFieldList fields_;
-    CIClass card_;
-    RecordArray records_;
     MessageBoxPrompter prompter_{this};
+    LayoutDocument doc_{prompter_, &registry_};
     DialogPrintSetup printSetup_;
     DialogFileChooser fileChooser_;
     QTableWidget* table_ = nullptr;

@@ -5,15 +5,10 @@
 // saved file is a fixed point.
 #include <algorithm>
 #include "FuzzSupport.h"
-#include "card/CIClass.h"
-#include "rules/LayoutAudit.h"
-#include "items/RecordArray.h"
+#include "document/LayoutDocument.h"
 #include "persist/ChipEncodeFile.h"
-#include "persist/HostFields.h"
-#include "persist/LayoutReader.h"
-#include "persist/LayoutRenderer.h"
 #include "persist/StorableText.h"
-#include "text/Translator.h"
+#include "rules/LayoutAudit.h"
 
 using namespace kestrin;
 
@@ -76,35 +71,35 @@ std::string describe(const RecordArray& records) {
 
 }  // namespace
 
+// A layout document over the project's fields, answering questions as told.
+struct Opened {
+    explicit Opened(Answer answer) : prompter(answer) { doc.fields() = projectFields(); }
+    fuzz::SilentPrompter prompter;
+    LayoutDocument doc{prompter};
+};
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string_view bytes = fuzz::bytesOf(data, size);
     // The first byte decides the answer to the later-version question, so both paths run.
-    fuzz::SilentPrompter prompter(size > 0 && (data[0] & 1) ? Answer::No : Answer::Yes);
-    CIClass card;
-    RecordArray records;
-    const LayoutReadResult opened = readLayoutBytes(bytes, card, records, prompter, &projectFields());
-    if (!opened.opened) return 0;
+    Opened first(size > 0 && (data[0] & 1) ? Answer::No : Answer::Yes);
+    if (!first.doc.openBytes(bytes).opened) return 0;
+    const RecordArray& records = first.doc.records();
 
-    static const Translator translator;
-    (void)auditLayout(card, records, translator);
+    (void)auditLayout(*first.doc.card(), records, first.doc.translator());
     // A name or value that a layout file cannot hold makes the save refuse with a message.
     if (unstorableItem(records)) return 0;
-    const RenderedLayout first = renderLayoutFile(card, records, projectFields());
-    (void)renderChipEncodeFile(first.usedFieldList, first.bigItemNumbers, projectFields());
+    const RenderedLayout saved = first.doc.renderFile();
+    (void)renderChipEncodeFile(saved.usedFieldList, saved.bigItemNumbers, projectFields());
 
-    CIClass again;
-    RecordArray againRecords;
-    fuzz::SilentPrompter yes(Answer::Yes);
-    if (!readLayoutBytes(first.bytes, again, againRecords, yes, &projectFields()).opened)
-        fuzz::fail("a saved layout does not open", first.bytes, {});
-    if (!sameItems(records, againRecords))
-        fuzz::fail("a saved layout opens with other items", describe(records), describe(againRecords));
-    const RenderedLayout second = renderLayoutFile(again, againRecords, projectFields());
+    Opened again(Answer::Yes);
+    if (!again.doc.openBytes(saved.bytes).opened) fuzz::fail("a saved layout does not open", saved.bytes, {});
+    if (!sameItems(records, again.doc.records()))
+        fuzz::fail("a saved layout opens with other items", describe(records), describe(again.doc.records()));
+    const RenderedLayout second = again.doc.renderFile();
 
-    CIClass third;
-    RecordArray thirdRecords;
-    (void)readLayoutBytes(second.bytes, third, thirdRecords, yes, &projectFields());
-    const RenderedLayout fixed = renderLayoutFile(third, thirdRecords, projectFields());
+    Opened third(Answer::Yes);
+    (void)third.doc.openBytes(second.bytes);
+    const RenderedLayout fixed = third.doc.renderFile();
     if (fixed.bytes != second.bytes) fuzz::fail("a saved layout is not a fixed point", second.bytes, fixed.bytes);
     return 0;
 }

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "control/DbUpdateGridModel.h"
+#include <QTableView>
 #include "control/IClass.h"
 
 using namespace kestrin;
@@ -11,9 +11,9 @@ TEST(IClassFields, FetchingFieldsNamesTheDatabaseUpdatesOfAnOpenLayout) {
     IClass control;
     control.setProperty("ProjectFile", QString(KESTRIN_WIDGET_EXAMPLES "/project/Sample.ini"));
     ASSERT_TRUE(control.OpenLayout(KESTRIN_WIDGET_EXAMPLES "/layouts/Visitors16K.IIF"));
-    EXPECT_EQ(control.dbUpdateModel()->cellText(0, DbUpdateGridModel::ColField), "");
+    EXPECT_EQ(control.dbUpdateGrid()->model()->index(0, 1).data().toString(), "");
     EXPECT_TRUE(control.FetchDBFields());
-    EXPECT_EQ(control.dbUpdateModel()->cellText(0, DbUpdateGridModel::ColField), "ACCESSLEVEL");
-    EXPECT_EQ(control.dbUpdateModel()->cellText(1, DbUpdateGridModel::ColField), "ENCODECOUNT");
+    EXPECT_EQ(control.dbUpdateGrid()->model()->index(0, 1).data().toString(), "ACCESSLEVEL");
+    EXPECT_EQ(control.dbUpdateGrid()->model()->index(1, 1).data().toString(), "ENCODECOUNT");
     EXPECT_TRUE(control.property("Saved").toBool());
 }

@@ -1,6 +1,7 @@
 // The control's host interface: its members in order, its stored properties, the surface
 // with the two grids, the events of a refresh, the bridge and the fixed messages.
 #include "IClass_test.h"
+#include "items/GridRows.h"
 
 #include <QApplication>
 #include <QHeaderView>
@@ -125,9 +126,9 @@ TEST(IClassState, ANewControlHoldsEmptyValuesAndTheItemGridIsSelected) {
     EXPECT_EQ(control.property("LanguageDLL").toInt(), 0);
     EXPECT_EQ(control.property("CustomLanguageDLL").toInt(), 0);
     EXPECT_EQ(control.property("SelectedGrid").toString(), "FieldsFunctions");
-    EXPECT_EQ(control.card(), nullptr);
-    EXPECT_EQ(control.records().highestIndex(), -1);
-    EXPECT_EQ(control.hostFields().highestIndex(), -1);
+    EXPECT_EQ(control.document().card(), nullptr);
+    EXPECT_EQ(control.document().records().highestIndex(), -1);
+    EXPECT_EQ(control.document().fields().highestIndex(), -1);
 }
 
 TEST(IClassState, StoredPropertiesReturnWhatWasWrittenAndRaiseNothing) {
@@ -151,9 +152,9 @@ TEST(IClassState, UseBitAndUseHIDGoIntoTheCard) {
     host.call("NewLayout", false);
     host.set("UseBit", true);
     host.set("UseHID", true);
-    ASSERT_NE(host.control.card(), nullptr);
-    EXPECT_TRUE(host.control.card()->EnableBitwise());
-    EXPECT_TRUE(host.control.card()->UseHIDSection());
+    ASSERT_NE(host.control.document().card(), nullptr);
+    EXPECT_TRUE(host.control.document().card()->EnableBitwise());
+    EXPECT_TRUE(host.control.document().card()->UseHIDSection());
 }
 
 TEST(IClassState, TheDecimalSeparatorComesFromTheLocale) {
@@ -208,7 +209,7 @@ TEST(IClassSurface, ColumnWidthsComeFromTheTwipWidthsAndLanguageChangesTheHeader
     QTableView* items = host.grid("grdItems");
     const int dpi = host.control.logicalDpiX();
     for (int c = 0; c < items->model()->columnCount(); ++c)
-        EXPECT_EQ(items->columnWidth(c), host.control.itemModel()->columnWidthPixels(c, dpi)) << c;
+        EXPECT_EQ(items->columnWidth(c), itemGridHeaders()[static_cast<size_t>(c)].widthTwips * dpi / 1440) << c;
     EXPECT_EQ(items->model()->headerData(2, Qt::Horizontal).toString(), "<Field Type>");
 
     writeBytes(host.dir / "more.txt", "3118=Type of field\n");
@@ -248,7 +249,7 @@ TEST(IClassEvents, EveryRefreshRaisesChangedThenGenericEventAndClearsSaved) {
     EXPECT_EQ(generic[0][0].toString(), "Hallo");
     EXPECT_EQ(generic[0][1].toString(), "xyz");
     EXPECT_FALSE(host.get("Saved").toBool());
-    EXPECT_TRUE(host.control.changedFlag());
+    EXPECT_TRUE(host.control.document().changed());
 }
 
 struct BridgeCase {

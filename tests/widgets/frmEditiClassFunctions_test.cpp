@@ -42,8 +42,8 @@ TEST_P(EditiClassFunctions, TheFunctionIsWrittenWithItsValues) {
               !fixedSize(static_cast<FunctionKind>(c.function), option, c.mode).has_value());
     ed.click("cmdApply");
     for (const auto& m : ed.prompter.messages) ADD_FAILURE() << m.text;
-    ASSERT_EQ(ed.records.size(), 1);
-    const ItemRecord& r = ed.records[0];
+    ASSERT_EQ(ed.records().size(), 1);
+    const ItemRecord& r = ed.records()[0];
     EXPECT_EQ(r.name, functionWord(static_cast<FunctionKind>(c.function)));
     EXPECT_EQ(kindWord(r), c.mode == kModeFunction ? kKindFunction : kKindBitFunction);
     EXPECT_EQ(r.block, c.block);
@@ -151,7 +151,7 @@ TEST_P(EditiClassRefusedValues, ApplyRefusesWithTheMessageAndFocusesTheBox) {
     for (const auto& [box, typed] : c.boxes) ed.type(box, typed);
     ed.choose("cboRow", "25");
     ed.click("cmdApply");
-    EXPECT_EQ(ed.records.size(), 0);
+    EXPECT_EQ(ed.records().size(), 0);
     ASSERT_EQ(ed.prompter.messages.size(), 1u);
     EXPECT_NE(ed.prompter.messages[0].text.find(c.expectedIn), std::string::npos) << ed.prompter.messages[0].text;
     EXPECT_EQ(form.focusWidget(), ed.child<QLineEdit>(c.focus));
@@ -189,9 +189,9 @@ TEST(EditiClassFunctionBoxes, EditingAChecksumPresetsItsValuesAndReplacesIt) {
     ed.type("txtStartValue", "9");
     ed.click("cmdApply");
     for (const auto& m : ed.prompter.messages) ADD_FAILURE() << m.text;
-    ASSERT_EQ(ed.records.size(), 1);
-    EXPECT_EQ(functionInputOf(ed.records[0]).startValueText, "9");
-    EXPECT_EQ(ed.records[0].color, 0x00909090);
+    ASSERT_EQ(ed.records().size(), 1);
+    EXPECT_EQ(functionInputOf(ed.records()[0]).startValueText, "9");
+    EXPECT_EQ(ed.records()[0].color, 0x00909090);
 }
 
 }  // namespace

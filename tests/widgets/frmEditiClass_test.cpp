@@ -32,8 +32,8 @@ TEST(EditiClassFields, AddsAFieldWithItsPositionCodeAndALightColour) {
     ed.place(20, 2, "4");
     ASSERT_TRUE(ed.applyEnabled());
     ed.click("cmdApply");
-    ASSERT_EQ(ed.records.size(), 1);
-    const ItemRecord& r = ed.records[0];
+    ASSERT_EQ(ed.records().size(), 1);
+    const ItemRecord& r = ed.records()[0];
     EXPECT_EQ(r.name, "NAME");
     EXPECT_EQ(kindWord(r), kKindField);
     EXPECT_EQ(r.page, 0);
@@ -68,8 +68,8 @@ TEST_P(EditiClassEncodings, TheChosenOptionAndFormatGiveTheStoredCode) {
     if (c.format) ed.choose("cboFormat", c.format);
     ed.place(21, 0, "8");
     ed.click("cmdApply");
-    ASSERT_EQ(ed.records.size(), 1);
-    EXPECT_EQ(ed.records[0].encodingCode, c.code);
+    ASSERT_EQ(ed.records().size(), 1);
+    EXPECT_EQ(ed.records()[0].encodingCode, c.code);
 }
 
 INSTANTIATE_TEST_SUITE_P(Codes, EditiClassEncodings,
@@ -87,10 +87,10 @@ TEST(EditiClassFields, TwoChosenRowsMakeACombinedField) {
     EXPECT_TRUE(ed.child<QRadioButton>("optEncode(2)")->isVisible());
     ed.place(22, 0, "12");
     ed.click("cmdApply");
-    ASSERT_EQ(ed.records.size(), 1);
-    EXPECT_EQ(ed.records[0].name, "BIRTH [+] NAME");
-    EXPECT_EQ(ed.records[0].fieldType, kFieldTypeDate);
-    EXPECT_TRUE(isCombinedField(ed.records[0]));
+    ASSERT_EQ(ed.records().size(), 1);
+    EXPECT_EQ(ed.records()[0].name, "BIRTH [+] NAME");
+    EXPECT_EQ(ed.records()[0].fieldType, kFieldTypeDate);
+    EXPECT_TRUE(isCombinedField(ed.records()[0]));
 }
 
 TEST(EditiClassFields, AFieldBeyondThePageIsRefusedAndNothingIsWritten) {
@@ -99,9 +99,9 @@ TEST(EditiClassFields, AFieldBeyondThePageIsRefusedAndNothingIsWritten) {
     ed.clickField(0);
     ed.place(31, 1, "8");
     ed.click("cmdApply");
-    EXPECT_EQ(ed.records.size(), 0);
+    EXPECT_EQ(ed.records().size(), 0);
     ASSERT_EQ(ed.prompter.messages.size(), 1u);
-    EXPECT_EQ(ed.prompter.messages[0].text, "<Your data does not fit into this Page!>");
+    EXPECT_EQ(ed.prompter.messages[0].text, "T4600");
     EXPECT_TRUE(ed.applyEnabled());
 }
 
@@ -148,8 +148,8 @@ TEST_P(EditiClassOverlap, TheQuestionDecidesWhetherTheOldItemIsReplaced) {
     ASSERT_EQ(ed.prompter.messages.size(), 1u);
     EXPECT_TRUE(ed.prompter.messages[0].question);
     EXPECT_EQ(ed.prompter.messages[0].buttons, Buttons::OkCancel);
-    ASSERT_EQ(ed.records.size(), 1);
-    EXPECT_EQ(ed.records[0].name, GetParam().remaining);
+    ASSERT_EQ(ed.records().size(), 1);
+    EXPECT_EQ(ed.records()[0].name, GetParam().remaining);
 }
 
 INSTANTIATE_TEST_SUITE_P(Answers, EditiClassOverlap,
@@ -168,10 +168,10 @@ TEST(EditiClassFields, ApplyNewApplyWritesTwoItems) {
     EXPECT_EQ(ed.text("txtSelectedField"), "NUMBER");
     ed.place(21, 0, "6");
     ed.click("cmdApply");
-    ASSERT_EQ(ed.records.size(), 2);
-    EXPECT_EQ(ed.records[0].name, "NAME");
-    EXPECT_EQ(ed.records[1].name, "NUMBER");
-    EXPECT_EQ(ed.records[1].block, 21);
+    ASSERT_EQ(ed.records().size(), 2);
+    EXPECT_EQ(ed.records()[0].name, "NAME");
+    EXPECT_EQ(ed.records()[1].name, "NUMBER");
+    EXPECT_EQ(ed.records()[1].block, 21);
     EXPECT_EQ(form.appliedCount(), 2);
 }
 
@@ -183,7 +183,7 @@ TEST(EditiClassFields, OkWithNothingChangedClosesWithoutValidating) {
     EXPECT_EQ(form.result(), QDialog::Accepted);
     EXPECT_FALSE(form.isVisible());
     EXPECT_TRUE(ed.prompter.messages.empty());
-    EXPECT_EQ(ed.records.size(), 0);
+    EXPECT_EQ(ed.records().size(), 0);
 }
 
 TEST(EditiClassFields, OkAppliesPendingChangesAndStaysOpenWhenTheyAreRefused) {
@@ -198,7 +198,7 @@ TEST(EditiClassFields, OkAppliesPendingChangesAndStaysOpenWhenTheyAreRefused) {
     ed.click("cmdOK");
     EXPECT_FALSE(form.isVisible());
     EXPECT_FALSE(form.Cancelled);
-    EXPECT_EQ(ed.records.size(), 1);
+    EXPECT_EQ(ed.records().size(), 1);
 }
 
 TEST(EditiClassFields, CancelStoresNothing) {
@@ -209,7 +209,7 @@ TEST(EditiClassFields, CancelStoresNothing) {
     ed.click("cmdCancel");
     EXPECT_TRUE(form.Cancelled);
     EXPECT_EQ(form.result(), QDialog::Rejected);
-    EXPECT_EQ(ed.records.size(), 0);
+    EXPECT_EQ(ed.records().size(), 0);
 }
 
 EditorRecord editing(const ItemRecord& r, int kind) {
@@ -237,12 +237,12 @@ TEST(EditiClassFields, EditingPresetsTheControlsAndReplacesTheItem) {
     ed.choose("cboRow", "21");
     ed.click("cmdApply");
     EXPECT_TRUE(ed.prompter.messages.empty());
-    ASSERT_EQ(ed.records.size(), 2);
-    const uint16_t at = ed.records.findByPosition({0, 21, 1, 6, 0, 0}, "NUMBER", kKindField);
+    ASSERT_EQ(ed.records().size(), 2);
+    const uint16_t at = ed.records().findByPosition({0, 21, 1, 6, 0, 0}, "NUMBER", kKindField);
     ASSERT_NE(at, RecordArray::kNone);
-    EXPECT_EQ(ed.records[at].color, 0x00A0B0C0);
-    EXPECT_EQ(ed.records[at].encodingCode, 4);
-    EXPECT_EQ(ed.records.findByPosition({0, 20, 1, 6, 0, 0}, "NUMBER", kKindField), RecordArray::kNone);
+    EXPECT_EQ(ed.records()[at].color, 0x00A0B0C0);
+    EXPECT_EQ(ed.records()[at].encodingCode, 4);
+    EXPECT_EQ(ed.records().findByPosition({0, 20, 1, 6, 0, 0}, "NUMBER", kKindField), RecordArray::kNone);
 }
 
 TEST(EditiClassFields, ARefusedEditPutsTheOldItemBack) {
@@ -253,8 +253,8 @@ TEST(EditiClassFields, ARefusedEditPutsTheOldItemBack) {
     ed.choose("cboBeginByte", "6");
     ed.click("cmdApply");
     EXPECT_EQ(ed.prompter.messages.size(), 1u);
-    ASSERT_EQ(ed.records.size(), 1);
-    EXPECT_EQ(ed.records[0], old);
+    ASSERT_EQ(ed.records().size(), 1);
+    EXPECT_EQ(ed.records()[0], old);
 }
 
 TEST(EditiClassFields, ThePageMapShowsTheAppliedItem) {
@@ -265,9 +265,9 @@ TEST(EditiClassFields, ThePageMapShowsTheAppliedItem) {
     ed.place(23, 3, "2");
     EXPECT_NE(map->item(24, 4)->text(), "NAME");
     ed.click("cmdApply");
-    ASSERT_EQ(ed.records.size(), 1);
+    ASSERT_EQ(ed.records().size(), 1);
     EXPECT_EQ(map->item(24, 4)->text(), "NAME");
-    EXPECT_EQ(map->item(24, 4)->background().color(), memoryMapColor(ed.records[0].color));
+    EXPECT_EQ(map->item(24, 4)->background().color(), memoryMapColor(ed.records()[0].color));
 }
 
 TEST(EditiClassBitFields, ABitFieldIsABinaryNumberAtItsBit) {
@@ -283,8 +283,8 @@ TEST(EditiClassBitFields, ABitFieldIsABinaryNumberAtItsBit) {
     ed.place(20, 1, "5");
     ed.choose("cboBeginBit", "6");
     ed.click("cmdApply");
-    ASSERT_EQ(ed.records.size(), 1);
-    const ItemRecord& r = ed.records[0];
+    ASSERT_EQ(ed.records().size(), 1);
+    const ItemRecord& r = ed.records()[0];
     EXPECT_EQ(kindWord(r), kKindBitField);
     EXPECT_EQ(r.encodingCode, 1);
     EXPECT_EQ(r.beginBit, 6);
@@ -293,7 +293,7 @@ TEST(EditiClassBitFields, ABitFieldIsABinaryNumberAtItsBit) {
 
     // The bit map shows the five bits from byte 1 bit 6 in the item's colour.
     QTableWidget* map = ed.child<QTableWidget>("grdPreview");
-    const CPage& page = *ed.card.page(0);
+    const CPage& page = *ed.doc.card()->page(0);
     const int row = bitGridRow(page, 20);
     for (int bit = 6; bit < 11; ++bit) {
         QTableWidgetItem* cell = map->item(row, bitGridColumn(1, 0) + bit);

@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 
+#include "DialogFixture.h"
 #include "card/CIClass.h"
 #include "items/RecordArray.h"
 #include "support/Records.h"
@@ -27,23 +28,15 @@ namespace {
 using test::RecordingPrompter;
 
 // The dialog's messages read "T<number>"; its captions keep their built-in defaults.
-constexpr const char* kCatalog = "3189=T3189\n3190=T3190\n4610=T4610\n4611=T4611\n4643=T4643\n4644=T4644\n";
 const std::string kCutMessage = "T4610\r\nT4611";
 const std::string kHidMessage = "T4643\r\nT4644";
 const std::string kRangeMessage = "T3189 5 & 31!";
 
-struct Properties {
-    test::TempDir dir;
-    CatalogRegistry registry;
-    Translator translator{&registry};
-    RecordingPrompter prompter;
-    RecordArray records;
+struct Properties : test::DialogFixture {
     std::unique_ptr<frmProperties> form;
 
-    explicit Properties(std::vector<ItemRecord> items = {}) {
-        test::writeBytes(dir / "lang.txt", kCatalog);
-        translator.setLanguageDLL(registry.open(dir / "lang.txt"));
-        for (const ItemRecord& r : items) records.add(r);
+    explicit Properties(std::vector<ItemRecord> items = {}) : DialogFixture(std::move(items)) {
+        prompter.messages.clear();
     }
     // A card of the given chip with the HID area and bitwise encoding as told.
     void open(IClassType chip, bool hid = false, bool bitwise = false, const std::string& boundaries = {}) {
@@ -55,7 +48,7 @@ struct Properties {
         openWith(std::move(card));
     }
     void openWith(std::unique_ptr<CIClass> card) {
-        form = std::make_unique<frmProperties>(records, translator, prompter);
+        form = std::make_unique<frmProperties>(doc);
         form->setCard(std::move(card));
         form->show();
         form->activateWindow();

@@ -6,12 +6,7 @@
 namespace kestrin {
 
 namespace {
-constexpr int32_t kTextConstantSummary = 3106;
-constexpr int32_t kTextStep = 3107;
-constexpr int32_t kTextDecimal = 3108;
-constexpr int32_t kTextHexadecimal = 3109;
-constexpr int32_t kTextStartValue = 3146;
-constexpr int32_t kTextPageHeader = 4606;
+constexpr TextRef kTextHexadecimal{3109, "<Hexadecimal>"};
 }  // namespace
 
 const std::vector<GridHeader>& itemGridHeaders() {
@@ -19,11 +14,11 @@ const std::vector<GridHeader>& itemGridHeaders() {
         {0, "", 400},
         {3113, "<Field(s) or Function>", 3500},
         {3118, "<Field Type>", 1000},
-        {kTextPageHeader, "<Page>", 1000},
-        {3115, "Block", 1000},
-        {3116, "<Begin Byte>", 1000},
-        {3117, "<No. of Bytes>", 1000},
-        {4607, "<Begin Bit>", 1000},
+        {kTextPage.id, kTextPage.defaultText, 1000},
+        {kTextBlock.id, kTextBlock.defaultText, 1000},
+        {kTextBeginByte.id, kTextBeginByte.defaultText, 1000},
+        {kTextNoOfBytes.id, kTextNoOfBytes.defaultText, 1000},
+        {kTextBeginBit.id, kTextBeginBit.defaultText, 1000},
         {4642, "<No. of Bits>", 1000},
     };
     return headers;
@@ -33,7 +28,7 @@ const std::vector<GridHeader>& dbUpdateGridHeaders() {
     static const std::vector<GridHeader> headers = {
         {0, "", 400},
         {3119, "<Field Name>", 3000},
-        {3112, "<Function>", 3000},
+        {kTextFunction.id, kTextFunction.defaultText, 3000},
         {3120, "<Function Properties>", 5000},
     };
     return headers;
@@ -43,7 +38,7 @@ std::string headerText(const GridHeader& header, const Translator& translator) {
     if (header.textId == 0) return {};
     // The page column is fetched like the others and then always shows the English word.
     std::string text = translator.text(header.textId, header.defaultText);
-    if (header.textId == kTextPageHeader) text = "Page";
+    if (header.textId == kTextPage.id) text = "Page";
     return text;
 }
 
@@ -65,15 +60,32 @@ ItemRow itemRowOf(const ItemRecord& r) {
     return row;
 }
 
+EditorRecord editorRecordOf(const ItemRow& row) {
+    EditorRecord record;
+    record.editing = true;
+    record.fieldsAndFunctions = true;
+    record.page = row.page;
+    record.name = row.name;
+    record.block = row.block;
+    record.beginByte = row.beginByte;
+    record.kindWord = row.kind;
+    if (const int code = kindCode(row.kind); code >= 0) record.kindCode = code;
+    if (kindShowsBytes(row.kind)) record.numBytes = row.bytes.value_or(0);
+    if (kindShowsBits(row.kind)) {
+        record.beginBit = row.beginBit.value_or(0);
+        record.numBits = row.bits.value_or(0);
+    }
+    return record;
+}
+
 std::string dbUpdateSummary(std::string_view function, const std::string& param1, const std::string& param2,
                             const Translator& translator) {
-    if (function == kFunctionConstant) return translator.text(kTextConstantSummary, "<Value>") + ": " + param1 + ".";
+    if (function == kFunctionConstant) return translator.text(kTextValue) + ": " + param1 + ".";
     if (function == kFunctionCount)
-        return translator.text(kTextStep, "<Step>") + ": " + param1 + "." + " " +
-               translator.text(kTextStartValue, "<Start value>") + ": " + param2 + ".";
+        return translator.text(kTextStep) + ": " + param1 + "." + " " + translator.text(kTextStartValue) + ": " +
+               param2 + ".";
     if (function == kFunctionCardSnNr)
-        return param1.empty() || param1 == "0" ? translator.text(kTextDecimal, "<Decimal>")
-                                               : translator.text(kTextHexadecimal, "<Hexadecimal>");
+        return param1.empty() || param1 == "0" ? translator.text(kTextDecimal) : translator.text(kTextHexadecimal);
     return {};
 }
 

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "EditorRecord.h"
 #include "ItemRecord.h"
 
 namespace kestrin {
@@ -45,6 +46,9 @@ struct DbUpdateRow {
 };
 
 ItemRow itemRowOf(const ItemRecord& r);
+// A row read back the way an item editor receives it: only the cells its kind fills; a
+// "Binary Field" leaves the kind code at its default.
+EditorRecord editorRecordOf(const ItemRow& row);
 // The readable summary of an update function's parameters.
 std::string dbUpdateSummary(std::string_view function, const std::string& param1, const std::string& param2,
                             const Translator& translator);

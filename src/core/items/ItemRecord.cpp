@@ -38,4 +38,14 @@ bool isCombinedField(const ItemRecord& r) {
     return !r.isFunction && r.name.find(kCombinedFieldSeparator) != std::string::npos;
 }
 
+std::vector<std::string> splitCombinedName(std::string_view name) {
+    std::vector<std::string> parts;
+    for (;;) {
+        const size_t cut = name.find(kCombinedFieldSeparator);
+        parts.emplace_back(name.substr(0, cut));
+        if (cut == std::string_view::npos) return parts;
+        name.remove_prefix(cut + kCombinedFieldSeparator.size());
+    }
+}
+
 }  // namespace kestrin

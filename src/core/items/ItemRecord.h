@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kestrin {
 
@@ -83,5 +84,7 @@ int kindCode(std::string_view kind);
 bool isByteSized(const ItemRecord& r);
 bool isChecksum(const ItemRecord& r);
 bool isCombinedField(const ItemRecord& r);
+// The field names a combined name joins with " [+] " (one part for a plain name).
+std::vector<std::string> splitCombinedName(std::string_view name);
 
 }  // namespace kestrin

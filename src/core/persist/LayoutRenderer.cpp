@@ -37,17 +37,6 @@ private:
     std::unordered_map<std::string, int32_t, AsciiCaselessHash, AsciiCaselessEqual> nextNumber_;
 };
 
-std::vector<std::string> splitCombined(const std::string& name) {
-    std::vector<std::string> parts;
-    size_t start = 0;
-    for (;;) {
-        const size_t sep = name.find(kCombinedFieldSeparator, start);
-        parts.push_back(name.substr(start, sep == std::string::npos ? std::string::npos : sep - start));
-        if (sep == std::string::npos) return parts;
-        start = sep + kCombinedFieldSeparator.size();
-    }
-}
-
 class Renderer {
 public:
     Renderer(const CIClass& card, const RecordArray& records, const HostFieldList& fields)
@@ -146,7 +135,7 @@ private:
     // number as a sixth number, and "cPlace" holds the item's place.
     void writeCombinedField(const ItemRecord& r) {
         const int c = ++combined_;
-        const std::vector<std::string> parts = splitCombined(r.name);
+        const std::vector<std::string> parts = splitCombinedName(r.name);
         std::vector<std::string> keys;
         for (const auto& part : parts) keys.push_back(byteKeys_.next(part));
         for (const auto& key : keys) useKey(key);

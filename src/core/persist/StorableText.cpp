@@ -21,13 +21,9 @@ template <typename Visit>
 bool eachKeyName(const ItemRecord& r, Visit visit) {
     if (r.isFunction || r.isDbUpdate || r.isBitFunction || r.isSimpleBitFunction) return true;
     if (!isCombinedField(r)) return visit(std::string_view(r.name));
-    std::string_view rest = r.name;
-    for (;;) {
-        const size_t cut = rest.find(kCombinedFieldSeparator);
-        if (!visit(rest.substr(0, cut))) return false;
-        if (cut == std::string_view::npos) return true;
-        rest.remove_prefix(cut + kCombinedFieldSeparator.size());
-    }
+    for (const std::string& part : splitCombinedName(r.name))
+        if (!visit(std::string_view(part))) return false;
+    return true;
 }
 
 }  // namespace

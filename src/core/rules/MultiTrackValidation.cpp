@@ -14,7 +14,7 @@ namespace kestrin {
 
 std::optional<PlacementViolation> multiTrackViolation(const MultiTrackRequest& q, const CIClass& card,
                                                       const RecordArray& records, const Translator& tr,
-                                                      int32_t recordCount) {
+                                                      int32_t recordCount, int32_t skip) {
     auto text = [&](int32_t id, std::string_view def = {}) {
         return PlacementViolation{id, tr.text(id, def), EditorBox::None, -1, false};
     };
@@ -33,7 +33,7 @@ std::optional<PlacementViolation> multiTrackViolation(const MultiTrackRequest& q
     const int32_t count = recordCount < 0 ? records.size() : std::min(recordCount, records.size());
     for (int32_t i = 0; i < count; ++i) {
         const ItemRecord& r = records[i];
-        if (r.isDbUpdate || r.page != q.page || !item.overlaps(itemSpan(r))) continue;
+        if (i == skip || r.isDbUpdate || r.page != q.page || !item.overlaps(itemSpan(r))) continue;
         PlacementViolation v = text(r.name == q.fieldName ? kTextOverlapSameName : kTextOverlapOther);
         v.message += ": " + r.name + ".";
         v.overlappedIndex = i;
@@ -43,8 +43,8 @@ std::optional<PlacementViolation> multiTrackViolation(const MultiTrackRequest& q
 }
 
 bool ValidateMultiTrack(const MultiTrackRequest& request, const CIClass& card, const RecordArray& records,
-                        Prompter& prompter, const Translator& translator) {
-    const auto v = multiTrackViolation(request, card, records, translator);
+                        Prompter& prompter, const Translator& translator, int32_t skip) {
+    const auto v = multiTrackViolation(request, card, records, translator, -1, skip);
     if (v) prompter.tell(Icon::Exclamation, v->message, kProductTitle);
     return !v;
 }

@@ -22,13 +22,14 @@ inline constexpr int32_t kTextStartInHeader = 4609;
 
 // The first rule a multi-track item breaks: no field (or no size), past the page end,
 // starting in the header or HID area, across the application boundary of an eight-page
-// card, or over another item of the page (the first recordCount records; all when negative).
+// card, or over another item of the page (the first recordCount records, all when negative,
+// leaving out the record at index skip: the item being edited).
 std::optional<PlacementViolation> multiTrackViolation(const MultiTrackRequest& request, const CIClass& card,
                                                       const RecordArray& records, const Translator& translator,
-                                                      int32_t recordCount = -1);
+                                                      int32_t recordCount = -1, int32_t skip = -1);
 
 // Shows the first failure (every one refuses the placement); true when the item may be stored.
 bool ValidateMultiTrack(const MultiTrackRequest& request, const CIClass& card, const RecordArray& records,
-                        Prompter& prompter, const Translator& translator);
+                        Prompter& prompter, const Translator& translator, int32_t skip = -1);
 
 }  // namespace kestrin

@@ -35,8 +35,8 @@ bool kindMatchesMode(const ItemRecord& r, int32_t mode) {
 class Rules {
 public:
     Rules(const PlacementRequest& q, const CIClass& card, const RecordArray& records, const Translator& tr,
-          int32_t recordCount)
-        : q_(q), card_(card), records_(records), tr_(tr),
+          int32_t recordCount, int32_t skip)
+        : q_(q), card_(card), records_(records), tr_(tr), skip_(skip),
           count_(recordCount < 0 ? records.size() : std::min(recordCount, records.size())),
           page_(card.page(q.page)), bitMode_(q.mode == kModeBitField || q.mode == kModeBitFunction),
           size_(wholeNumberOf(q.nrBytesText)) {
@@ -161,13 +161,13 @@ private:
         if (span_.overlaps(range)) return text(kTextChecksumCoversItself);
         for (int32_t i = 0; i < count_; ++i) {
             const ItemRecord& r = records_[i];
-            if (r.isDbUpdate || !isChecksum(r)) continue;
+            if (i == skip_ || r.isDbUpdate || !isChecksum(r)) continue;
             // Positions within a page only: the other checksum's page is not compared.
             if (range.contains(itemSpan(r).first.bit())) return text(kTextRangeHoldsChecksum);
         }
         for (int32_t i = 0; i < count_; ++i) {
             const ItemRecord& r = records_[i];
-            if (r.isDbUpdate || !isChecksum(r)) continue;
+            if (i == skip_ || r.isDbUpdate || !isChecksum(r)) continue;
             // The other range is placed with its page; the new start bit is taken as it is.
             const bool bitSum = !isByteSized(r);
             const auto& g = r.range;
@@ -181,7 +181,7 @@ private:
     std::optional<PlacementViolation> overlap() {
         for (int32_t i = 0; i < count_; ++i) {
             const ItemRecord& r = records_[i];
-            if (r.isDbUpdate || r.page != q_.page) continue;
+            if (i == skip_ || r.isDbUpdate || r.page != q_.page) continue;
             const BitSpan other = itemSpan(r);
             const bool overlaps = span_.contains(other.first.bit()) || span_.contains(other.lastBit()) ||
                                   (other.first <= span_.first && other.lastBit() >= span_.first.bit());
@@ -208,6 +208,7 @@ private:
     const CIClass& card_;
     const RecordArray& records_;
     const Translator& tr_;
+    int32_t skip_;
     int32_t count_;
     const CPage* page_;
     bool bitMode_;
@@ -219,14 +220,15 @@ private:
 
 std::vector<PlacementViolation> placementViolations(const PlacementRequest& request, const CIClass& card,
                                                     const RecordArray& records, const Translator& translator,
-                                                    bool stopAtFirst, int32_t recordCount) {
-    return Rules(request, card, records, translator, recordCount).run(stopAtFirst);
+                                                    bool stopAtFirst, int32_t recordCount, int32_t skip) {
+    return Rules(request, card, records, translator, recordCount, skip).run(stopAtFirst);
 }
 
 PlacementResult ValidatePlacement(const PlacementRequest& request, const CIClass& card, RecordArray& records,
-                                  Prompter& prompter, const Translator& translator, const std::string& title) {
+                                  Prompter& prompter, const Translator& translator, const std::string& title,
+                                  int32_t skip) {
     const std::string boxTitle = title.empty() ? kProductTitle : title;
-    const auto violations = placementViolations(request, card, records, translator, true);
+    const auto violations = placementViolations(request, card, records, translator, true, -1, skip);
     if (violations.empty()) return {kPlacementAccepted, EditorBox::None};
     const PlacementViolation& v = violations.front();
     if (v.overlappedIndex < 0) {
@@ -235,10 +237,10 @@ PlacementResult ValidatePlacement(const PlacementRequest& request, const CIClass
     }
     if (v.asksToReplace && prompter.ask(Icon::Exclamation, v.message, Buttons::OkCancel, boxTitle) != Answer::Ok)
         return {kPlacementRejected, EditorBox::None};
-    const ItemRecord old = records[v.overlappedIndex];
-    records.removeByPosition({old.page, old.block, old.beginByte, old.numBytes, old.beginBit, old.numBits}, old.name,
-                             kindWord(old));
-    return {kPlacementReplaced, EditorBox::None};
+    // The scan stops at the first overlapping record that counts, so removing its slot is
+    // the removal by place, name and kind.
+    records.removeAt(v.overlappedIndex);
+    return {kPlacementReplaced, EditorBox::None, v.overlappedIndex};
 }
 
 }  // namespace kestrin

@@ -58,21 +58,26 @@ inline constexpr int32_t kPlacementReplaced = 2;
 struct PlacementResult {
     int32_t code = kPlacementRejected;
     EditorBox focus = EditorBox::None;
+    int32_t removedIndex = -1;  // result 2: the slot the overlapped record was removed from
 };
 
 // Runs the placement rules in order against the card and the first recordCount records
-// (all when negative): completeness, page fit, header and HID, application boundary,
+// (all when negative), leaving out the record at index skip (an item being edited does not
+// stand in its own way): completeness, page fit, header and HID, application boundary,
 // function rules, checksum range, overlap. With stopAtFirst only the first broken rule
 // is returned; otherwise the first failure of every rule (an audit).
 std::vector<PlacementViolation> placementViolations(const PlacementRequest& request, const CIClass& card,
                                                     const RecordArray& records, const Translator& translator,
-                                                    bool stopAtFirst = true, int32_t recordCount = -1);
+                                                    bool stopAtFirst = true, int32_t recordCount = -1,
+                                                    int32_t skip = -1);
 
 // Decides whether the item may stand where the operator put it. Shows the first failure
 // through the prompter; an overlap is asked with OK/Cancel (or replaced silently when the
-// same item is placed again), and OK removes the overlapped record (result 2).
+// same item is placed again), and OK removes the overlapped record (result 2): the last
+// record takes its slot. The record at index skip does not count.
 PlacementResult ValidatePlacement(const PlacementRequest& request, const CIClass& card, RecordArray& records,
-                                  Prompter& prompter, const Translator& translator, const std::string& title = {});
+                                  Prompter& prompter, const Translator& translator, const std::string& title = {},
+                                  int32_t skip = -1);
 
 // Text numbers of the placement rules.
 inline constexpr int32_t kTextIncomplete = 3158;

@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+#include "TextIds.h"
+
 namespace kestrin {
 
 class CatalogRegistry;
@@ -24,6 +26,7 @@ public:
 
     // A zero or unknown handle is skipped; the default is returned as it stands.
     std::string text(int32_t id, std::string_view defaultText = {}) const;
+    std::string text(const TextRef& ref) const { return text(ref.id, ref.defaultText); }
 
 private:
     const CatalogRegistry* m_registry;

@@ -9,6 +9,8 @@
 #include <QPainter>
 #include <QPixmap>
 #include <QTableView>
+#include <algorithm>
+#include <filesystem>
 
 #include "DbUpdateGridModel.h"
 #include "ItemGridModel.h"
@@ -23,6 +25,7 @@ constexpr int kTextItemsTip = 3195;
 constexpr int kTextUpdatesTip = 3196;
 const QString kGridItems = QStringLiteral("FieldsFunctions");
 const QString kGridUpdates = QStringLiteral("DBUpdates");
+constexpr int kSplitterStripHeight = 6;
 
 // The picture a host's form shows in place of the grids while it is being designed.
 QPixmap designPicture() {
@@ -38,10 +41,10 @@ QPixmap designPicture() {
 
 }  // namespace
 
-IClass::IClass(QWidget* parent) : QWidget(parent) {
+IClass::IClass(QWidget* parent)
+    : QWidget(parent), ownPrompter_(std::make_unique<MessageBoxPrompter>(this)), doc_(*ownPrompter_, &ownRegistry_) {
     setObjectName(QStringLiteral("iClass"));
-    ownPrompter_ = std::make_unique<MessageBoxPrompter>(this);
-    prompter_ = ownPrompter_.get();
+    doc_.setListener([this](LayoutDocument::Change change) { documentChanged(change); });
     selectedGrid_ = kGridItems;
     // The separator the locale puts into 1.1; typed decimals are read with it.
     const QString sample = QLocale().toString(1.1f);
@@ -73,6 +76,12 @@ void IClass::buildSurface() {
     connect(grdItems_, &QTableView::doubleClicked, this, [this] { EditItem(); });
     connect(grdDBUpdateFields_, &QTableView::doubleClicked, this, [this] { editDbUpdateRow(); });
 
+    // A strip over the boundary of the two grids, on top of both, takes the mouse for the drag.
+    splitterStrip_ = new QWidget(this);
+    splitterStrip_->setObjectName(QStringLiteral("splitterStrip"));
+    splitterStrip_->setCursor(Qt::SplitVCursor);
+    splitterStrip_->installEventFilter(this);
+
     imgIClass_ = new QLabel(this);
     imgIClass_->setObjectName(QStringLiteral("imgIClass"));
     imgIClass_->setPixmap(designPicture());
@@ -91,12 +100,16 @@ void IClass::layoutSurface() {
     const int bottom = itemsHeight_ >= 0 ? h - top : h / 2;
     grdItems_->setGeometry(0, 0, w, top);
     grdDBUpdateFields_->setGeometry(0, grdItems_->height(), w, bottom);
+    const int strip = std::min(kSplitterStripHeight, h);
+    splitterStrip_->setGeometry(0, std::clamp(top - strip / 2, 0, h - strip), w, strip);
+    splitterStrip_->raise();
 }
 
 void IClass::applyMode() {
     imgIClass_->setVisible(designMode_);
     grdItems_->setVisible(!designMode_);
     grdDBUpdateFields_->setVisible(!designMode_);
+    splitterStrip_->setVisible(!designMode_);
     if (!designMode_) applyToolTips();
     layoutSurface();
 }
@@ -121,29 +134,40 @@ void IClass::showEvent(QShowEvent* event) {
     applyMode();
 }
 
-// The strip between the grids can be dragged to give one grid more room.
-void IClass::mousePressEvent(QMouseEvent* event) {
-    splitterDrag_ = !designMode_ && event->button() == Qt::LeftButton;
-    QWidget::mousePressEvent(event);
+// The boundary between the grids follows the pointer while the strip over it is dragged.
+void IClass::startDrag() {
+    splitterDrag_ = !designMode_;
 }
 
-void IClass::mouseMoveEvent(QMouseEvent* event) {
-    if (splitterDrag_) {
-        itemsHeight_ = std::clamp(static_cast<int>(event->position().y()), 0, height());
-        layoutSurface();
-    }
-    QWidget::mouseMoveEvent(event);
+void IClass::dragTo(int y) {
+    if (!splitterDrag_) return;
+    itemsHeight_ = std::clamp(y, 0, height());
+    layoutSurface();
 }
 
-void IClass::mouseReleaseEvent(QMouseEvent* event) {
-    if (splitterDrag_) {
-        splitterDrag_ = false;
-        grdDBUpdateFields_->setVisible(!designMode_);
-    }
-    QWidget::mouseReleaseEvent(event);
+void IClass::endDrag() {
+    if (!splitterDrag_) return;
+    splitterDrag_ = false;
+    grdDBUpdateFields_->setVisible(!designMode_);
 }
 
 bool IClass::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == splitterStrip_) {
+        auto* mouse = static_cast<QMouseEvent*>(event);
+        switch (event->type()) {
+        case QEvent::MouseButtonPress:
+            if (mouse->button() == Qt::LeftButton) startDrag();
+            return true;
+        case QEvent::MouseMove:
+            dragTo(splitterStrip_->mapTo(this, mouse->position().toPoint()).y());
+            return true;
+        case QEvent::MouseButtonRelease:
+            endDrag();
+            return true;
+        default:
+            return QWidget::eventFilter(watched, event);
+        }
+    }
     const bool items = watched == grdItems_ || watched == grdItems_->viewport();
     const bool updates = watched == grdDBUpdateFields_ || watched == grdDBUpdateFields_->viewport();
     if (!items && !updates) return QWidget::eventFilter(watched, event);
@@ -167,8 +191,10 @@ bool IClass::eventFilter(QObject* watched, QEvent* event) {
 
 // Rebuilds both grids from the records, headers in the current language.
 void IClass::rebuildGrids() {
-    itemModel_->rebuild(records_, translator_);
-    dbModel_->rebuild(records_, translator_);
+    const RecordArray& records = doc_.records();
+    const Translator& translator = doc_.translator();
+    itemModel_->rebuild(records, translator);
+    dbModel_->rebuild(records, translator);
     const int dpi = logicalDpiX();
     for (int c = 0; c < ItemGridModel::ColumnCount; ++c)
         grdItems_->setColumnWidth(c, itemModel_->columnWidthPixels(c, dpi));
@@ -176,13 +202,11 @@ void IClass::rebuildGrids() {
         grdDBUpdateFields_->setColumnWidth(c, dbModel_->columnWidthPixels(c, dpi));
 }
 
-// Every change of the records ends here: the grids show it and the host hears of it.
-void IClass::refresh() {
+// The document changed: the grids show it and the host hears of it.
+void IClass::documentChanged(LayoutDocument::Change change) {
     rebuildGrids();
-    changedFlag_ = true;
-    saved_ = false;
     emit Changed();
-    emit GenericEvent(QStringLiteral("Hallo"), QStringLiteral("xyz"));
+    if (change == LayoutDocument::Change::Records) emit GenericEvent(QStringLiteral("Hallo"), QStringLiteral("xyz"));
 }
 
 int IClass::currentRow(const QTableView* grid) const {
@@ -191,39 +215,35 @@ int IClass::currentRow(const QTableView* grid) const {
     return current.isValid() ? current.row() : 0;
 }
 
-void IClass::setUseBit(bool v) {
-    useBit_ = v;
-    if (card_) card_->setEnableBitwise(v);
+QString IClass::LayoutFile() const {
+    return QString::fromStdU16String(doc_.layoutFile().u16string());
 }
 
-void IClass::setUseHID(bool v) {
-    useHID_ = v;
-    if (card_ && card_->UseHIDSection() != v) card_->setUseHIDSection(v);
+void IClass::setEncodePath(const QString& v) {
+    encodePath_ = v;
+    doc_.setEncodePath(std::filesystem::path(v.toStdU16String()));
 }
 
 void IClass::setLanguageDLL(int handle) {
-    translator_.setLanguageDLL(handle);
+    doc_.translator().setLanguageDLL(handle);
     rebuildGrids();
     if (!designMode_) applyToolTips();
 }
 
 void IClass::setCustomLanguageDLL(int handle) {
-    translator_.setCustomLanguageDLL(handle);
+    doc_.translator().setCustomLanguageDLL(handle);
     rebuildGrids();
     if (!designMode_) applyToolTips();
 }
 
-void IClass::setPrompter(Prompter* prompter) { prompter_ = prompter ? prompter : ownPrompter_.get(); }
+void IClass::setPrompter(Prompter* prompter) { doc_.setPrompter(prompter ? *prompter : *ownPrompter_); }
 
 void IClass::setFileChooser(FileChooser* chooser) { chooser_ = chooser ? chooser : &ownChooser_; }
 
 void IClass::setPrintSetup(PrintSetup* setup) { printSetup_ = setup ? setup : &ownPrintSetup_; }
 
 void IClass::setCatalogRegistry(const CatalogRegistry* registry) {
-    Translator next(registry ? registry : &ownRegistry_);
-    next.setLanguageDLL(translator_.LanguageDLL());
-    next.setCustomLanguageDLL(translator_.CustomLanguageDLL());
-    translator_ = next;
+    doc_.setCatalogRegistry(registry ? registry : &ownRegistry_);
     rebuildGrids();
     if (!designMode_) applyToolTips();
 }
@@ -233,16 +253,7 @@ void IClass::setDialogRunner(std::function<int(QDialog&)> runner) { dialogRunner
 int IClass::runDialog(QDialog& dialog) { return dialogRunner_ ? dialogRunner_(dialog) : dialog.exec(); }
 
 QString IClass::text(int32_t id, const char* defaultText) const {
-    return QString::fromStdString(translator_.text(id, defaultText));
-}
-
-void IClass::tell(Icon icon, const QString& message, const QString& title) {
-    prompter_->tell(icon, message.toStdString(), (title.isNull() ? QString(kProductTitle) : title).toStdString());
-}
-
-Answer IClass::ask(Icon icon, const QString& message, Buttons buttons, const QString& title) {
-    return prompter_->ask(icon, message.toStdString(), buttons,
-                          (title.isNull() ? QString(kProductTitle) : title).toStdString());
+    return QString::fromStdString(doc_.text(id, defaultText));
 }
 
 }  // namespace kestrin

@@ -6,15 +6,10 @@
 #include <functional>
 #include <memory>
 
-#include "card/CIClass.h"
-#include "items/DialogContext.h"
-#include "items/EditorRecord.h"
-#include "items/RecordArray.h"
-#include "persist/HostFields.h"
+#include "base/Prompter.h"
+#include "document/LayoutDocument.h"
 #include "preview/DialogPrintServices.h"
 #include "text/CatalogRegistry.h"
-#include "base/Prompter.h"
-#include "text/Translator.h"
 
 class QDialog;
 class QLabel;
@@ -27,7 +22,8 @@ class ItemGridModel;
 class MessageBoxPrompter;
 
 // The layout designer control a host places on its form: the item grid above, the
-// database-update grid below, and the layout-wide state every command works on.
+// database-update grid below. It is the view and the automation adapter of one layout
+// document, which holds the layout and decides what every command does.
 //
 // A host drives it only by member name through the meta-object (properties and invokable
 // methods below, declared in the host interface's order; ActiveQt turns exactly this into the
@@ -103,19 +99,19 @@ public:
     void setIifDirectory(const QString& v) { iifDirectory_ = v; }
     QString PellmarkINI() const { return pellmarkIni_; }
     void setPellmarkINI(const QString& v) { pellmarkIni_ = v; }
-    bool CLessLayoutEntered() const { return layoutEntered_; }
-    void setCLessLayoutEntered(bool v) { layoutEntered_ = v; }
-    bool UseBit() const { return useBit_; }
-    void setUseBit(bool v);
-    bool UseHID() const { return useHID_; }
-    void setUseHID(bool v);
-    QString LayoutFile() const { return layoutFile_; }
+    bool CLessLayoutEntered() const { return doc_.layoutEntered(); }
+    void setCLessLayoutEntered(bool v) { doc_.setLayoutEntered(v); }
+    bool UseBit() const { return doc_.useBit(); }
+    void setUseBit(bool v) { doc_.setUseBit(v); }
+    bool UseHID() const { return doc_.useHID(); }
+    void setUseHID(bool v) { doc_.setUseHID(v); }
+    QString LayoutFile() const;
     QString EncodePath() const { return encodePath_; }
-    void setEncodePath(const QString& v) { encodePath_ = v; }
-    bool Saved() const { return saved_; }
-    int LanguageDLL() const { return translator_.LanguageDLL(); }
+    void setEncodePath(const QString& v);
+    bool Saved() const { return doc_.saved(); }
+    int LanguageDLL() const { return doc_.translator().LanguageDLL(); }
     void setLanguageDLL(int handle);
-    int CustomLanguageDLL() const { return translator_.CustomLanguageDLL(); }
+    int CustomLanguageDLL() const { return doc_.translator().CustomLanguageDLL(); }
     void setCustomLanguageDLL(int handle);
     QString AppName() const { return appName_; }
     void setAppName(const QString& v) { appName_ = v; }
@@ -133,16 +129,12 @@ public:
     // Runs every modal dialog of the control; the default is dialog.exec().
     void setDialogRunner(std::function<int(QDialog&)> runner);
 
-    // Read access for hosts that show more than the grids, and for tests.
-    const CIClass* card() const { return card_.get(); }
-    const RecordArray& records() const { return records_; }
-    const HostFieldList& hostFields() const { return fields_; }
-    bool changedFlag() const { return changedFlag_; }
+    // The layout behind the grids, for hosts that show more than the grids, and for tests.
+    const LayoutDocument& document() const { return doc_; }
+    LayoutDocument& document() { return doc_; }
     QChar decimalSeparator() const { return decimalSeparator_; }
     QTableView* itemGrid() const { return grdItems_; }
     QTableView* dbUpdateGrid() const { return grdDBUpdateFields_; }
-    ItemGridModel* itemModel() const { return itemModel_; }
-    DbUpdateGridModel* dbUpdateModel() const { return dbModel_; }
 
 signals:
     void Changed();
@@ -151,9 +143,6 @@ signals:
 protected:
     void resizeEvent(QResizeEvent* event) override;
     void showEvent(QShowEvent* event) override;
-    void mousePressEvent(QMouseEvent* event) override;
-    void mouseMoveEvent(QMouseEvent* event) override;
-    void mouseReleaseEvent(QMouseEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
@@ -163,37 +152,27 @@ private:
     void applyMode();
     void applyToolTips();
     void rebuildGrids();
-    void refresh();
+    void documentChanged(LayoutDocument::Change change);
     int currentRow(const QTableView* grid) const;
+    void startDrag();
+    void dragTo(int y);
+    void endDrag();
 
     // Item commands (IClassCommands.cpp).
-    DialogContext context();
-    CIClass& ensureCard();
     void addItem(int32_t mode);
     void editItemRecord(const EditorRecord& record);
     void editDbUpdateRow();
-    bool confirmRemove(const QString& name);
-    void notImplemented();
-
-    // Files (IClassFiles.cpp).
-    bool writeLayout();
-    void closeNow();
+    void runProperties();
 
     // Bridge (IClassBridge.cpp).
     bool acceptsBridgeName(const QString& name);
 
     QString text(int32_t id, const char* defaultText = "") const;
-    void tell(Icon icon, const QString& message, const QString& title = QString());
-    Answer ask(Icon icon, const QString& message, Buttons buttons, const QString& title = QString());
     int runDialog(QDialog& dialog);
 
-    std::unique_ptr<CIClass> card_;
-    RecordArray records_;
-    HostFieldList fields_;
-    CatalogRegistry ownRegistry_;
-    Translator translator_{&ownRegistry_};
     std::unique_ptr<MessageBoxPrompter> ownPrompter_;
-    Prompter* prompter_ = nullptr;
+    CatalogRegistry ownRegistry_;
+    LayoutDocument doc_;
     DialogFileChooser ownChooser_;
     FileChooser* chooser_ = &ownChooser_;
     DialogPrintSetup ownPrintSetup_;
@@ -203,21 +182,16 @@ private:
     QString projectFile_;
     QString iifDirectory_;
     QString pellmarkIni_;
-    QString layoutFile_;
     QString encodePath_;
     QString appName_;
     QString selectedGrid_;
-    bool layoutEntered_ = false;
-    bool useBit_ = false;
-    bool useHID_ = false;
-    bool saved_ = false;
-    bool changedFlag_ = false;
     bool designMode_ = false;
     bool splitterDrag_ = false;
     QChar decimalSeparator_;
 
     QTableView* grdItems_ = nullptr;
     QTableView* grdDBUpdateFields_ = nullptr;
+    QWidget* splitterStrip_ = nullptr;  // the boundary between the grids, dragged to resize them
     QLabel* imgIClass_ = nullptr;
     ItemGridModel* itemModel_ = nullptr;
     DbUpdateGridModel* dbModel_ = nullptr;

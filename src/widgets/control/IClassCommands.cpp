@@ -1,12 +1,10 @@
 // The item commands: adding, editing and removing items through the item dialogs, the
-// layout properties and the preview.
+// layout properties and the preview. Each dialog session is one change of the document.
 #include <QTableView>
 
-#include "DbUpdateGridModel.h"
 #include "IClass.h"
-#include "ItemGridModel.h"
+#include "base/ProductInfo.h"
 #include "dialogs/frmProperties.h"
-#include "rules/PlacementValidation.h"
 #include "editor/frmEditiClass.h"
 #include "items/frmDBUpdate.h"
 #include "items/frmMultiTrack.h"
@@ -14,66 +12,46 @@
 
 namespace kestrin {
 
-namespace {
+void IClass::SetChipType(int sChipType) { doc_.setChipType(sChipType); }
 
-constexpr int kTextSelectItemFirst = 3104;
-constexpr int kTextReallyRemove = 3105;
-
-}  // namespace
-
-DialogContext IClass::context() { return DialogContext{&ensureCard(), &records_, &fields_, &translator_, prompter_}; }
-
-// A host may switch CLessLayoutEntered on without creating a layout; the dialogs then
-// work on a default card rather than on nothing.
-CIClass& IClass::ensureCard() {
-    if (!card_) {
-        card_ = std::make_unique<CIClass>();
-        card_->setEnableBitwise(useBit_);
-        card_->setUseHIDSection(useHID_);
-    }
-    return *card_;
-}
-
-void IClass::SetChipType(int sChipType) { ensureCard().setChipSize(static_cast<IClassType>(sChipType)); }
-
-void IClass::SetAppBoundaries(QString sBoundaries) { ensureCard().SetBoundaries(sBoundaries.toStdString()); }
+void IClass::SetAppBoundaries(QString sBoundaries) { doc_.setAppBoundaries(sBoundaries.toStdString()); }
 
 void IClass::AddField() { addItem(kModeField); }
 
 void IClass::AddFunction() { addItem(kModeFunction); }
 
 void IClass::addItem(int32_t mode) {
-    if (!layoutEntered_) return;
-    // A new item starts from a cleared record: no name, page 0, all numbers 0.
-    frmEditiClass dialog(context(), mode, EditorRecord{}, this);
-    runDialog(dialog);
-    refresh();
+    if (!doc_.layoutEntered()) return;
+    doc_.batch([&] {
+        frmEditiClass dialog(doc_, mode, -1, this);
+        runDialog(dialog);
+    });
 }
 
-void IClass::AddBitField() { notImplemented(); }
-
-void IClass::AddBitFunction() { notImplemented(); }
-
-void IClass::notImplemented() {
-    tell(Icon::None, QStringLiteral("This function has not been implemented yet!"), QStringLiteral("QUORVANE"));
+void IClass::AddBitField() {
+    doc_.prompter().tell(Icon::None, "This function has not been implemented yet!", "QUORVANE");
 }
+
+void IClass::AddBitFunction() { AddBitField(); }
 
 void IClass::AddDBUpdateItem() {
-    if (!layoutEntered_) return;
-    frmDBUpdate dialog(context(), -1, this);
-    runDialog(dialog);
-    refresh();
+    if (!doc_.layoutEntered()) return;
+    doc_.batch([&] {
+        frmDBUpdate dialog(doc_, -1, this);
+        runDialog(dialog);
+    });
 }
 
 void IClass::AddItemOverMultipleTracks() {
-    frmMultiTrack dialog(context(), EditorRecord{}, this);
-    runDialog(dialog);
-    refresh();
+    doc_.batch([&] {
+        frmMultiTrack dialog(doc_, -1, this);
+        runDialog(dialog);
+    });
 }
 
 void IClass::EditItem() {
-    if (!layoutEntered_) return;
-    editItemRecord(itemModel_->editorRecordOfRow(currentRow(grdItems_)));
+    if (!doc_.layoutEntered()) return;
+    editItemRecord(doc_.editorRecordOfRow(currentRow(grdItems_)));
 }
 
 void IClass::editItemRecord(const EditorRecord& record) {
@@ -82,82 +60,59 @@ void IClass::editItemRecord(const EditorRecord& record) {
         AddField();
         return;
     }
-    if (record.kindWord == kKindBinaryField) {
-        frmMultiTrack dialog(context(), record, this);
-        runDialog(dialog);
-    } else {
-        frmEditiClass dialog(context(), record.kindCode, record, this);
-        runDialog(dialog);
-    }
-    refresh();
+    const int32_t index = doc_.recordIndexOf(record);
+    doc_.batch([&] {
+        if (record.kindWord == kKindBinaryField) {
+            frmMultiTrack dialog(doc_, index, this);
+            runDialog(dialog);
+        } else {
+            frmEditiClass dialog(doc_, record.kindCode, index, this);
+            runDialog(dialog);
+        }
+    });
 }
 
 void IClass::editDbUpdateRow() {
-    if (!layoutEntered_) return;
-    // Model row r is grid row r + 1; a row without an update opens the dialog for a new one.
-    frmDBUpdate dialog(context(), records_.indexOfDbUpdateRow(currentRow(grdDBUpdateFields_) + 1), this);
-    runDialog(dialog);
-    refresh();
+    if (!doc_.layoutEntered()) return;
+    // A row without an update opens the dialog for a new one.
+    doc_.batch([&] {
+        frmDBUpdate dialog(doc_, doc_.dbUpdateIndexOfRow(currentRow(grdDBUpdateFields_)), this);
+        runDialog(dialog);
+    });
 }
 
-bool IClass::confirmRemove(const QString& name) {
-    if (name.isEmpty()) {
-        tell(Icon::Exclamation, text(kTextSelectItemFirst));
-        return false;
-    }
-    const QString question = text(kTextSelectItemFirst) + QStringLiteral("\r\n") + text(kTextReallyRemove);
-    return ask(Icon::Question, question, Buttons::YesNo) == Answer::Yes;
-}
+void IClass::RemoveItem() { doc_.removeItemRow(currentRow(grdItems_)); }
 
-void IClass::RemoveItem() {
-    const int row = currentRow(grdItems_);
-    if (!confirmRemove(itemModel_->cellText(row, ItemGridModel::ColName))) return;
-    const EditorRecord item = itemModel_->editorRecordOfRow(row);
-    const ItemPosition pos{item.page, item.block, item.beginByte, item.numBytes, item.beginBit, item.numBits};
-    if (records_.removeByPosition(pos, item.name, item.kindWord)) refresh();
-}
-
-void IClass::RemoveDBUpdateItem() {
-    const int row = currentRow(grdDBUpdateFields_);
-    if (!confirmRemove(dbModel_->cellText(row, DbUpdateGridModel::ColField))) return;
-    const int32_t index = records_.indexOfDbUpdateRow(row + 1);
-    if (index < 0) return;
-    records_.removeAt(index);
-    refresh();
-}
+void IClass::RemoveDBUpdateItem() { doc_.removeDbUpdateRow(currentRow(grdDBUpdateFields_)); }
 
 void IClass::ShowPreview() {
-    if (!card_) {
-        tell(Icon::Exclamation, QStringLiteral("Error: no iClass object found!"));
+    if (!doc_.card()) {
+        doc_.prompter().tell(Icon::Exclamation, "Error: no iClass object found!", kProductTitle);
         return;
     }
-    frmPreview dialog(*card_, records_, translator_, layoutFile_, PrintServices{printSetup_, chooser_}, this);
+    frmPreview dialog(*doc_.card(), doc_.records(), doc_.translator(), LayoutFile(),
+                      PrintServices{printSetup_, chooser_}, this);
     runDialog(dialog);
 }
 
-void IClass::SetProperties() {
-    frmProperties dialog(records_, translator_, *prompter_, this);
-    dialog.setCard(card_ ? std::make_unique<CIClass>(*card_) : nullptr);
+// The properties dialog edits a copy of the card; OK (or the window's close button) hands
+// the copy back, Cancel drops it.
+void IClass::runProperties() {
+    frmProperties dialog(doc_, this);
+    dialog.setCard(doc_.card() ? std::make_unique<CIClass>(*doc_.card()) : nullptr);
     runDialog(dialog);
     if (dialog.Cancelled || !dialog.Card) return;
-    card_ = std::move(dialog.Card);
-    useBit_ = card_->EnableBitwise();
-    useHID_ = card_->UseHIDSection();
-    if (!dialog.Unchanged) {
-        // The layout on disk no longer matches.
-        saved_ = false;
-        emit Changed();
-    }
+    doc_.adoptCard(*dialog.Card, !dialog.Unchanged);
 }
 
+void IClass::SetProperties() { runProperties(); }
+
 void IClass::NewLayout(bool bShowPropsDlg) {
-    layoutEntered_ = true;
-    card_.reset();
-    records_.clear();
-    layoutFile_.clear();
-    ensureCard();
-    if (bShowPropsDlg) SetProperties();
-    refresh();
+    // The new layout and the properties chosen for it are one change.
+    doc_.batch([&] {
+        doc_.newLayout();
+        if (bShowPropsDlg) runProperties();
+    });
 }
 
 void IClass::ShowSettings() {}

@@ -1,6 +1,5 @@
 #pragma once
 #include "control/TextGridModel.h"
-#include "items/EditorRecord.h"
 
 namespace kestrin {
 
@@ -17,11 +16,6 @@ public:
 
     explicit ItemGridModel(QObject* parent = nullptr);
     void rebuild(const RecordArray& records, const Translator& translator);
-
-    // Reads a row back the way an item editor receives it. A row whose page cell is empty
-    // (or a row outside the table) is no item: editing stays false, so the caller adds a
-    // new field instead. A "Binary Field" leaves kindCode at its default.
-    EditorRecord editorRecordOfRow(int row) const;
 };
 
 }  // namespace kestrin

@@ -18,7 +18,8 @@
 #include "card/CIClass.h"
 #include "rules/NumberChecks.h"
 #include "items/RecordArray.h"
-#include "items/frmMultiTrack.h"
+#include "document/LayoutDocument.h"
+#include "shared/DialogParts.h"
 #include "text/Translator.h"
 
 namespace kestrin {
@@ -34,21 +35,14 @@ QColor colorOf(int32_t bgr) {
     return QColor(bgr & 0xFF, (bgr >> 8) & 0xFF, (bgr >> 16) & 0xFF);
 }
 
-template <class T>
-T* named(T* widget, const QString& name) {
-    widget->setObjectName(name);
-    return widget;
-}
-
 bool hasItems(const RecordArray& records) {
     return std::any_of(records.begin(), records.end(), [](const ItemRecord& r) { return !r.isDbUpdate; });
 }
 
 }  // namespace
 
-frmProperties::frmProperties(const RecordArray& records, const Translator& translator, Prompter& prompter,
-                             QWidget* parent)
-    : QDialog(parent), records_(records), translator_(translator), prompter_(prompter) {
+frmProperties::frmProperties(const LayoutDocument& doc, QWidget* parent)
+    : QDialog(parent), records_(doc.records()), translator_(doc.translator()), prompter_(doc.prompter()) {
     setObjectName("frmProperties");
     buildControls();
     setCaptions();

@@ -16,6 +16,7 @@ class QTabWidget;
 namespace kestrin {
 
 class CIClass;
+class LayoutDocument;
 class Prompter;
 class RecordArray;
 class Translator;
@@ -33,8 +34,7 @@ class Translator;
 class frmProperties : public QDialog {
     Q_OBJECT
 public:
-    frmProperties(const RecordArray& records, const Translator& translator, Prompter& prompter,
-                  QWidget* parent = nullptr);
+    explicit frmProperties(const LayoutDocument& doc, QWidget* parent = nullptr);
     ~frmProperties() override;
 
     // Takes the card to edit and fills the controls from it; a null card fills nothing.

@@ -15,6 +15,7 @@
 
 #include "card/CPage.h"
 #include "rules/NumberChecks.h"
+#include "document/LayoutDocument.h"
 #include "frmEditiClass.h"
 
 namespace kestrin {
@@ -147,19 +148,16 @@ void frmEditiClass::presetFunction(const FunctionInput& in) {
 }
 
 void frmEditiClass::filterBox(QLineEdit* box) {
+    // Text set by the program bypasses the key filter; keep it to digits as well.
     const std::string typed = box->text().toStdString();
     const std::string kept = filterNumberText(typed);
-    if (kept != typed) {
-        const int cursor = box->cursorPosition();
-        box->setText(QString::fromStdString(kept));
-        box->setCursorPosition(std::min(cursor, static_cast<int>(kept.size())));
-    }
+    if (kept != typed) box->setText(QString::fromStdString(kept));
     markChanged();
 }
 
 bool frmEditiClass::leaveValueBox(QLineEdit* box) {
     // Empty boxes pass here; the placement rules catch them when the item is applied.
-    if (box->text().isEmpty() || !ctx_.prompter || !ctx_.translator) return true;
+    if (box->text().isEmpty()) return true;
     ValueBox which{};
     if (box == txtConstantValue_) which = ValueBox::ConstantValue;
     else if (box == txtCountNumber_) which = ValueBox::CountNumber;
@@ -170,32 +168,23 @@ bool frmEditiClass::leaveValueBox(QLineEdit* box) {
     const int index = functionGroup_->checkedId();
     const auto kind = index < 0 ? FunctionKind::Constant : static_cast<FunctionKind>(index);
     const Limits limits = boxLimits(which, mode_, kind, checkedProperty(), shortOf(txtNrBytes_->text().toStdString()));
-    return CheckNumberInRange(limits.min, limits.max, box->text().toStdString(), {}, *ctx_.prompter, *ctx_.translator);
+    return CheckNumberInRange(limits.min, limits.max, box->text().toStdString(), {}, doc_.prompter(), doc_.translator());
 }
 
 bool frmEditiClass::leaveSizeBox() {
     const CPage* page = currentPage();
-    if (txtNrBytes_->text().isEmpty() || !page || !ctx_.prompter || !ctx_.translator) return true;
+    if (txtNrBytes_->text().isEmpty() || !page) return true;
     const Limits limits = sizeBoxLimits(mode_, page->PageSize, static_cast<int16_t>(cboRow_->currentText().toInt()),
                                         static_cast<int16_t>(std::max(0, cboBeginByte_->currentIndex())),
                                         static_cast<int16_t>(isBitMode(mode_) ? std::max(0, cboBeginBit_->currentIndex()) : 0));
-    return CheckNumberInRange(limits.min, limits.max, txtNrBytes_->text().toStdString(), {}, *ctx_.prompter,
-                              *ctx_.translator);
+    return CheckNumberInRange(limits.min, limits.max, txtNrBytes_->text().toStdString(), {}, doc_.prompter(),
+                              doc_.translator());
 }
 
 bool frmEditiClass::eventFilter(QObject* watched, QEvent* event) {
     auto* box = qobject_cast<QLineEdit*>(watched);
     if (!box) return QDialog::eventFilter(watched, event);
     switch (event->type()) {
-    case QEvent::KeyPress: {
-        const auto* key = static_cast<QKeyEvent*>(event);
-        const bool navigation = key->key() == Qt::Key_Tab || key->key() == Qt::Key_Backtab ||
-                                key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter ||
-                                key->key() == Qt::Key_Escape || (key->modifiers() & Qt::ControlModifier);
-        const QString typed = key->text();
-        if (!navigation && !typed.isEmpty() && !acceptsNumberKey(typed.at(0).unicode())) return true;
-        break;
-    }
     case QEvent::FocusIn:
         QTimer::singleShot(0, box, &QLineEdit::selectAll);
         break;

@@ -14,8 +14,8 @@
 
 #include "BitMapView.h"
 #include "card/CIClass.h"
+#include "document/LayoutDocument.h"
 #include "rules/Encodings.h"
-#include "items/ItemColor.h"
 #include "persist/HostFields.h"
 #include "preview/PagePainter.h"
 #include "text/Translator.h"
@@ -37,28 +37,17 @@ private:
     bool old_;
 };
 
-std::vector<std::string> splitCombined(const std::string& name) {
-    std::vector<std::string> parts;
-    size_t start = 0;
-    for (;;) {
-        const size_t at = name.find(kCombinedFieldSeparator, start);
-        parts.push_back(name.substr(start, at == std::string::npos ? std::string::npos : at - start));
-        if (at == std::string::npos) return parts;
-        start = at + kCombinedFieldSeparator.size();
-    }
-}
-
 }  // namespace
 
-frmEditiClass::frmEditiClass(DialogContext ctx, int32_t mode, EditorRecord record, QWidget* parent)
-    : QDialog(parent), ctx_(ctx), mode_(mode), record_(std::move(record)) {
+frmEditiClass::frmEditiClass(LayoutDocument& doc, int32_t mode, int32_t editIndex, QWidget* parent)
+    : QDialog(parent), doc_(doc), card_(doc.cardForEditing()), mode_(mode),
+      editIndex_(editIndex >= 0 && editIndex < doc.records().size() ? editIndex : -1) {
     setObjectName(QStringLiteral("frmEditiClass"));
     FlagScope filling(filling_);
     buildControls();
     setCaptions();
     if (isFunctionMode(mode_)) {
-        if (ctx_.fields)
-            for (const HostField& f : ctx_.fields->fields()) cboFieldList_->addItem(QString::fromStdString(f.dbField));
+        for (const HostField& f : doc_.fields().fields()) cboFieldList_->addItem(QString::fromStdString(f.dbField));
         cboFieldList_->setCurrentIndex(-1);
         functionClicked(-1);
     } else {
@@ -66,7 +55,7 @@ frmEditiClass::frmEditiClass(DialogContext ctx, int32_t mode, EditorRecord recor
         setEncodingOptions(fieldType_);
     }
     fillPages();
-    if (record_.editing) presetFromRecord();
+    if (editIndex_ >= 0) presetFromRecord();
     changed_ = false;
     refreshApply();
     repaintPreview();
@@ -75,8 +64,7 @@ frmEditiClass::frmEditiClass(DialogContext ctx, int32_t mode, EditorRecord recor
 // ---- Fields and encoding ----------------------------------------------------------------
 
 void frmEditiClass::fillFieldGrid() {
-    if (!ctx_.fields) return;
-    const auto& fields = ctx_.fields->fields();
+    const auto& fields = doc_.fields().fields();
     grdFields_->setRowCount(static_cast<int>(fields.size()));
     for (size_t i = 0; i < fields.size(); ++i) {
         const HostField& f = fields[i];
@@ -142,15 +130,14 @@ void frmEditiClass::setFormatList(int option) {
 // ---- Position, size and preview -----------------------------------------------------------
 
 const CPage* frmEditiClass::currentPage() const {
-    if (!ctx_.card || cboPage_->currentIndex() < 0) return nullptr;
-    return ctx_.card->page(cboPage_->currentText().toInt());
+    if (cboPage_->currentIndex() < 0) return nullptr;
+    return card_.page(cboPage_->currentText().toInt());
 }
 
 void frmEditiClass::fillPages() {
-    if (!ctx_.card) return;
     {
         FlagScope filling(filling_);
-        for (const CPage* p : ctx_.card->Pages().list()) cboPage_->addItem(QString::number(p->PageNumber));
+        for (const CPage* p : card_.Pages().list()) cboPage_->addItem(QString::number(p->PageNumber));
     }
     cboPage_->setCurrentIndex(cboPage_->count() > 0 ? 0 : -1);
     pageChosen();
@@ -205,11 +192,11 @@ void frmEditiClass::refreshApply() {
 
 void frmEditiClass::repaintPreview() {
     const CPage* page = currentPage();
-    if (!page || !ctx_.records) return;
+    if (!page) return;
     if (isBitMode(mode_))
-        paintBitPage(*grdPreview_, *page, *ctx_.records);
+        paintBitPage(*grdPreview_, *page, doc_.records());
     else
-        paintPage(*grdPreview_, *page, *ctx_.records, true);
+        paintPage(*grdPreview_, *page, doc_.records(), true);
 }
 
 // ---- Reading the controls and applying ------------------------------------------------------
@@ -247,42 +234,16 @@ QLineEdit* frmEditiClass::boxOf(EditorBox box) const {
 }
 
 bool frmEditiClass::apply() {
-    if (!ctx_.card || !ctx_.records || !ctx_.prompter || !ctx_.translator) return false;
-    const EditorEntries e = entries();
-
-    // An edited item makes way for its new version; it comes back when the new one is refused.
-    std::optional<ItemRecord> old;
-    if (editingPending_) {
-        const ItemPosition at{record_.page,      record_.block,   record_.beginByte,
-                              record_.numBytes,  record_.beginBit, record_.numBits};
-        const uint16_t index = ctx_.records->findByPosition(at, record_.name, record_.kindWord);
-        if (index != RecordArray::kNone) {
-            old = (*ctx_.records)[index];
-            ctx_.records->removeByPosition(at, record_.name, record_.kindWord);
-        }
-    }
-
-    const PlacementResult result = ValidatePlacement(placementRequestOf(e), *ctx_.card, *ctx_.records,
-                                                     *ctx_.prompter, *ctx_.translator);
+    const LayoutDocument::ApplyResult result = doc_.applyItem(entries(), editIndex_);
     if (result.code == kPlacementRejected) {
-        if (old) ctx_.records->add(*old);
         if (QLineEdit* box = boxOf(result.focus)) {
             box->setFocus();
             box->selectAll();
         }
         return false;
     }
-
-    const int32_t color = editingPending_ ? editColor_ : randomItemColor();
-    const ItemRecord written = itemRecordOf(e, color);
-    ctx_.records->add(written);
-    if (editingPending_) {
-        // Further Applies of this item replace the version just written.
-        record_.page = written.page, record_.block = written.block, record_.beginByte = written.beginByte;
-        record_.numBytes = written.numBytes, record_.beginBit = written.beginBit, record_.numBits = written.numBits;
-        record_.name = written.name;
-        record_.kindWord = std::string(kindWord(written));
-    }
+    // Further Applies of this item replace the version just written.
+    editIndex_ = result.index;
     repaintPreview();
     changed_ = false;
     refreshApply();
@@ -292,7 +253,7 @@ bool frmEditiClass::apply() {
 
 void frmEditiClass::newItem() {
     FlagScope filling(filling_);
-    editingPending_ = false;
+    editIndex_ = -1;
     cboBeginBit_->setCurrentIndex(0);
     txtNrBytes_->clear();
     if (!isFunctionMode(mode_)) {
@@ -316,15 +277,7 @@ void frmEditiClass::cancelClicked() {
 }
 
 void frmEditiClass::presetFromRecord() {
-    const ItemPosition at{record_.page, record_.block, record_.beginByte, record_.numBytes, record_.beginBit,
-                          record_.numBits};
-    const uint16_t index =
-        ctx_.records ? ctx_.records->findByPosition(at, record_.name, record_.kindWord) : RecordArray::kNone;
-    if (index == RecordArray::kNone) return;
-    const ItemRecord r = (*ctx_.records)[index];
-    editingPending_ = true;
-    editColor_ = r.color;
-
+    const ItemRecord r = doc_.records()[editIndex_];
     setCurrentTextOf(cboPage_, r.page);
     setCurrentTextOf(cboRow_, r.block);
     cboBeginByte_->setCurrentIndex(std::clamp<int>(r.beginByte, 0, 7));
@@ -335,7 +288,7 @@ void frmEditiClass::presetFromRecord() {
         presetFunction(functionInputOf(r));
         return;
     }
-    for (const std::string& part : splitCombined(r.name)) {
+    for (const std::string& part : splitCombinedName(r.name)) {
         const auto found = grdFields_->findItems(QString::fromStdString(part), Qt::MatchExactly);
         for (QTableWidgetItem* item : found) {
             if (item->column() != 0) continue;

@@ -5,9 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "EditorRequest.h"
-#include "items/DialogContext.h"
-#include "items/EditorRecord.h"
+#include "rules/EditorEntries.h"
+#include "text/TextIds.h"
 
 class QButtonGroup;
 class QComboBox;
@@ -22,11 +21,14 @@ class QWidget;
 
 namespace kestrin {
 
+class CIClass;
 class CPage;
+class LayoutDocument;
 
 // The item editor: adds database fields, functions, bit fields or bit functions (by mode) to
-// the card, or edits one. Every Apply validates the placement and writes the item into the
-// context's records; the dialog stays open for the next item until OK or Cancel.
+// the card, or edits the record at editIndex. Every Apply hands the entries to the layout
+// document, which validates the placement and writes the item; the dialog stays open for the
+// next item until OK or Cancel.
 //
 // The size box's spin control is a small widget "spinBytes" holding two arrow buttons
 // ("spinBytesUp", "spinBytesDown"), likewise "spinRangeBytes" for the range count: the text
@@ -35,7 +37,7 @@ class CPage;
 class frmEditiClass : public QDialog {
     Q_OBJECT
 public:
-    frmEditiClass(DialogContext ctx, int32_t mode, EditorRecord record, QWidget* parent = nullptr);
+    frmEditiClass(LayoutDocument& doc, int32_t mode, int32_t editIndex = -1, QWidget* parent = nullptr);
 
     bool Cancelled = true;  // false after OK, true after Cancel or closing the window
     int appliedCount() const { return applied_; }
@@ -64,6 +66,7 @@ private:
     QRadioButton* option(const QString& baseName, int index, QButtonGroup* group);
     void setCaptions();
     QString text(int32_t id, const char* defaultText) const;
+    QString text(const TextRef& ref) const;
 
     // Fields, position, encoding and the preview (frmEditiClass.cpp).
     void fillFieldGrid();
@@ -99,16 +102,15 @@ private:
     void filterBox(QLineEdit* box);
     int checkedProperty() const;
 
-    DialogContext ctx_;
+    LayoutDocument& doc_;
+    const CIClass& card_;
     int32_t mode_;
-    EditorRecord record_;
+    int32_t editIndex_;  // the record Apply replaces; -1 adds a new one
     bool filling_ = false;
     bool changed_ = false;
     int applied_ = 0;
     int16_t fieldType_ = -1;
     std::vector<int> chosenRows_;  // field grid rows in the order they were chosen
-    int32_t editColor_ = 0;        // colour of the edited item, kept when it is replaced
-    bool editingPending_ = false;  // the edited item has not been replaced yet
 
     // Fields.
     QTableWidget* grdFields_ = nullptr;

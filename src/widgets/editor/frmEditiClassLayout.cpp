@@ -15,29 +15,26 @@
 #include <algorithm>
 
 #include "BitMapView.h"
+#include "document/LayoutDocument.h"
 #include "frmEditiClass.h"
-#include "rules/Encodings.h"
 #include "preview/PagePainter.h"
+#include "rules/Encodings.h"
+#include "shared/DialogParts.h"
 #include "text/Translator.h"
 
 namespace kestrin {
 
-namespace {
-
-template <class W>
-W* named(W* widget, const char* name) {
-    widget->setObjectName(QString::fromLatin1(name));
-    return widget;
+QString frmEditiClass::text(int32_t id, const char* defaultText) const {
+    return translated(doc_.translator(), id, defaultText);
 }
 
-}  // namespace
-
-QString frmEditiClass::text(int32_t id, const char* defaultText) const {
-    return QString::fromStdString(ctx_.translator->text(id, defaultText));
+QString frmEditiClass::text(const TextRef& ref) const {
+    return translated(doc_.translator(), ref);
 }
 
 QLineEdit* frmEditiClass::numberBox(const char* name) {
     auto* box = named(new QLineEdit(this), name);
+    filterToDigits(*box);
     box->installEventFilter(this);
     box->setMaximumWidth(110);
     connect(box, &QLineEdit::textChanged, this, [this, box] { filterBox(box); });
@@ -295,45 +292,44 @@ QWidget* frmEditiClass::buildButtons() {
 }
 
 void frmEditiClass::setCaptions() {
-    static constexpr std::array<std::pair<int32_t, const char*>, 4> titles{
+    static constexpr std::array<TextRef, 4> titles{
         {{3140, "<Add Fields>"}, {3141, "<Add Functions>"}, {4604, "<Add Bit Fields>"}, {4605, "<Add Bit Functions>"}}};
-    const auto& title = titles[static_cast<size_t>(std::clamp(mode_, 0, 3))];
-    setWindowTitle(text(title.first, title.second));
+    setWindowTitle(text(titles[static_cast<size_t>(std::clamp(mode_, 0, 3))]));
 
     if (isFunctionMode(mode_)) {
-        fraFieldFunction_->setTitle(text(3112, "<Function>"));
-        lblFieldFunction_->setText(text(3112, "<Function>"));
-        static constexpr std::array<std::pair<int32_t, const char*>, 4> functions{
+        fraFieldFunction_->setTitle(text(kTextFunction));
+        lblFieldFunction_->setText(text(kTextFunction));
+        static constexpr std::array<TextRef, 4> functions{
             {{3142, "<Constant>"}, {3143, "<Count>"}, {3144, "<CardSerialNo>"}, {3145, "<Checksum>"}}};
-        for (size_t i = 0; i < 4; ++i) optFunction_[i]->setText(text(functions[i].first, functions[i].second));
-        fraProperties_->setTitle(text(3120, "<Function properties>"));
-        fraCountFirstValue_->setTitle(text(3146, "<Start value>"));
-        optCountFirstValue_[0]->setText(text(3147, "<Number>"));
-        optCountFirstValue_[1]->setText(text(3111, "<Field>"));
-        lblCountStep_->setText(text(3107, "<Step>"));
-        lblPolynom_->setText(QStringLiteral("Polynom"));
-        lblStartValue_->setText(QStringLiteral("Start value"));
+        for (size_t i = 0; i < 4; ++i) optFunction_[i]->setText(text(functions[i]));
+        fraProperties_->setTitle(text(kTextFunctionProperties));
+        fraCountFirstValue_->setTitle(text(kTextStartValue));
+        optCountFirstValue_[0]->setText(text(kTextNumber));
+        optCountFirstValue_[1]->setText(text(kTextField));
+        lblCountStep_->setText(text(kTextStep));
+        lblPolynom_->setText(text(4701, "<Polynomial>"));
+        lblStartValue_->setText(text(kTextStartValue));
         fraRange_->setTitle(text(3148, "<Checksum Range>"));
         lblRangeBeginRow_->setText(text(4513, "<Begin Row>"));
-        lblRangeBeginByte_->setText(text(3116, "<Begin Byte>"));
-        lblRangeBytesCount_->setText(text(3117, "<No. of Bytes>"));
+        lblRangeBeginByte_->setText(text(kTextBeginByte));
+        lblRangeBytesCount_->setText(text(kTextNoOfBytes));
     } else {
-        fraFieldFunction_->setTitle(text(3137, "<Fields>"));
-        lblFieldFunction_->setText(text(3111, "<Field>"));
+        fraFieldFunction_->setTitle(text(kTextFields));
+        lblFieldFunction_->setText(text(kTextField));
         fraEncode_->setTitle(text(3139, "<Encode As>"));
-        lblFormat_->setText(QStringLiteral("Format"));
+        lblFormat_->setText(text(4702, "<Format>"));
         grdFields_->setHorizontalHeaderLabels(
             {QStringLiteral("<Field Name>"), QStringLiteral("<Field Type>"), QStringLiteral("<Size>"),
              QStringLiteral("<Description>")});
     }
-    fraAddTo_->setTitle(text(3138, "<Add to>"));
-    lblPage_->setText(text(4606, "<Page>"));
-    lblRow_->setText(text(3115, "Block"));
-    lblBeginByte_->setText(text(3116, "<Begin Byte>"));
-    lblBeginBit_->setText(QStringLiteral("Begin Bit"));
-    lblNrOfBytes_->setText(isBitMode(mode_) ? text(4642, "<No of Bits>") : text(3117, "<No. of Bytes>"));
+    fraAddTo_->setTitle(text(kTextAddTo));
+    lblPage_->setText(text(kTextPage));
+    lblRow_->setText(text(kTextBlock));
+    lblBeginByte_->setText(text(kTextBeginByte));
+    lblBeginBit_->setText(text(kTextBeginBit));
+    lblNrOfBytes_->setText(isBitMode(mode_) ? text(kTextNoOfBits) : text(kTextNoOfBytes));
     cmdNew_->setText(text(3152, "<&New>"));
-    cmdApply_->setText(text(3153, "<&Apply>"));
+    cmdApply_->setText(text(kTextApply));
     cmdRemove_->setText(text(3092, "<&Remove item>"));
     cmdOK_->setText(QStringLiteral("OK"));
     cmdCancel_->setText(QStringLiteral("<Cancel>"));

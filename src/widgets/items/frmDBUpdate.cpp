@@ -1,6 +1,8 @@
 #include "frmDBUpdate.h"
 
+#include <QApplication>
 #include <QBoxLayout>
+#include <QFocusEvent>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QItemSelectionModel>
@@ -9,94 +11,80 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTableWidget>
+#include <QTimer>
 
 #include "base/ProductInfo.h"
-#include "rules/NumberChecks.h"
-#include "rules/PlacementValidation.h"
-#include "frmMultiTrack.h"
-#include "items/ItemRecord.h"
-#include "items/RecordArray.h"
-#include "persist/HostFields.h"
 #include "base/Prompter.h"
+#include "document/LayoutDocument.h"
+#include "items/ItemRecord.h"
+#include "persist/HostFields.h"
+#include "rules/NumberChecks.h"
+#include "shared/DialogParts.h"
 #include "text/Translator.h"
 
 namespace kestrin {
 
 namespace {
 
-constexpr int64_t kByteMax = 255;
-constexpr int64_t kConstantMax = 4294967295;
-
 // Option index of each function button; the words are also the stored item name.
 constexpr int kConstant = 0;
 constexpr int kCount = 1;
 constexpr int kCardSnNr = 2;
 constexpr std::array<std::string_view, 3> kFunctionWords = {kFunctionConstant, kFunctionCount, kFunctionCardSnNr};
-
-QString text(const DialogContext& ctx, int32_t id, const char* defaultText) {
-    return QString::fromStdString(ctx.translator->text(id, defaultText));
-}
-
-template <class T>
-T* named(T* widget, const QString& name) {
-    widget->setObjectName(name);
-    return widget;
-}
-
-// A number as stored in the record: plain decimal, no leading zeros.
-std::string plainNumber(const QLineEdit& box) {
-    return std::to_string(box.text().toULongLong());
-}
+constexpr std::array<TextRef, 3> kFunctionCaptions = {
+    {{3142, "<Constant>"}, {3143, "<Count>"}, {3144, "<CardSerialNo>"}}};
+constexpr TextRef kTitle{4700, "<Database Update>"};
 
 }  // namespace
 
-frmDBUpdate::frmDBUpdate(DialogContext ctx, int32_t editIndex, QWidget* parent)
-    : QDialog(parent), ctx_(ctx) {
+frmDBUpdate::frmDBUpdate(LayoutDocument& doc, int32_t editIndex, QWidget* parent) : QDialog(parent), doc_(doc) {
     setObjectName("frmDBUpdate");
-    setWindowTitle(QStringLiteral("Database Update"));
+    setWindowTitle(translated(doc_.translator(), kTitle));
     buildControls();
-    fillFieldGrid(*grdFields_, ctx_);
+    fillFieldGrid(*grdFields_, doc_.fields(), doc_.translator());
     optFunction_[kConstant]->setChecked(true);
     optProperty_[0]->setChecked(true);
-    if (editIndex >= 0 && editIndex < ctx_.records->size() && (*ctx_.records)[editIndex].isDbUpdate) {
+    const RecordArray& records = doc_.records();
+    if (editIndex >= 0 && editIndex < records.size() && records[editIndex].isDbUpdate) {
         editIndex_ = editIndex;
-        presetFrom(editIndex);
+        presetFrom(dbUpdateEntriesOf(records[editIndex]));
     }
     functionChosen();
 }
 
 void frmDBUpdate::buildControls() {
-    auto* fraFields = named(new QGroupBox(text(ctx_, 3137, "<Fields>"), this), "fraFields");
+    const Translator& tr = doc_.translator();
+    auto* fraFields = named(new QGroupBox(translated(tr, kTextFields), this), "fraFields");
     grdFields_ = named(new QTableWidget(fraFields), "grdFields");
     txtSelectedField_ = named(new QLineEdit(fraFields), "txtSelectedField");
     txtSelectedField_->setReadOnly(true);
     auto* fieldLine = new QHBoxLayout;
-    fieldLine->addWidget(named(new QLabel(text(ctx_, 3111, "<Field>"), fraFields), "lblSelectedField"));
+    fieldLine->addWidget(named(new QLabel(translated(tr, kTextField), fraFields), "lblSelectedField"));
     fieldLine->addWidget(txtSelectedField_, 1);
     auto* fieldsLayout = new QVBoxLayout(fraFields);
     fieldsLayout->addLayout(fieldLine);
     fieldsLayout->addWidget(grdFields_, 1);
 
-    auto* fraFunction = named(new QGroupBox(text(ctx_, 3112, "<Function>"), this), "fraFunction");
+    auto* fraFunction = named(new QGroupBox(translated(tr, kTextFunction), this), "fraFunction");
     auto* functionLayout = new QVBoxLayout(fraFunction);
-    for (int i = 0; i < static_cast<int>(optFunction_.size()); ++i) {
-        const QString word = QString::fromUtf8(kFunctionWords[static_cast<size_t>(i)]);
-        optFunction_[static_cast<size_t>(i)] =
-            named(new QRadioButton(word, fraFunction), QStringLiteral("optFunction(%1)").arg(i));
-        functionLayout->addWidget(optFunction_[static_cast<size_t>(i)]);
-        connect(optFunction_[static_cast<size_t>(i)], &QRadioButton::toggled, this, &frmDBUpdate::functionChosen);
+    for (size_t i = 0; i < optFunction_.size(); ++i) {
+        optFunction_[i] = named(new QRadioButton(translated(tr, kFunctionCaptions[i]), fraFunction),
+                                QStringLiteral("optFunction(%1)").arg(i));
+        functionLayout->addWidget(optFunction_[i]);
+        connect(optFunction_[i], &QRadioButton::toggled, this, &frmDBUpdate::functionChosen);
     }
     functionLayout->addStretch(1);
 
-    auto* fraProperties = named(new QGroupBox(text(ctx_, 3120, "<Function properties>"), this), "fraProperties");
+    auto* fraProperties = named(new QGroupBox(translated(tr, kTextFunctionProperties), this), "fraProperties");
     txtConstantValue_ = named(new QLineEdit(fraProperties), "txtConstantValue");
     txtCountNumber_ = named(new QLineEdit(fraProperties), "txtCountNumber");
     txtCountStep_ = named(new QLineEdit(fraProperties), "txtCountStep");
-    lblConstantValue_ = named(new QLabel(text(ctx_, 3106, "<Value>"), fraProperties), "lblConstantValue");
-    lblCountNumber_ = named(new QLabel(text(ctx_, 3147, "<Number>"), fraProperties), "lblCountNumber");
-    lblCountStep_ = named(new QLabel(text(ctx_, 3107, "<Step>"), fraProperties), "lblCountStep");
-    optProperty_[0] = named(new QRadioButton(QStringLiteral("<String decimal>"), fraProperties), "optProperty(0)");
-    optProperty_[1] = named(new QRadioButton(QStringLiteral("<String hexadecimal>"), fraProperties), "optProperty(1)");
+    lblConstantValue_ = named(new QLabel(translated(tr, kTextValue), fraProperties), "lblConstantValue");
+    lblCountNumber_ = named(new QLabel(translated(tr, kTextNumber), fraProperties), "lblCountNumber");
+    lblCountStep_ = named(new QLabel(translated(tr, kTextStep), fraProperties), "lblCountStep");
+    optProperty_[0] = named(new QRadioButton(translated(tr, 0, "<String decimal>"), fraProperties), "optProperty(0)");
+    optProperty_[1] =
+        named(new QRadioButton(translated(tr, 0, "<String hexadecimal>"), fraProperties), "optProperty(1)");
     auto* properties = new QGridLayout(fraProperties);
     properties->addWidget(lblConstantValue_, 0, 0);
     properties->addWidget(txtConstantValue_, 0, 1);
@@ -107,10 +95,17 @@ void frmDBUpdate::buildControls() {
     properties->addWidget(optProperty_[0], 3, 0, 1, 2);
     properties->addWidget(optProperty_[1], 4, 0, 1, 2);
     properties->setRowStretch(5, 1);
-    for (QLineEdit* box : {txtConstantValue_, txtCountNumber_, txtCountStep_}) filterToDigits(*box);
+    for (QLineEdit* box : {txtConstantValue_, txtCountNumber_, txtCountStep_}) {
+        filterToDigits(*box);
+        box->installEventFilter(this);
+        connect(box, &QLineEdit::textChanged, this, [this, box] {
+            if (refusedBox_ == box) refusedBox_ = nullptr;
+        });
+    }
 
     auto* cmdOK = named(new QPushButton(QStringLiteral("OK"), this), "cmdOK");
     auto* cmdCancel = named(new QPushButton(QStringLiteral("Cancel"), this), "cmdCancel");
+    cmdCancel_ = cmdCancel;
     cmdOK->setAutoDefault(false);
     cmdCancel->setAutoDefault(false);
     cmdOK->setDefault(true);
@@ -139,37 +134,30 @@ void frmDBUpdate::buildControls() {
     connect(cmdCancel, &QPushButton::clicked, this, &frmDBUpdate::cancelClicked);
 }
 
-void frmDBUpdate::presetFrom(int32_t index) {
-    const ItemRecord& r = (*ctx_.records)[index];
-    const HostField* field = ctx_.fields ? ctx_.fields->byDbField(r.dbFieldName) : nullptr;
+void frmDBUpdate::presetFrom(const DbUpdateEntries& e) {
+    const HostField* field = doc_.fields().byDbField(e.dbField);
     if (field) {
-        const auto row = static_cast<int>(field - ctx_.fields->fields().data());
-        grdFields_->setCurrentCell(row, 0);
+        const auto row = static_cast<int>(field - doc_.fields().fields().data());
+        grdFields_->selectRow(row);
     } else {
         // A field the project no longer lists is kept as the record names it.
-        txtSelectedField_->setText(QString::fromStdString(r.dbFieldName));
-        dbField_ = r.dbFieldName;
-        dbColumn_ = r.dbColumn;
+        txtSelectedField_->setText(QString::fromStdString(e.dbField));
+        dbField_ = e.dbField;
+        dbColumn_ = e.column;
     }
-    const QString p1 = QString::fromStdString(r.param1);
-    const QString p2 = QString::fromStdString(r.param2);
-    if (r.name == kFunctionCount) {
-        optFunction_[kCount]->setChecked(true);
-        txtCountNumber_->setText(p1);
-        txtCountStep_->setText(p2);
-    } else if (r.name == kFunctionCardSnNr) {
-        optFunction_[kCardSnNr]->setChecked(true);
-        optProperty_[r.param1 == "1" ? 1 : 0]->setChecked(true);
-    } else {
-        optFunction_[kConstant]->setChecked(true);
-        txtConstantValue_->setText(p1);
-    }
+    for (size_t i = 0; i < kFunctionWords.size(); ++i)
+        if (e.function == kFunctionWords[i]) optFunction_[i]->setChecked(true);
+    txtConstantValue_->setText(QString::fromStdString(e.constantText));
+    txtCountNumber_->setText(QString::fromStdString(e.countNumberText));
+    txtCountStep_->setText(QString::fromStdString(e.countStepText));
+    optProperty_[e.hexadecimal ? 1 : 0]->setChecked(true);
 }
 
 void frmDBUpdate::fieldChosen(int row) {
-    if (!ctx_.fields || row < 0 || row >= ctx_.fields->count()) return;
-    const HostField& field = ctx_.fields->fields()[static_cast<size_t>(row)];
-    txtSelectedField_->setText(QString::fromStdString(field.name));
+    const auto& fields = doc_.fields().fields();
+    if (row < 0 || row >= static_cast<int>(fields.size())) return;
+    const HostField& field = fields[static_cast<size_t>(row)];
+    txtSelectedField_->setText(QString::fromStdString(field.dbField));
     dbField_ = field.dbField;
     dbColumn_ = field.column;
 }
@@ -190,45 +178,61 @@ void frmDBUpdate::functionChosen() {
     for (QRadioButton* option : optProperty_) option->setVisible(f == kCardSnNr);
 }
 
-bool frmDBUpdate::boxInRange(QLineEdit& box, int64_t min, int64_t max) {
-    if (CheckNumberInRange(min, max, box.text().toStdString(), {}, *ctx_.prompter, *ctx_.translator)) return true;
-    box.setFocus();
-    box.selectAll();
+DbUpdateEntries frmDBUpdate::entries() const {
+    DbUpdateEntries e;
+    e.function = std::string(kFunctionWords[static_cast<size_t>(chosenFunction())]);
+    e.dbField = dbField_;
+    e.column = dbColumn_;
+    e.constantText = txtConstantValue_->text().toStdString();
+    e.countNumberText = txtCountNumber_->text().toStdString();
+    e.countStepText = txtCountStep_->text().toStdString();
+    e.hexadecimal = optProperty_[1]->isChecked();
+    return e;
+}
+
+// A number box is checked when it is left; a refused box keeps the focus. Empty boxes pass
+// here and are caught by OK.
+bool frmDBUpdate::boxLeft(QLineEdit& box) {
+    if (box.text().isEmpty()) return true;
+    checkingBox_ = true;
+    const bool ok = CheckNumberInRange(0, kDbUpdateValueMax, box.text().toStdString(), {}, doc_.prompter(),
+                                       doc_.translator());
+    checkingBox_ = false;
+    if (ok) return true;
+    refusedBox_ = &box;
+    QTimer::singleShot(0, &box, [&box] {
+        box.setFocus();
+        box.selectAll();
+    });
     return false;
 }
 
-void frmDBUpdate::okClicked() {
-    if (dbField_.empty()) {
-        ctx_.prompter->tell(Icon::Exclamation, ctx_.translator->text(kTextIncomplete, "<Please choose a field.>"),
-                            kProductTitle);
-        grdFields_->setFocus();
-        return;
+bool frmDBUpdate::eventFilter(QObject* watched, QEvent* event) {
+    auto* box = qobject_cast<QLineEdit*>(watched);
+    if (box && event->type() == QEvent::FocusOut && !checkingBox_) {
+        const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
+        // Another window coming up (a message box, a menu) is no leaving of the box, and
+        // Cancel leaves without judging it.
+        const bool toCancel = QApplication::focusWidget() == cmdCancel_;
+        if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason && !toCancel) boxLeft(*box);
     }
-    const int f = chosenFunction();
-    if (f == kConstant && !boxInRange(*txtConstantValue_, 0, kConstantMax)) return;
-    if (f == kCount && (!boxInRange(*txtCountNumber_, 0, kByteMax) || !boxInRange(*txtCountStep_, 0, kByteMax)))
-        return;
+    return QDialog::eventFilter(watched, event);
+}
 
-    ItemRecord r = editIndex_ >= 0 ? (*ctx_.records)[editIndex_] : ItemRecord{};
-    r.isDbUpdate = true;
-    r.name = std::string(kFunctionWords[static_cast<size_t>(f)]);
-    r.dbFieldName = dbField_;
-    r.dbColumn = dbColumn_;
-    r.param1.clear();
-    r.param2.clear();
-    r.param3.clear();
-    if (f == kConstant) {
-        r.param1 = plainNumber(*txtConstantValue_);
-    } else if (f == kCount) {
-        r.param1 = plainNumber(*txtCountNumber_);
-        r.param2 = plainNumber(*txtCountStep_);
-    } else {
-        r.param1 = optProperty_[1]->isChecked() ? "1" : "0";
-    }
-    if (editIndex_ >= 0)
-        (*ctx_.records)[editIndex_] = r;
-    else if (!ctx_.records->add(r))
+void frmDBUpdate::okClicked() {
+    // The box just refused has told the operator already.
+    if (refusedBox_) return;
+    const LayoutDocument::DbUpdateResult result = doc_.applyDbUpdate(entries(), editIndex_);
+    if (!result.stored) {
+        switch (static_cast<DbUpdateBox>(result.focusBox)) {
+        case DbUpdateBox::Fields: grdFields_->setFocus(); break;
+        case DbUpdateBox::ConstantValue: txtConstantValue_->setFocus(); break;
+        case DbUpdateBox::CountNumber: txtCountNumber_->setFocus(); break;
+        case DbUpdateBox::CountStep: txtCountStep_->setFocus(); break;
+        case DbUpdateBox::None: break;
+        }
         return;
+    }
     Cancelled = false;
     accept();
 }

@@ -2,9 +2,8 @@
 #include <QDialog>
 #include <array>
 #include <cstdint>
-#include <string>
 
-#include "DialogContext.h"
+#include "rules/DatabaseUpdateRules.h"
 
 class QLabel;
 class QLineEdit;
@@ -13,36 +12,46 @@ class QTableWidget;
 
 namespace kestrin {
 
+class LayoutDocument;
+
 // Adds or edits one database-update item: a host database field that the host writes back
 // after a card is encoded, with the function that gives the value ("Constant" with its
 // value, "Count" with start number and step, "CardSnNr" as decimal or hexadecimal text).
 //
 // editIndex is the record index of the row being edited; -1 (or an index that holds no
-// database-update record) adds a new one. OK writes exactly one record, in place when
-// editing; Cancel leaves the records untouched. Count keeps the start number in param1
-// and the step in param2, the order the database-update grid summary reads them in.
+// database-update record) adds a new one. OK hands the entries to the layout document, which
+// checks them and writes exactly one record, in place when editing; Cancel changes nothing.
 class frmDBUpdate : public QDialog {
     Q_OBJECT
 public:
-    frmDBUpdate(DialogContext ctx, int32_t editIndex = -1, QWidget* parent = nullptr);
+    frmDBUpdate(LayoutDocument& doc, int32_t editIndex = -1, QWidget* parent = nullptr);
 
     // False after OK, true after Cancel (and until the dialog is closed with OK).
     bool Cancelled = true;
 
+    // The dialog's controls read into one request.
+    DbUpdateEntries entries() const;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void buildControls();
-    void presetFrom(int32_t index);
+    void presetFrom(const DbUpdateEntries& entries);
     void fieldChosen(int row);
     void functionChosen();
     int chosenFunction() const;
-    bool boxInRange(QLineEdit& box, int64_t min, int64_t max);
+    bool boxLeft(QLineEdit& box);
     void okClicked();
     void cancelClicked();
 
-    DialogContext ctx_;
+    LayoutDocument& doc_;
     int32_t editIndex_ = -1;
-    std::string dbField_;      // the chosen field's database field name
-    int16_t dbColumn_ = -1;    // and its column in the host project
+    std::string dbField_;    // the chosen field's database field name
+    int16_t dbColumn_ = -1;  // and its column in the host project
+    bool checkingBox_ = false;
+    QLineEdit* refusedBox_ = nullptr;  // refused when left and not edited since
+    QWidget* cmdCancel_ = nullptr;
 
     QTableWidget* grdFields_ = nullptr;
     QLineEdit* txtSelectedField_ = nullptr;

@@ -16,97 +16,30 @@
 #include <algorithm>
 
 #include "card/CIClass.h"
-#include "rules/FunctionProperties.h"
-#include "items/ItemColor.h"
-#include "rules/MultiTrackValidation.h"
-#include "items/RecordArray.h"
+#include "card/CardGeometry.h"
+#include "document/LayoutDocument.h"
 #include "persist/HostFields.h"
 #include "preview/PagePainter.h"
+#include "shared/DialogParts.h"
 #include "text/Translator.h"
 
 namespace kestrin {
 
 namespace {
 
-constexpr int kBytesPerBlock = 8;
-constexpr int kBitsPerByte = 8;
 constexpr int kPreviewMaxHeight = 420;
-
-// Drops every printable key the number filter refuses; control keys (Tab, Enter, shortcuts)
-// and keys without text (arrows, Home, Delete) go on to the box.
-class DigitKeyFilter : public QObject {
-public:
-    using QObject::QObject;
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override {
-        if (event->type() == QEvent::KeyPress) {
-            const QString typed = static_cast<QKeyEvent*>(event)->text();
-            if (!typed.isEmpty()) {
-                const char32_t key = typed.toUcs4().value(0);
-                const bool control = key < 0x20 || key == 0x7F;
-                if (!control && !acceptsNumberKey(key)) return true;
-            }
-        }
-        return QObject::eventFilter(watched, event);
-    }
-};
-
-QString text(const DialogContext& ctx, int32_t id, const char* defaultText) {
-    return QString::fromStdString(ctx.translator->text(id, defaultText));
-}
-
-template <class T>
-T* named(T* widget, const char* name) {
-    widget->setObjectName(name);
-    return widget;
-}
 
 }  // namespace
 
-void filterToDigits(QLineEdit& box) {
-    box.installEventFilter(new DigitKeyFilter(&box));
-    // Pasted or dropped text arrives as an edit: keep only what the key filter would let in.
-    QObject::connect(&box, &QLineEdit::textEdited, &box, [&box](const QString& typed) {
-        const QString kept = QString::fromStdString(filterNumberText(typed.toStdString()));
-        if (kept != typed) box.setText(kept);
-    });
-}
-
-void fillFieldGrid(QTableWidget& grid, const DialogContext& ctx) {
-    grid.setColumnCount(2);
-    grid.setHorizontalHeaderLabels({text(ctx, 3154, "<Field Name>"), text(ctx, 3184, "<Field Type>")});
-    grid.verticalHeader()->hide();
-    grid.setEditTriggers(QAbstractItemView::NoEditTriggers);
-    grid.setSelectionBehavior(QAbstractItemView::SelectRows);
-    grid.setSelectionMode(QAbstractItemView::SingleSelection);
-    grid.horizontalHeader()->setStretchLastSection(true);
-    const auto& fields = ctx.fields ? ctx.fields->fields() : std::vector<HostField>{};
-    grid.setRowCount(static_cast<int>(fields.size()));
-    for (size_t i = 0; i < fields.size(); ++i) {
-        const int row = static_cast<int>(i);
-        grid.setItem(row, 0, new QTableWidgetItem(QString::fromStdString(fields[i].name)));
-        grid.setItem(row, 1, new QTableWidgetItem(QString::fromStdString(fields[i].fieldType)));
-    }
-    grid.resizeColumnToContents(0);
-    grid.setColumnWidth(0, std::max(grid.columnWidth(0), 150));
-    grid.setMinimumWidth(grid.columnWidth(0) + 120);
-}
-
-frmMultiTrack::frmMultiTrack(DialogContext ctx, EditorRecord record, QWidget* parent)
-    : QDialog(parent), ctx_(ctx) {
+frmMultiTrack::frmMultiTrack(LayoutDocument& doc, int32_t editIndex, QWidget* parent)
+    : QDialog(parent), doc_(doc), card_(doc.cardForEditing()),
+      owned_(editIndex >= 0 && editIndex < doc.records().size() ? editIndex : -1) {
     setObjectName("frmMultiTrack");
     buildControls();
     setCaptions();
-    fillFieldGrid(*grdFields_, ctx_);
+    fillFieldGrid(*grdFields_, doc_.fields(), doc_.translator());
     fillPages();
-    if (record.editing) {
-        // The stored record carries what the grid row does not show (its colour, above all).
-        const ItemPosition pos{record.page, record.block, record.beginByte, record.numBytes, record.beginBit, 0};
-        const uint16_t index = ctx_.records->findByPosition(pos, record.name, kKindBinaryField);
-        if (index != RecordArray::kNone) owned_ = (*ctx_.records)[index];
-        presetFrom(record);
-    }
+    if (owned_ >= 0) presetFrom(doc_.records()[owned_]);
     loading_ = false;
     updateSpinLimits();
     paintPreview();
@@ -193,21 +126,22 @@ void frmMultiTrack::buildControls() {
 }
 
 void frmMultiTrack::setCaptions() {
-    setWindowTitle(text(ctx_, 3192, "<Add item over multiple tracks>"));
-    findChild<QLabel*>("lblFieldFunction")->setText(text(ctx_, 3111, "<Field>"));
-    findChild<QGroupBox*>("fraAddTo")->setTitle(text(ctx_, 3138, "<Add to>"));
-    findChild<QLabel*>("lblPage")->setText(text(ctx_, 4606, "<Page>"));
-    findChild<QLabel*>("lblRow")->setText(text(ctx_, 3115, "Block"));
-    findChild<QLabel*>("lblBeginByte")->setText(text(ctx_, 3116, "<Begin Byte>"));
-    findChild<QLabel*>("lblBeginBit")->setText(text(ctx_, 4607, "<Begin Bit>"));
-    findChild<QLabel*>("lblNrOfBytes")->setText(text(ctx_, 4608, "<Nr of Bytes>"));
-    cmdApply_->setText(text(ctx_, 3153, "<&Apply>"));
+    const Translator& tr = doc_.translator();
+    setWindowTitle(translated(tr, 3192, "<Add item over multiple tracks>"));
+    findChild<QLabel*>("lblFieldFunction")->setText(translated(tr, kTextField));
+    findChild<QGroupBox*>("fraAddTo")->setTitle(translated(tr, kTextAddTo));
+    findChild<QLabel*>("lblPage")->setText(translated(tr, kTextPage));
+    findChild<QLabel*>("lblRow")->setText(translated(tr, kTextBlock));
+    findChild<QLabel*>("lblBeginByte")->setText(translated(tr, kTextBeginByte));
+    findChild<QLabel*>("lblBeginBit")->setText(translated(tr, kTextBeginBit));
+    findChild<QLabel*>("lblNrOfBytes")->setText(translated(tr, 4608, "<Nr of Bytes>"));
+    cmdApply_->setText(translated(tr, kTextApply));
     cmdOK_->setText(QStringLiteral("OK"));
     cmdCancel_->setText(QStringLiteral("Cancel"));
 }
 
 void frmMultiTrack::fillPages() {
-    for (const CPage* page : ctx_.card->Pages().list())
+    for (const CPage* page : card_.Pages().list())
         cboPage_->addItem(QString::number(page->PageNumber), page->PageNumber);
     cboPage_->setCurrentIndex(cboPage_->count() > 0 ? 0 : -1);
     fillRows(-1);
@@ -234,14 +168,20 @@ void frmMultiTrack::selectComboData(QComboBox& box, int value) {
     if (index >= 0) box.setCurrentIndex(index);
 }
 
-void frmMultiTrack::presetFrom(const EditorRecord& record) {
+// An older layout may name the item by the field's display name; it finds its field either way.
+void frmMultiTrack::presetFrom(const ItemRecord& record) {
     selectComboData(*cboPage_, record.page);
     fillRows(record.block);
     selectComboData(*cboBeginByte_, record.beginByte);
     selectComboData(*cboBeginBit_, record.beginBit);
-    const auto matches = grdFields_->findItems(QString::fromStdString(record.name), Qt::MatchExactly);
-    for (const QTableWidgetItem* match : matches)
-        if (match->column() == 0) grdFields_->selectRow(match->row());
+    const HostFieldList& fields = doc_.fields();
+    for (size_t i = 0; i < fields.fields().size(); ++i) {
+        const HostField& f = fields.fields()[i];
+        if (f.dbField == record.name || f.name == record.name) {
+            grdFields_->selectRow(static_cast<int>(i));
+            break;
+        }
+    }
     txtSelectedField_->setText(QString::fromStdString(record.name));
     txtNrBytes_->setText(QString::number(record.numBytes));
 }
@@ -251,14 +191,14 @@ int frmMultiTrack::currentPageNumber() const {
 }
 
 const CPage* frmMultiTrack::currentPage() const {
-    return ctx_.card->page(currentPageNumber());
+    return card_.page(currentPageNumber());
 }
 
 void frmMultiTrack::updateSpinLimits() {
     const CPage* page = currentPage();
     const int block = cboRow_->currentData().toInt();
     const int byte = cboBeginByte_->currentData().toInt();
-    const int room = page ? page->PageSize - (block * kBytesPerBlock + byte) : 1;
+    const int room = page ? page->PageSize - static_cast<int>(PageAddress::at(block, byte).byte()) : 1;
     const QSignalBlocker blocker(spinBytes_);
     spinBytes_->setRange(1, std::max(room, 1));
     bool ok = false;
@@ -269,7 +209,7 @@ void frmMultiTrack::updateSpinLimits() {
 void frmMultiTrack::paintPreview() {
     const CPage* page = currentPage();
     if (!page) return;
-    paintPage(*grdPreview_, *page, *ctx_.records, page->blockCount() > 32);
+    paintPage(*grdPreview_, *page, doc_.records(), page->blockCount() > 32);
     fitPageGrid(*grdPreview_);
     // A long page scrolls instead of stretching the dialog beyond the screen.
     if (grdPreview_->height() > kPreviewMaxHeight) {
@@ -311,50 +251,21 @@ void frmMultiTrack::spinChanged(int value) {
     txtNrBytes_->setText(QString::number(value));
 }
 
+MultiTrackRequest frmMultiTrack::request() const {
+    MultiTrackRequest q;
+    q.fieldName = txtSelectedField_->text().toStdString();
+    q.page = static_cast<int16_t>(currentPageNumber());
+    q.row = static_cast<int16_t>(cboRow_->currentData().isValid() ? cboRow_->currentData().toInt() : -1);
+    q.beginByte = static_cast<int16_t>(cboBeginByte_->currentData().isValid() ? cboBeginByte_->currentData().toInt() : -1);
+    q.beginBit = static_cast<int16_t>(cboBeginBit_->currentData().toInt());
+    q.nrBytesText = txtNrBytes_->text().toStdString();
+    return q;
+}
+
 bool frmMultiTrack::apply() {
-    MultiTrackRequest request;
-    request.fieldName = txtSelectedField_->text().toStdString();
-    request.page = static_cast<int16_t>(currentPageNumber());
-    request.row = static_cast<int16_t>(cboRow_->currentData().isValid() ? cboRow_->currentData().toInt() : -1);
-    request.beginByte =
-        static_cast<int16_t>(cboBeginByte_->currentData().isValid() ? cboBeginByte_->currentData().toInt() : -1);
-    request.beginBit = static_cast<int16_t>(cboBeginBit_->currentData().toInt());
-    request.nrBytesText = txtNrBytes_->text().toStdString();
-
-    RecordArray& records = *ctx_.records;
-    const RecordArray before = records;
-    int32_t slot = -1;
-    if (owned_) {
-        // The item being moved must not count as overlapping itself.
-        const ItemPosition pos{owned_->page, owned_->block, owned_->beginByte, owned_->numBytes, owned_->beginBit, 0};
-        const uint16_t index = records.findByPosition(pos, owned_->name, kKindBinaryField);
-        if (index != RecordArray::kNone) {
-            slot = index;
-            records.removeByPosition(pos, owned_->name, kKindBinaryField);
-        }
-    }
-    if (!ValidateMultiTrack(request, *ctx_.card, records, *ctx_.prompter, *ctx_.translator)) {
-        records = before;
-        return false;
-    }
-
-    ItemRecord item = owned_.value_or(ItemRecord{});
-    if (!owned_) item.color = randomItemColor();
-    item.isBinary = true;
-    item.name = request.fieldName;
-    item.page = request.page;
-    item.block = request.row;
-    item.beginByte = request.beginByte;
-    item.beginBit = request.beginBit;
-    item.numBytes = static_cast<int16_t>(txtNrBytes_->text().toInt());
-    item.numBits = 0;
-
-    records = before;
-    if (slot >= 0)
-        records[slot] = item;
-    else if (!records.add(item))
-        return false;
-    owned_ = item;
+    const LayoutDocument::ApplyResult result = doc_.applyMultiTrack(request(), owned_);
+    if (result.code == kPlacementRejected) return false;
+    owned_ = result.index;
     paintPreview();
     cmdApply_->setEnabled(false);
     return true;

@@ -1,10 +1,8 @@
 #pragma once
 #include <QDialog>
-#include <optional>
 
-#include "DialogContext.h"
-#include "items/EditorRecord.h"
 #include "items/ItemRecord.h"
+#include "rules/MultiTrackValidation.h"
 
 class QComboBox;
 class QLineEdit;
@@ -14,31 +12,24 @@ class QTableWidget;
 
 namespace kestrin {
 
+class CIClass;
 class CPage;
-class HostFieldList;
-
-// Lets only digits and backspace into a number box, whether typed or pasted; navigation
-// and control keys pass untouched. Shared by the item dialogs.
-void filterToDigits(QLineEdit& box);
-
-// Fills a two-column grid ("<Field Name>", "<Field Type>") with the host project's database
-// fields, one row each, selected by whole rows.
-void fillFieldGrid(QTableWidget& grid, const DialogContext& ctx);
+class LayoutDocument;
 
 // Places one database field over several tracks as a "Binary Field" item: the operator
 // picks the field, then page, block, begin byte, begin bit and the number of bytes.
 //
 // The dialog owns at most one record while it is open: the edited record (when opened for
-// editing) or the one its last Apply stored. Apply replaces that record in its array slot,
-// so applying twice moves the item rather than adding a copy; a refused Apply leaves the
-// array exactly as it was.
+// editing) or the one its last Apply stored. Apply hands the entries to the layout document,
+// which replaces that record in its slot, so applying twice moves the item rather than adding
+// a copy; a refused Apply leaves the records exactly as they were.
 //
 // spinBytes is a QSpinBox drawn as a bare up/down control beside txtNrBytes; its value
 // mirrors the box, from 1 to the bytes left in the page behind the chosen position.
 class frmMultiTrack : public QDialog {
     Q_OBJECT
 public:
-    frmMultiTrack(DialogContext ctx, EditorRecord record, QWidget* parent = nullptr);
+    frmMultiTrack(LayoutDocument& doc, int32_t editIndex = -1, QWidget* parent = nullptr);
 
     // False after OK, true after Cancel (and until the dialog is closed with OK).
     bool Cancelled = true;
@@ -48,7 +39,8 @@ private:
     void setCaptions();
     void fillPages();
     void fillRows(int keepBlock);
-    void presetFrom(const EditorRecord& record);
+    void presetFrom(const ItemRecord& record);
+    MultiTrackRequest request() const;
     void selectComboData(QComboBox& box, int value);
     void updateSpinLimits();
     void paintPreview();
@@ -64,8 +56,9 @@ private:
     void okClicked();
     void cancelClicked();
 
-    DialogContext ctx_;
-    std::optional<ItemRecord> owned_;  // the record this dialog placed or edits
+    LayoutDocument& doc_;
+    const CIClass& card_;
+    int32_t owned_;  // the record this dialog placed or edits; -1 before the first Apply
     bool loading_ = true;
 
     QTableWidget* grdFields_ = nullptr;

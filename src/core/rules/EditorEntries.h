@@ -2,8 +2,8 @@
 #include <cstdint>
 #include <string>
 
-#include "rules/FunctionProperties.h"
-#include "rules/PlacementValidation.h"
+#include "FunctionProperties.h"
+#include "PlacementValidation.h"
 #include "items/ItemRecord.h"
 #include "items/RecordArray.h"
 

@@ -1,9 +1,9 @@
-#include "EditorRequest.h"
+#include "EditorEntries.h"
 
 #include <algorithm>
 #include <cstdlib>
 
-#include "rules/Encodings.h"
+#include "Encodings.h"
 
 namespace kestrin {
 
