@@ -81,7 +81,10 @@ TEST(EditiClassFields, TwoChosenRowsMakeACombinedField) {
     Editor ed;
     ed.open(kModeField);
     ed.clickField(2);
-    ed.clickField(0);
+    ed.clickField(1);  // a plain click chooses one field
+    EXPECT_EQ(ed.text("txtSelectedField"), "NUMBER");
+    ed.clickField(2);
+    ed.clickField(0, Qt::ControlModifier);
     EXPECT_EQ(ed.text("txtSelectedField"), "BIRTH [+] NAME");
     // The first chosen field's type decides the options: a date offers three.
     EXPECT_TRUE(ed.child<QRadioButton>("optEncode(2)")->isVisible());
@@ -111,10 +114,10 @@ TEST(EditiClassFields, TheSizeBoxIsCutToThePageAndTheSpinButtonsStepIt) {
     ed.type("txtNrBytes", "300");
     EXPECT_EQ(ed.text("txtNrBytes"), "256");
     ed.type("txtNrBytes", "");
-    ed.click("spinBytesUp");
+    ed.spin("spinBytes", true);
     EXPECT_EQ(ed.text("txtNrBytes"), "2");
-    ed.click("spinBytesDown");
-    ed.click("spinBytesDown");
+    ed.spin("spinBytes", false);
+    ed.spin("spinBytes", false);
     EXPECT_EQ(ed.text("txtNrBytes"), "1");
     ed.type("txtNrBytes", "1x2");
     EXPECT_EQ(ed.text("txtNrBytes"), "12");

@@ -1,5 +1,6 @@
 #pragma once
 // The item editor on the shared dialog fixture.
+#include <QAbstractSpinBox>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -20,6 +21,12 @@ struct Editor : DialogFixture {
     // Opens the editor on the record a grid row shows.
     frmEditiClass& open(int32_t mode, const EditorRecord& row) { return open(mode, doc.recordIndexOf(row)); }
     bool applyEnabled() const { return child<QPushButton>("cmdApply")->isEnabled(); }
+    // Clicks the upper or lower arrow of a spin control.
+    void spin(const QString& name, bool up) const {
+        auto* arrows = child<QAbstractSpinBox>(name);
+        EXPECT_EQ(arrows->focusPolicy(), Qt::NoFocus);
+        QTest::mouseClick(arrows, Qt::LeftButton, {}, QPoint(arrows->width() / 2, arrows->height() * (up ? 1 : 3) / 4));
+    }
 };
 
 inline bool lightColour(int32_t bgr) {

@@ -5,6 +5,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFocusEvent>
+#include <QKeyEvent>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
@@ -66,7 +67,7 @@ void frmProperties::buildControls() {
 
     cmdOK_ = named(new QPushButton(this), "cmdOK");
     cmdCancel_ = named(new QPushButton(this), "cmdCancel");
-    cmdCancel_->setAutoDefault(false);
+    // A focused button answers Enter itself; with the focus elsewhere Enter means OK.
     cmdOK_->setDefault(true);
 
     auto* buttons = new QHBoxLayout;
@@ -272,6 +273,15 @@ void frmProperties::okClicked() {
     Cancelled = false;
     Unchanged = false;
     accept();
+}
+
+void frmProperties::keyPressEvent(QKeyEvent* event) {
+    // Escape is Cancel; only the window's close button keeps the written-back copy unchecked.
+    if (event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier) {
+        cancelClicked();
+        return;
+    }
+    QDialog::keyPressEvent(event);
 }
 
 void frmProperties::cancelClicked() {

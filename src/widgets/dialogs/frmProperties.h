@@ -27,7 +27,7 @@ class Translator;
 // Use: construct, hand over the caller's copy of the card with setCard(), exec(), then read
 // Cancelled (true: drop Card) and Unchanged (false: the layout was modified by OK).
 //
-// Every way of closing the dialog (OK, Cancel, Escape, the window's close button) ends in
+// Every way of closing the dialog (OK, Cancel or Escape, the window's close button) ends in
 // done(), which writes the controls back into Card. Closing with the window button therefore
 // leaves Cancelled false and Unchanged true, and the caller keeps the written-back copy
 // without the OK checks. A null Card is created on write-back.
@@ -49,6 +49,7 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void buildControls();

@@ -16,7 +16,6 @@ class QLineEdit;
 class QPushButton;
 class QRadioButton;
 class QTableWidget;
-class QToolButton;
 class QWidget;
 
 namespace kestrin {
@@ -30,10 +29,9 @@ class LayoutDocument;
 // document, which validates the placement and writes the item; the dialog stays open for the
 // next item until OK or Cancel.
 //
-// The size box's spin control is a small widget "spinBytes" holding two arrow buttons
-// ("spinBytesUp", "spinBytesDown"), likewise "spinRangeBytes" for the range count: the text
-// box stays the one place the value lives, so an empty box and the typing limits behave the
-// same whether the operator types or spins.
+// The size box's spin control "spinBytes" (likewise "spinRangeBytes" for the range count) is a
+// pair of spin arrows: the text box stays the one place the value lives, so an empty box and
+// the typing limits behave the same whether the operator types or spins.
 class frmEditiClass : public QDialog {
     Q_OBJECT
 public:

@@ -10,7 +10,6 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTableWidget>
-#include <QToolButton>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -20,6 +19,7 @@
 #include "preview/PagePainter.h"
 #include "rules/Encodings.h"
 #include "shared/DialogParts.h"
+#include "shared/SpinArrows.h"
 #include "text/Translator.h"
 
 namespace kestrin {
@@ -42,26 +42,13 @@ QLineEdit* frmEditiClass::numberBox(const char* name) {
 }
 
 QWidget* frmEditiClass::spinPair(const char* name, QLineEdit* box) {
-    auto* pair = named(new QWidget(this), name);
-    auto* layout = new QVBoxLayout(pair);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-    const QString base = QString::fromLatin1(name);
-    auto* up = new QToolButton(pair);
-    up->setObjectName(base + "Up");
-    up->setArrowType(Qt::UpArrow);
-    auto* down = new QToolButton(pair);
-    down->setObjectName(base + "Down");
-    down->setArrowType(Qt::DownArrow);
-    for (QToolButton* b : {up, down}) {
-        b->setFixedSize(18, 11);
-        layout->addWidget(b);
-    }
-    connect(up, &QToolButton::clicked, this,
-            [box] { box->setText(QString::fromStdString(spinUp(box->text().toStdString()))); });
-    connect(down, &QToolButton::clicked, this,
-            [box] { box->setText(QString::fromStdString(spinDown(box->text().toStdString()))); });
-    return pair;
+    auto* arrows = named(new SpinArrows(this), name);
+    connect(arrows, &SpinArrows::stepped, this, [box](int steps) {
+        std::string text = box->text().toStdString();
+        for (int i = 0; i < std::abs(steps); ++i) text = steps > 0 ? spinUp(text) : spinDown(text);
+        box->setText(QString::fromStdString(text));
+    });
+    return arrows;
 }
 
 QRadioButton* frmEditiClass::option(const QString& baseName, int index, QButtonGroup* group) {
@@ -104,7 +91,8 @@ QWidget* frmEditiClass::buildFieldPane() {
     auto* layout = new QVBoxLayout(fraFieldFunction_);
     grdFields_ = named(new QTableWidget(0, 4, this), "grdFields");
     grdFields_->setSelectionBehavior(QAbstractItemView::SelectRows);
-    grdFields_->setSelectionMode(QAbstractItemView::MultiSelection);
+    // A click chooses one field; Ctrl or Shift add fields to a combined field.
+    grdFields_->setSelectionMode(QAbstractItemView::ExtendedSelection);
     grdFields_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     grdFields_->verticalHeader()->hide();
     grdFields_->horizontalHeader()->setStretchLastSection(true);
@@ -280,7 +268,8 @@ QWidget* frmEditiClass::buildButtons() {
     layout->addWidget(cmdRemove_);
     layout->addStretch(1);
     for (QPushButton* b : {cmdApply_, cmdOK_, cmdCancel_}) layout->addWidget(b);
-    for (QPushButton* b : {cmdNew_, cmdRemove_, cmdApply_, cmdOK_, cmdCancel_}) b->setAutoDefault(false);
+    // A focused button answers Enter itself; with the focus elsewhere Enter means OK.
+    cmdOK_->setDefault(true);
     connect(cmdApply_, &QPushButton::clicked, this, [this] { apply(); });
     connect(cmdOK_, &QPushButton::clicked, this, &frmEditiClass::okClicked);
     connect(cmdNew_, &QPushButton::clicked, this, &frmEditiClass::newItem);

@@ -106,8 +106,7 @@ void frmDBUpdate::buildControls() {
     auto* cmdOK = named(new QPushButton(QStringLiteral("OK"), this), "cmdOK");
     auto* cmdCancel = named(new QPushButton(QStringLiteral("Cancel"), this), "cmdCancel");
     cmdCancel_ = cmdCancel;
-    cmdOK->setAutoDefault(false);
-    cmdCancel->setAutoDefault(false);
+    // A focused button answers Enter itself; with the focus elsewhere Enter means OK.
     cmdOK->setDefault(true);
 
     auto* right = new QVBoxLayout;

@@ -85,7 +85,7 @@ void frmMultiTrack::buildControls() {
     cmdApply_ = named(new QPushButton(this), "cmdApply");
     cmdOK_ = named(new QPushButton(this), "cmdOK");
     cmdCancel_ = named(new QPushButton(this), "cmdCancel");
-    for (QPushButton* b : {cmdApply_, cmdOK_, cmdCancel_}) b->setAutoDefault(false);
+    // A focused button answers Enter itself; with the focus elsewhere Enter means OK.
     cmdOK_->setDefault(true);
 
     auto* left = new QVBoxLayout;
