@@ -10,7 +10,6 @@
 #include <QMetaProperty>
 #include <QPlainTextEdit>
 
-#include "base/KestrinError.h"
 #include "control/IClass.h"
 
 namespace kestrin {
@@ -44,6 +43,12 @@ HostWindow::HostWindow(const QString& workFolder) {
     connect(control_, &IClass::Changed, this, [this] { log("event Changed"); });
     connect(control_, &IClass::GenericEvent, this,
             [this](const QString& name, const QString& params) { log("event GenericEvent " + name + " " + params); });
+    // An error the control raises is shown as a host shows an automation error.
+    connect(control_, &IClass::exception, this,
+            [this](int code, const QString& source, const QString& description, const QString&) {
+                log(QStringLiteral("error %1 %2: %3").arg(code).arg(source, description));
+                if (errorBoxes_) QMessageBox::critical(this, source, description);
+            });
     buildMenus();
     resize(1000, 700);
 }
@@ -77,26 +82,25 @@ void HostWindow::callMember(int methodIndex) {
     }
     std::vector<QVariant> values;
     for (int p = 0; p < method.parameterCount(); ++p) {
-        QVariant v(call[p + 1]);
-        v.convert(method.parameterMetaType(p));
+        const QMetaType type = method.parameterMetaType(p);
+        bool isNumber = false;
+        const int number = call[p + 1].toInt(&isNumber);
+        // An enumeration takes its value's number or name.
+        QVariant v = isNumber && (type.flags() & QMetaType::IsEnumeration) ? QVariant(number) : QVariant(call[p + 1]);
+        v.convert(type);
         values.push_back(v);
     }
     std::vector<QGenericArgument> args;
     for (auto& v : values) args.emplace_back(v.typeName(), v.data());
     while (args.size() < 4) args.emplace_back();
     QVariant result(method.returnMetaType(), nullptr);
-    try {
-        if (method.returnMetaType().id() == QMetaType::Void)
-            method.invoke(control_, Qt::DirectConnection, args[0], args[1], args[2], args[3]);
-        else
-            method.invoke(control_, Qt::DirectConnection,
-                          QGenericReturnArgument(method.returnMetaType().name(), result.data()), args[0], args[1],
-                          args[2], args[3]);
-        log("call " + call.join(' ') + (result.isValid() ? " -> " + result.toString() : QString()));
-    } catch (const KestrinError& e) {
-        log("error " + QString::fromStdString(e.description()));
-        QMessageBox::critical(this, QString::fromStdString(e.source()), QString::fromStdString(e.description()));
-    }
+    if (method.returnMetaType().id() == QMetaType::Void)
+        method.invoke(control_, Qt::DirectConnection, args[0], args[1], args[2], args[3]);
+    else
+        method.invoke(control_, Qt::DirectConnection,
+                      QGenericReturnArgument(method.returnMetaType().name(), result.data()), args[0], args[1], args[2],
+                      args[3]);
+    log("call " + call.join(' ') + (result.isValid() ? " -> " + result.toString() : QString()));
 }
 
 void HostWindow::editProperty(int propertyIndex) {

@@ -18,6 +18,8 @@ public:
     explicit HostWindow(const QString& workFolder);
     IClass& control() { return *control_; }
     void log(const QString& line);
+    // Errors the control raises appear in error boxes unless a script answers for the operator.
+    void setErrorBoxes(bool on) { errorBoxes_ = on; }
 
 private:
     void buildMenus();
@@ -27,6 +29,7 @@ private:
     CatalogRegistry registry_;
     IClass* control_ = nullptr;
     QPlainTextEdit* log_ = nullptr;
+    bool errorBoxes_ = true;
 };
 
 // Copies the bundled sample project and layouts into folder (once) so saving never touches

@@ -6,9 +6,9 @@
 #include <QDialog>
 #include <QLineEdit>
 #include <QMetaMethod>
+#include <utility>
 #include <QMetaProperty>
 
-#include "base/KestrinError.h"
 #include "control/IClass.h"
 
 namespace kestrin {
@@ -23,6 +23,14 @@ QVariant argumentOf(const QString& text, QMetaType type) {
     if (type.id() == QMetaType::Bool)
         return QVariant(text.compare("true", Qt::CaseInsensitive) == 0 || text == "1" || text == "-1");
     if (type.id() == QMetaType::Int) return QVariant(text.toInt());
+    if (type.flags() & QMetaType::IsEnumeration) {
+        // A number or the name of the value, as a host writes either.
+        bool isNumber = false;
+        const int number = text.toInt(&isNumber);
+        QVariant value = isNumber ? QVariant(number) : QVariant(text);
+        value.convert(type);
+        return value;
+    }
     return QVariant(text);
 }
 
@@ -44,6 +52,12 @@ ScriptRunner::ScriptRunner(IClass& control, std::function<void(const QString&)> 
     QObject::connect(&control_, &IClass::GenericEvent, [print](const QString& name, const QString& params) {
         print("event GenericEvent " + name + " " + params);
     });
+    // A raised error is the member's answer, as a host sees it.
+    QObject::connect(&control_, &IClass::exception,
+                     [this](int, const QString& source, const QString& description, const QString&) {
+                         raised_ = true;
+                         print_("error " + source + ": " + description);
+                     });
 }
 
 QStringList ScriptRunner::splitArguments(const QString& line) {
@@ -108,7 +122,8 @@ bool ScriptRunner::runStep(const Step& step) {
 
     const QMetaObject* meta = control_.metaObject();
     pendingActions_ = step.dialogActions;
-    try {
+    raised_ = false;
+    {
         const int propertyIndex = meta->indexOfProperty(name.toLatin1().constData());
         if (propertyIndex >= 0) {
             const QMetaProperty property = meta->property(propertyIndex);
@@ -140,12 +155,12 @@ bool ScriptRunner::runStep(const Step& step) {
                                                      generic[2], generic[3], generic[4], generic[5], generic[6],
                                                      generic[7], generic[8], generic[9]);
             if (!invoked) return fail("cannot call " + name);
-            if (method.returnMetaType().id() != QMetaType::Void) print_("result " + name + " " + shown(result));
+            // A member that raised an error answers with the error alone, as to a COM caller.
+            if (method.returnMetaType().id() != QMetaType::Void && !std::exchange(raised_, false))
+                print_("result " + name + " " + shown(result));
+            raised_ = false;
             return true;
         }
-    } catch (const KestrinError& e) {
-        print_("error " + QString::fromStdString(e.source()) + ": " + QString::fromStdString(e.description()));
-        return true;  // a raised error is the member's answer, as a host sees it
     }
     return fail("no member " + name);
 }

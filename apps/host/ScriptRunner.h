@@ -42,6 +42,7 @@ private:
     ScriptPrompter prompter_;
     ScriptFileChooser chooser_;
     std::vector<QStringList> pendingActions_;
+    bool raised_ = false;  // the member being called raised an error
 };
 
 }  // namespace kestrin

@@ -40,6 +40,7 @@ int main(int argc, char** argv) {
             std::fprintf(stderr, "kestrin-host: cannot read %s\n", parser.value("script").toLocal8Bit().constData());
             return 2;
         }
+        window.setErrorBoxes(false);
         kestrin::ScriptRunner runner(window.control(), printLine);
         return runner.run(QTextStream(&file).readAll().split('\n')) ? 0 : 1;
     }

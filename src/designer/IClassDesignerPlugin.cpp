@@ -6,7 +6,7 @@ namespace kestrin {
 
 QWidget* IClassDesignerPlugin::createWidget(QWidget* parent) {
     auto* control = new IClass(parent);
-    control->setProperty("designMode", true);  // a form being designed shows the picture, not the grids
+    control->setDesignMode(true);  // a form being designed shows the picture, not the grids
     return control;
 }
 

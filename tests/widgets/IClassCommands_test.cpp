@@ -9,7 +9,6 @@
 #include <filesystem>
 
 #include "IClass_test.h"
-#include "base/KestrinError.h"
 #include "card/CIClass.h"
 #include "persist/ProfileDocument.h"
 
@@ -39,6 +38,7 @@ int addFieldInEditor(QDialog& dialog, int block, int bytes) {
 namespace {
 
 const std::vector<QString> kRefresh = {"Changed", "GenericEvent Hallo xyz"};
+const IClass::IClassType kEightPages = IClass::iBigEightPages;
 
 TEST(IClassSession, AHostMakesSavesClosesAndReopensALayoutByMemberName) {
     Host host;
@@ -79,7 +79,7 @@ TEST(IClassSession, AHostMakesSavesClosesAndReopensALayoutByMemberName) {
 
 TEST(IClassSession, OpenLayoutRaisesTheReadersErrorAndSaveLayoutUsesTheEncodePath) {
     Host host;
-    EXPECT_THROW(host.openLayout(""), KestrinError);
+    EXPECT_FALSE(host.openLayout(""));
     host.startLayout();
     std::filesystem::create_directories(host.dir / "encode");
     host.set("EncodePath", host.path("encode"));
@@ -183,14 +183,14 @@ TEST(IClassCommands, PropertiesConfirmedOnANewLayoutAreOneChange) {
 
 TEST(IClassCommands, WithoutALayoutTheCardCommandsLeaveNoCardForThePreview) {
     Host host;
-    EXPECT_TRUE(QMetaObject::invokeMethod(&host.control, "SetChipType", Q_ARG(int, iBigEightPages)));
+    EXPECT_TRUE(QMetaObject::invokeMethod(&host.control, "SetChipType", QGenericArgument("IClassType", &kEightPages)));
     host.call("SetAppBoundaries", QString("10|12|13|14|15|16|17|18"));
     host.call("ShowPreview");
     EXPECT_EQ(host.messageTexts(), std::vector<std::string>{"Error: no iClass object found!"});
     EXPECT_TRUE(host.dialogs.empty());
 
     host.call("NewLayout", false);
-    EXPECT_TRUE(QMetaObject::invokeMethod(&host.control, "SetChipType", Q_ARG(int, iBigEightPages)));
+    EXPECT_TRUE(QMetaObject::invokeMethod(&host.control, "SetChipType", QGenericArgument("IClassType", &kEightPages)));
     host.call("SetAppBoundaries", QString("10|12|13|14|15|16|17|18"));
     EXPECT_EQ(host.control.document().card()->GetBoundary(1), 12);
     host.call("ShowPreview");

@@ -43,8 +43,8 @@ TEST(IClassSplitter, DraggingTheStripMovesTheBoundaryBetweenTheGrids) {
     drag(control, {200, 40}, {200, 10});  // inside the item grid: no drag
     EXPECT_EQ(control.itemGrid()->height(), 90);
 
-    control.setProperty("designMode", true);
+    control.setDesignMode(true);
     drag(control, {200, 90}, {200, 30});
-    control.setProperty("designMode", false);
+    control.setDesignMode(false);
     EXPECT_EQ(control.itemGrid()->height(), 90);
 }

@@ -9,6 +9,8 @@
 #include <QMetaMethod>
 #include <QMetaProperty>
 #include <QPushButton>
+#include <QRegularExpression>
+#include <QMetaEnum>
 #include <QTest>
 
 #include "base/ProductInfo.h"
@@ -58,15 +60,32 @@ std::vector<std::string> declaredMethods(const QMetaObject& mo) {
     return names;
 }
 
-TEST(IClassInterface, The39MembersAreDeclaredInTheHostInterfaceOrder) {
+// What an ActiveX server makes of the meta-object: from the class named by ToSuperClass on,
+// exactly the interface's 13 properties and 26 methods in their order, and three events.
+TEST(IClassInterface, TheAutomationSurfaceHoldsTheInterfaceInOrderAndNothingElse) {
     ASSERT_EQ(kInterface.size(), 39u);
     const QMetaObject& mo = IClass::staticMetaObject;
-    std::vector<std::string> properties, methods;
+    auto info = [&](const char* name) { return QString::fromLatin1(mo.classInfo(mo.indexOfClassInfo(name)).value()); };
+    EXPECT_EQ(info("ToSuperClass"), QString::fromLatin1(mo.className()));
+    const QRegularExpression guid("^\\{[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}\\}$");
+    for (const char* id : {"ClassID", "InterfaceID", "EventsID"}) EXPECT_TRUE(guid.match(info(id)).hasMatch()) << id;
+
+    std::vector<std::string> properties, methods, signalNames;
     for (const Member& m : kInterface) (m.property ? properties : methods).push_back(m.name);
-    properties.push_back("designMode");  // the container's mode, after the interface
     EXPECT_EQ(declaredProperties(mo), properties);
     EXPECT_EQ(declaredMethods(mo), methods);
-    EXPECT_STREQ(mo.className(), "kestrin::IClass");
+    for (int i = mo.methodOffset(); i < mo.methodCount(); ++i)
+        if (mo.method(i).methodType() == QMetaMethod::Signal) signalNames.push_back(mo.method(i).name().toStdString());
+    EXPECT_EQ(signalNames, (std::vector<std::string>{"Changed", "GenericEvent", "exception"}));
+    EXPECT_EQ(mo.method(mo.indexOfSignal("exception(int,QString,QString,QString)")).parameterNames(),
+              (QList<QByteArray>{"code", "source", "description", "help"}));
+
+    const QMetaEnum chip = mo.enumerator(mo.indexOfEnumerator("IClassType"));
+    ASSERT_TRUE(chip.isValid());
+    EXPECT_EQ(std::vector<int>({chip.keyToValue("iSmallOnePage"), chip.keyToValue("iBigOnePage"),
+                                chip.keyToValue("iBigEightPages")}),
+              std::vector<int>({0, 1, 2}));
+    EXPECT_EQ(mo.method(mo.indexOfMethod("SetChipType(IClassType)")).parameterNames(), QList<QByteArray>{"sChipType"});
 }
 
 struct PropertyCase {
@@ -84,7 +103,7 @@ TEST(IClassInterface, PropertyTypesAndReadOnlyMembers) {
         {"LayoutFile", false, QMetaType::QString},      {"EncodePath", true, QMetaType::QString},
         {"Saved", false, QMetaType::Bool},              {"LanguageDLL", true, QMetaType::Int},
         {"CustomLanguageDLL", true, QMetaType::Int},    {"AppName", true, QMetaType::QString},
-        {"SelectedGrid", false, QMetaType::QString},    {"designMode", true, QMetaType::Bool},
+        {"SelectedGrid", false, QMetaType::QString},
     };
     for (const PropertyCase& c : cases) {
         const int index = mo.indexOfProperty(c.name);
@@ -92,28 +111,32 @@ TEST(IClassInterface, PropertyTypesAndReadOnlyMembers) {
         EXPECT_EQ(mo.property(index).isWritable(), c.writable) << c.name;
         EXPECT_EQ(mo.property(index).typeId(), c.type) << c.name;
     }
-}
-
-TEST(IClassInterface, MethodSignaturesEventsAndAboutEntry) {
-    const QMetaObject& mo = IClass::staticMetaObject;
     for (const char* signature :
-         {"SetChipType(int)", "SetAppBoundaries(QString)", "NewLayout(bool)", "SaveLayout()", "OpenLayout(QString)",
+         {"SetAppBoundaries(QString)", "NewLayout(bool)", "SaveLayout()", "OpenLayout(QString)",
           "CallGenericFunction(QString,QString)", "CallGenericFunction(QString)", "SetPropertyValue(QString,QString)",
           "GetPropertyValue(QString)", "SetObjectProperty(QString,QObject*)", "GetObjectProperty(QString)"})
         EXPECT_GE(mo.indexOfMethod(signature), 0) << signature;
     EXPECT_EQ(mo.method(mo.indexOfMethod("SaveLayout()")).returnType(), QMetaType::QVariant);
     EXPECT_EQ(mo.method(mo.indexOfMethod("OpenLayout(QString)")).parameterNames(), QList<QByteArray>{"sFileName"});
-    EXPECT_EQ(mo.method(mo.indexOfMethod("NewLayout(bool)")).parameterNames(), QList<QByteArray>{"bShowPropsDlg"});
+}
 
-    const QMetaMethod changed = mo.method(mo.indexOfSignal("Changed()"));
-    const QMetaMethod generic = mo.method(mo.indexOfSignal("GenericEvent(QString,QString)"));
-    EXPECT_EQ(changed.methodType(), QMetaMethod::Signal);
-    EXPECT_EQ(generic.parameterNames(), (QList<QByteArray>{"sEventName", "sParamList"}));
-    EXPECT_LT(changed.methodIndex(), generic.methodIndex());
-
-    const int about = mo.indexOfClassInfo("ShowAbout");
-    ASSERT_GE(about, 0);
-    EXPECT_STREQ(mo.classInfo(about).value(), "about");
+// No C++ exception leaves a member: a raised error reaches the host through the exception
+// signal before the member returns.
+TEST(IClassInterface, RaisedErrorsArriveThroughTheExceptionSignal) {
+    Host host;
+    std::vector<QString> errors;
+    QObject::connect(&host.control, &IClass::exception,
+                     [&](int code, const QString& source, const QString& description, const QString&) {
+                         errors.push_back(QStringLiteral("%1 %2: %3").arg(code).arg(source, description));
+                     });
+    EXPECT_FALSE(host.openLayout(""));
+    EXPECT_FALSE(host.openLayout(host.path("Missing.IIF")));
+    host.call("NewLayout", false);
+    host.call("SetAppBoundaries", QString("10|11|12|13|14|15|16|17"));  // a one-page card takes none
+    ASSERT_EQ(errors.size(), 3u);
+    EXPECT_EQ(errors[0], "52 iClass UserControl: No filename given.");
+    EXPECT_EQ(errors[1], "53 iClass UserControl: File doesn't exist");
+    EXPECT_TRUE(errors[2].startsWith("9 ")) << errors[2].toStdString();
 }
 
 TEST(IClassState, ANewControlHoldsEmptyValuesAndTheItemGridIsSelected) {
@@ -121,7 +144,8 @@ TEST(IClassState, ANewControlHoldsEmptyValuesAndTheItemGridIsSelected) {
     EXPECT_EQ(control.objectName(), "iClass");
     for (const char* text : {"ProjectFile", "IifDirectory", "PellmarkINI", "LayoutFile", "EncodePath", "AppName"})
         EXPECT_EQ(control.property(text).toString(), "") << text;
-    for (const char* flag : {"CLessLayoutEntered", "UseBit", "UseHID", "Saved", "designMode"})
+    EXPECT_FALSE(control.designMode());
+    for (const char* flag : {"CLessLayoutEntered", "UseBit", "UseHID", "Saved"})
         EXPECT_FALSE(control.property(flag).toBool()) << flag;
     EXPECT_EQ(control.property("LanguageDLL").toInt(), 0);
     EXPECT_EQ(control.property("CustomLanguageDLL").toInt(), 0);
@@ -195,7 +219,7 @@ TEST(IClassSurface, RunModeShowsTheGridsWithTipsAndDesignModeThePicture) {
     EXPECT_EQ(host.grid("grdDBUpdateFields")->toolTip(), "T3196");
     EXPECT_FALSE(host.grid("grdItems")->verticalHeader()->isVisible());
 
-    host.set("designMode", true);
+    host.control.setDesignMode(true);
     host.control.resize(250, 90);
     EXPECT_TRUE(picture->isVisible());
     EXPECT_FALSE(host.grid("grdItems")->isVisible());

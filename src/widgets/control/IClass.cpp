@@ -252,6 +252,10 @@ void IClass::setDialogRunner(std::function<int(QDialog&)> runner) { dialogRunner
 
 int IClass::runDialog(QDialog& dialog) { return dialogRunner_ ? dialogRunner_(dialog) : dialog.exec(); }
 
+void IClass::raise(int code, const QString& source, const QString& description) {
+    emit exception(code, source, description, QString());
+}
+
 QString IClass::text(int32_t id, const char* defaultText) const {
     return QString::fromStdString(doc_.text(id, defaultText));
 }

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "base/Prompter.h"
+#include "card/IClassType.h"
 #include "document/LayoutDocument.h"
 #include "preview/DialogPrintServices.h"
 #include "text/CatalogRegistry.h"
@@ -30,15 +31,23 @@ class MessageBoxPrompter;
 // dispatch interface). Messages go through the Prompter, file names through the FileChooser,
 // so a host or a test can replace both.
 //
-// Errors: OpenLayout lets the reader's KestrinError ("No filename given.", "File doesn't
-// exist") through to the caller as the one exception the control raises; the host catches
-// it and shows its description. Every other member reports through message boxes and
-// returns normally.
+// Errors: no C++ exception leaves a member. A run-time error the control raises ("No filename
+// given.", "File doesn't exist", the page collection's lookup errors) is reported through the
+// exception() signal before the member returns, and on Windows to the COM caller as an
+// automation error. Every other failure is told to the operator in message boxes.
+//
+// The automation surface starts at this class (ToSuperClass): the 13 properties, the 26 methods
+// and the events Changed, GenericEvent and exception, with fixed class, interface and event
+// identifiers.
 class IClass : public QWidget {
     Q_OBJECT
+    Q_CLASSINFO("ClassID", "{CFF5FADD-5208-4487-8281-58F37B481C32}")
+    Q_CLASSINFO("InterfaceID", "{22881314-D62C-4247-8D49-30149AE52187}")
+    Q_CLASSINFO("EventsID", "{2D43453C-58DB-4979-8B00-28F17483292F}")
+    Q_CLASSINFO("ToSuperClass", "kestrin::IClass")
+    Q_CLASSINFO("Description", "Kestrin layout designer control")
     // ShowAbout is the control's About entry (the container's standard about-box member).
     Q_CLASSINFO("ShowAbout", "about")
-    Q_CLASSINFO("AboutMember", "ShowAbout")
 
     Q_PROPERTY(QString ProjectFile READ ProjectFile WRITE setProjectFile)
     Q_PROPERTY(QString IifDirectory READ IifDirectory WRITE setIifDirectory)
@@ -53,15 +62,21 @@ class IClass : public QWidget {
     Q_PROPERTY(int CustomLanguageDLL READ CustomLanguageDLL WRITE setCustomLanguageDLL)
     Q_PROPERTY(QString AppName READ AppName WRITE setAppName)
     Q_PROPERTY(QString SelectedGrid READ SelectedGrid)
-    // Not part of the host interface: the container's design mode.
-    Q_PROPERTY(bool designMode READ designMode WRITE setDesignMode)
 
 public:
+    // The chip types, as the host passes them to SetChipType.
+    enum IClassType {
+        iSmallOnePage = kestrin::iSmallOnePage,
+        iBigOnePage = kestrin::iBigOnePage,
+        iBigEightPages = kestrin::iBigEightPages,
+    };
+    Q_ENUM(IClassType)
+
     explicit IClass(QWidget* parent = nullptr);
     ~IClass() override;
 
     // Host interface, in its order (properties are the Q_PROPERTYs above).
-    Q_INVOKABLE void SetChipType(int sChipType);
+    Q_INVOKABLE void SetChipType(IClassType sChipType);
     Q_INVOKABLE void SetAppBoundaries(QString sBoundaries);
     Q_INVOKABLE void AddField();
     Q_INVOKABLE void AddFunction();
@@ -75,8 +90,8 @@ public:
     // Holds the saved mark (bool) after the save.
     Q_INVOKABLE QVariant SaveLayout();
     Q_INVOKABLE bool SaveiClassAs();
-    // Throws KestrinError for an empty name or a missing file; false when the operator
-    // refused a file of a later version.
+    // Raises an error for an empty name or a missing file; false when the operator refused
+    // a file of a later version.
     Q_INVOKABLE bool OpenLayout(QString sFileName);
     Q_INVOKABLE bool CloseLayout();
     // True when the project file gave at least one database field.
@@ -116,6 +131,8 @@ public:
     QString AppName() const { return appName_; }
     void setAppName(const QString& v) { appName_ = v; }
     QString SelectedGrid() const { return selectedGrid_; }
+    // The container's design mode: the grids give way to a picture. Not part of the host
+    // interface; a container sets it (on Windows from its ambient user mode).
     bool designMode() const { return designMode_; }
     void setDesignMode(bool on);
 
@@ -139,6 +156,8 @@ public:
 signals:
     void Changed();
     void GenericEvent(QString sEventName, QString sParamList);
+    // A run-time error raised by a member, reported before the member returns.
+    void exception(int code, const QString& source, const QString& description, const QString& help);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -164,10 +183,17 @@ private:
     void editDbUpdateRow();
     void runProperties();
 
+    // Files (IClassFiles.cpp).
+    bool saveAs();
+
     // Bridge (IClassBridge.cpp).
     bool acceptsBridgeName(const QString& name);
 
     QString text(int32_t id, const char* defaultText = "") const;
+    // Runs a member's work; an error it raises is reported, never thrown on to the host.
+    template <class Fn>
+    auto guarded(Fn&& work) -> decltype(work());
+    void raise(int code, const QString& source, const QString& description);
     int runDialog(QDialog& dialog);
 
     std::unique_ptr<MessageBoxPrompter> ownPrompter_;

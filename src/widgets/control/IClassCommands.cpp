@@ -2,7 +2,7 @@
 // layout properties and the preview. Each dialog session is one change of the document.
 #include <QTableView>
 
-#include "IClass.h"
+#include "IClassGuard.h"
 #include "base/ProductInfo.h"
 #include "dialogs/frmProperties.h"
 #include "editor/frmEditiClass.h"
@@ -12,9 +12,14 @@
 
 namespace kestrin {
 
-void IClass::SetChipType(int sChipType) { doc_.setChipType(sChipType); }
+void IClass::SetChipType(IClassType sChipType) {
+    guarded([&] { doc_.setChipType(sChipType); });
+}
 
-void IClass::SetAppBoundaries(QString sBoundaries) { doc_.setAppBoundaries(sBoundaries.toStdString()); }
+void IClass::SetAppBoundaries(QString sBoundaries) {
+    // A one-page card refuses boundaries with the page collection's lookup error.
+    guarded([&] { doc_.setAppBoundaries(sBoundaries.toStdString()); });
+}
 
 void IClass::AddField() { addItem(kModeField); }
 
@@ -22,9 +27,11 @@ void IClass::AddFunction() { addItem(kModeFunction); }
 
 void IClass::addItem(int32_t mode) {
     if (!doc_.layoutEntered()) return;
-    doc_.batch([&] {
-        frmEditiClass dialog(doc_, mode, -1, this);
-        runDialog(dialog);
+    guarded([&] {
+        doc_.batch([&] {
+            frmEditiClass dialog(doc_, mode, -1, this);
+            runDialog(dialog);
+        });
     });
 }
 
@@ -36,16 +43,20 @@ void IClass::AddBitFunction() { AddBitField(); }
 
 void IClass::AddDBUpdateItem() {
     if (!doc_.layoutEntered()) return;
-    doc_.batch([&] {
-        frmDBUpdate dialog(doc_, -1, this);
-        runDialog(dialog);
+    guarded([&] {
+        doc_.batch([&] {
+            frmDBUpdate dialog(doc_, -1, this);
+            runDialog(dialog);
+        });
     });
 }
 
 void IClass::AddItemOverMultipleTracks() {
-    doc_.batch([&] {
-        frmMultiTrack dialog(doc_, -1, this);
-        runDialog(dialog);
+    guarded([&] {
+        doc_.batch([&] {
+            frmMultiTrack dialog(doc_, -1, this);
+            runDialog(dialog);
+        });
     });
 }
 
@@ -61,38 +72,48 @@ void IClass::editItemRecord(const EditorRecord& record) {
         return;
     }
     const int32_t index = doc_.recordIndexOf(record);
-    doc_.batch([&] {
-        if (record.kindWord == kKindBinaryField) {
-            frmMultiTrack dialog(doc_, index, this);
-            runDialog(dialog);
-        } else {
-            frmEditiClass dialog(doc_, record.kindCode, index, this);
-            runDialog(dialog);
-        }
+    guarded([&] {
+        doc_.batch([&] {
+            if (record.kindWord == kKindBinaryField) {
+                frmMultiTrack dialog(doc_, index, this);
+                runDialog(dialog);
+            } else {
+                frmEditiClass dialog(doc_, record.kindCode, index, this);
+                runDialog(dialog);
+            }
+        });
     });
 }
 
 void IClass::editDbUpdateRow() {
     if (!doc_.layoutEntered()) return;
     // A row without an update opens the dialog for a new one.
-    doc_.batch([&] {
-        frmDBUpdate dialog(doc_, doc_.dbUpdateIndexOfRow(currentRow(grdDBUpdateFields_)), this);
-        runDialog(dialog);
+    guarded([&] {
+        doc_.batch([&] {
+            frmDBUpdate dialog(doc_, doc_.dbUpdateIndexOfRow(currentRow(grdDBUpdateFields_)), this);
+            runDialog(dialog);
+        });
     });
 }
 
-void IClass::RemoveItem() { doc_.removeItemRow(currentRow(grdItems_)); }
+void IClass::RemoveItem() {
+    guarded([&] { doc_.removeItemRow(currentRow(grdItems_)); });
+}
 
-void IClass::RemoveDBUpdateItem() { doc_.removeDbUpdateRow(currentRow(grdDBUpdateFields_)); }
+void IClass::RemoveDBUpdateItem() {
+    guarded([&] { doc_.removeDbUpdateRow(currentRow(grdDBUpdateFields_)); });
+}
 
 void IClass::ShowPreview() {
     if (!doc_.card()) {
         doc_.prompter().tell(Icon::Exclamation, "Error: no iClass object found!", kProductTitle);
         return;
     }
-    frmPreview dialog(*doc_.card(), doc_.records(), doc_.translator(), LayoutFile(),
-                      PrintServices{printSetup_, chooser_}, this);
-    runDialog(dialog);
+    guarded([&] {
+        frmPreview dialog(*doc_.card(), doc_.records(), doc_.translator(), LayoutFile(),
+                          PrintServices{printSetup_, chooser_}, this);
+        runDialog(dialog);
+    });
 }
 
 // The properties dialog edits a copy of the card; OK (or the window's close button) hands
@@ -105,13 +126,17 @@ void IClass::runProperties() {
     doc_.adoptCard(*dialog.Card, !dialog.Unchanged);
 }
 
-void IClass::SetProperties() { runProperties(); }
+void IClass::SetProperties() {
+    guarded([&] { runProperties(); });
+}
 
 void IClass::NewLayout(bool bShowPropsDlg) {
     // The new layout and the properties chosen for it are one change.
-    doc_.batch([&] {
-        doc_.newLayout();
-        if (bShowPropsDlg) runProperties();
+    guarded([&] {
+        doc_.batch([&] {
+            doc_.newLayout();
+            if (bShowPropsDlg) runProperties();
+        });
     });
 }
 

@@ -2,7 +2,7 @@
 #include <QStringList>
 #include <filesystem>
 
-#include "IClass.h"
+#include "IClassGuard.h"
 
 namespace kestrin {
 
@@ -28,19 +28,24 @@ QString qtFileFilter(const QString& pipeFilter) {
 }
 
 bool IClass::OpenLayout(QString sFileName) {
-    // KestrinError from the reader goes on to the host unchanged.
-    return doc_.open(toPath(sFileName)).opened;
+    return guarded([&] { return doc_.open(toPath(sFileName)).opened; });
 }
 
 QVariant IClass::SaveLayout() {
-    if (doc_.layoutFile().empty())
-        SaveiClassAs();
-    else
-        doc_.save();
-    return QVariant(doc_.saved());
+    return guarded([&] {
+        if (doc_.layoutFile().empty())
+            SaveiClassAs();
+        else
+            doc_.save();
+        return QVariant(doc_.saved());
+    });
 }
 
 bool IClass::SaveiClassAs() {
+    return guarded([&] { return saveAs(); });
+}
+
+bool IClass::saveAs() {
     QString chosen;
     try {
         chosen = chooser_->saveFileName(this, QString::fromStdString(doc_.saveDialogTitle()), encodePath_,
@@ -54,16 +59,20 @@ bool IClass::SaveiClassAs() {
 }
 
 bool IClass::CloseLayout() {
-    if (!doc_.close([this] { return SaveiClassAs(); })) return false;
-    // The grids go back to their single empty row; closing is no change of a layout.
-    rebuildGrids();
-    return true;
+    return guarded([&] {
+        if (!doc_.close([this] { return saveAs(); })) return false;
+        // The grids go back to their single empty row; closing is no change of a layout.
+        rebuildGrids();
+        return true;
+    });
 }
 
 bool IClass::FetchDBFields() {
-    const bool found = doc_.fetchFields(toPath(projectFile_));
-    rebuildGrids();
-    return found;
+    return guarded([&] {
+        const bool found = doc_.fetchFields(toPath(projectFile_));
+        rebuildGrids();
+        return found;
+    });
 }
 
 }  // namespace kestrin
