@@ -104,27 +104,35 @@ public:
     }
 
 private:
-    // An entry as its drop describes it, before the reason is known.
-    static DroppedEntry about(std::string_view section, const std::string& key, std::string name,
-                              std::string_view kind) {
-        return {std::string(section), key, std::move(name), std::string(kind), {}, {}, {}, 0, {}};
+    // An entry as its drop would describe it; nothing is copied unless it is dropped.
+    struct Entry {
+        std::string_view section, key, name, kind;
+        const ItemRecord* item = nullptr;  // the item as read so far: its name, kind and place
+    };
+    static Entry about(std::string_view section, std::string_view key, const ItemRecord& r) {
+        return {section, key, {}, {}, &r};
     }
 
-    void drop(DroppedEntry e, std::string why, int32_t textId = 0) {
+    // Drops the entry with a warning; placeText gives the place of an entry whose numbers did not read whole.
+    void drop(const Entry& e, std::string why, int32_t textId = 0, std::string_view placeText = {}) {
         if (result_.warnings.size() >= kMaxReadWarnings) {
             ++unlisted_;
             return;
         }
-        result_.warnings.push_back("[" + e.section + "] " + e.key + ": " + why + "; entry dropped");
-        e.reason = std::move(why);
-        e.textId = textId;
-        result_.dropped.push_back(std::move(e));
+        DroppedEntry d = e.item ? droppedItem(e.section, std::string(e.key), *e.item)
+                                : DroppedEntry{std::string(e.section), std::string(e.key), std::string(e.name),
+                                               std::string(e.kind), {}, {}, {}, 0, {}};
+        if (!placeText.empty()) placeAsFarAsRead(d, placeText);
+        result_.warnings.push_back("[" + d.section + "] " + d.key + ": " + why + "; entry dropped");
+        d.reason = std::move(why);
+        d.textId = textId;
+        result_.dropped.push_back(std::move(d));
     }
 
     void add(std::string_view section, const std::string& key, const ItemRecord& r) {
         if (records_.add(r)) return;
         ++tooMany_;
-        drop(droppedItem(section, key, r), "the layout holds too many items");
+        drop(about(section, key, r), "the layout holds too many items");
     }
 
     // Values are read through a buffer of kMaxValueChars characters, as the profile functions
@@ -148,26 +156,14 @@ private:
                                              first + ").");
     }
 
-    // At least n comma-separated 16-bit numbers, or nothing.
-    static std::optional<std::vector<int16_t>> shorts(const std::string& text, size_t n) {
-        auto list = parseNumberList(text);
-        if (!list || list->size() < n) return std::nullopt;
-        std::vector<int16_t> out;
-        for (int32_t v : *list) {
-            if (!fitsInt16(v)) return std::nullopt;
-            out.push_back(static_cast<int16_t>(v));
-        }
-        return out;
-    }
-
-    // The same, dropping the entry when it cannot be used; for a place, with the page, block
-    // and begin byte it gives before the numbers run short or out of range.
-    bool numbers(DroppedEntry entry, const std::string& text, size_t n, std::vector<int16_t>& out,
+    // At least n comma-separated 16-bit numbers, else the entry is dropped; for a place, with the
+    // page, block and begin byte it gives before the numbers run short or out of range.
+    bool numbers(const Entry& entry, const std::string& text, size_t n, std::vector<int16_t>& out,
                  bool isPlace = false) {
-        auto v = shorts(text, n);
+        auto v = parseShortList(text, n);
         if (!v) {
-            if (isPlace) placeAsFarAsRead(entry, text);
-            drop(std::move(entry), "\"" + text + "\" is not a list of " + std::to_string(n) + " numbers in range");
+            drop(entry, "\"" + text + "\" is not a list of " + std::to_string(n) + " numbers in range", 0,
+                 isPlace ? std::string_view(text) : std::string_view());
             return false;
         }
         out = std::move(*v);
@@ -177,7 +173,7 @@ private:
     // Keeps a record only when its place lies inside an existing page of the card.
     void keep(std::string_view section, const std::string& key, const ItemRecord& r, bool bitPlace) {
         if (auto unfit = unfitPlace(card_, r, bitPlace))
-            return drop(droppedItem(section, key, r), std::move(unfit->reason), unfit->textId);
+            return drop(about(section, key, r), std::move(unfit->reason), unfit->textId);
         add(section, key, r);
     }
 
@@ -186,7 +182,7 @@ private:
             if (numberedKey(key, "Place")) continue;
             std::vector<int16_t> pair;
             const std::string value = readLayoutString(doc_, S::CombinedFields, key);
-            if (!numbers(about(S::CombinedFields, key, splitFieldKey(key).first, kKindField), value, 2, pair))
+            if (!numbers(Entry{S::CombinedFields, key, splitFieldKey(key).first, kKindField}, value, 2, pair))
                 continue;
             combinedParts_.insert(key);
             groups_[pair[0]].push_back({pair[1], key});
@@ -199,7 +195,7 @@ private:
             std::vector<int16_t> v;
             ItemRecord r;
             r.name = splitFieldKey(key).first;
-            if (!numbers(about(S::Encode, key, r.name, kKindField), readLayoutString(doc_, S::Encode, key), 5, v, true))
+            if (!numbers(Entry{S::Encode, key, r.name, kKindField}, readLayoutString(doc_, S::Encode, key), 5, v, true))
                 continue;
             r.page = v[0], r.block = v[1], r.beginByte = v[2], r.numBytes = v[3], r.encodingCode = v[4];
             r.color = doc_.getInt(S::ItemColor, key, 0);
@@ -213,7 +209,7 @@ private:
         const std::string big = readLayoutString(doc_, S::BigItem, key);
         if (big.empty()) return;
         std::vector<int16_t> v;
-        if (!numbers(droppedItem(S::BigItem, key, r), big, 2, v)) return;
+        if (!numbers(about(S::BigItem, key, r), big, 2, v)) return;
         // "0,n" marks no big item; its number means nothing then and is not kept.
         r.isBinary = v[0] != 0;
         r.bigItemNumber = r.isBinary ? v[1] : int16_t{0};
@@ -225,7 +221,7 @@ private:
     void readBeginBit(const std::string& key, ItemRecord& r) {
         const std::string text = readLayoutString(doc_, S::FieldsMultiTrack, key);
         if (text.empty()) return;
-        const auto v = shorts(text, 5);
+        const auto v = parseShortList(text, 5);
         if (!v || (*v)[0] != r.page || (*v)[1] != r.block || (*v)[2] != r.beginByte || (*v)[4] != r.numBytes ||
             (*v)[3] < 0 || (*v)[3] > 7)
             return;
@@ -239,7 +235,7 @@ private:
             ItemRecord r;
             r.isBit = true;
             r.name = splitFieldKey(key).first;
-            if (!numbers(about(S::BitEncode, key, r.name, kKindBitField), readLayoutString(doc_, S::BitEncode, key), 6,
+            if (!numbers(Entry{S::BitEncode, key, r.name, kKindBitField}, readLayoutString(doc_, S::BitEncode, key), 6,
                          v, true))
                 continue;
             r.page = v[0], r.block = v[1], r.beginByte = v[2], r.beginBit = v[3], r.numBits = v[4];
@@ -263,16 +259,16 @@ private:
             std::vector<int16_t> encode, place;
             const std::string encodeText = readLayoutString(doc_, S::Encode, first);
             if (!encodeText.empty() &&
-                !numbers(about(S::Encode, first, r.name, kKindField), encodeText, 5, encode, true))
+                !numbers(Entry{S::Encode, first, r.name, kKindField}, encodeText, 5, encode, true))
                 continue;
             const std::string placeText = readLayoutString(doc_, S::CombinedFields, placeKey);
             if (!placeText.empty()) {
-                if (!numbers(about(S::CombinedFields, placeKey, r.name, kKindField), placeText, 4, place, true))
+                if (!numbers(Entry{S::CombinedFields, placeKey, r.name, kKindField}, placeText, 4, place, true))
                     continue;
             } else if (!encode.empty()) {
                 place = encode;
             } else {
-                drop(about(S::CombinedFields, first, r.name, kKindField), "the combined field has no place",
+                drop(Entry{S::CombinedFields, first, r.name, kKindField}, "the combined field has no place",
                      kTextIncomplete);
                 continue;
             }
@@ -292,11 +288,11 @@ private:
             const std::string_view kind = bitSection ? kKindBitFunction : kKindFunction;
             auto f = parseFunctionValue(readLayoutString(doc_, section, valueKey));
             if (!f || f->word.empty()) {
-                drop(about(section, valueKey, {}, kind), "not a function value");
+                drop(Entry{section, valueKey, {}, kind}, "not a function value");
                 continue;
             }
             std::vector<int16_t> p;
-            if (!numbers(about(section, n + "Place", f->word, kind), readLayoutString(doc_, section, n + "Place"),
+            if (!numbers(Entry{section, n + "Place", f->word, kind}, readLayoutString(doc_, section, n + "Place"),
                          bitSection ? 5 : 4, p, true))
                 continue;
             ItemRecord r;
@@ -330,7 +326,7 @@ private:
         // A missing range reads as four zeros, so a bit checksum's fifth number is then 0.
         std::vector<int16_t> range;
         const std::string rangeText = readLayoutString(doc_, S::Checksum, j + "Range", "0,0,0,0");
-        if (!numbers(droppedItem(S::Checksum, j + "Range", r), rangeText, 4, range)) return false;
+        if (!numbers(about(S::Checksum, j + "Range", r), rangeText, 4, range)) return false;
         // A byte checksum's range has four numbers, a bit checksum's five; a surplus is not kept.
         const size_t kept = r.isFunction ? 4 : r.range.size();
         std::copy_n(range.begin(), std::min(range.size(), kept), r.range.begin());
@@ -338,7 +334,7 @@ private:
         if (method == kChecksumCrc) {
             std::vector<int16_t> poly;
             const std::string polyText = readLayoutString(doc_, S::Checksum, j + "Poly_", "0,0");
-            if (!numbers(droppedItem(S::Checksum, j + "Poly_", r), polyText, 2, poly)) return false;
+            if (!numbers(about(S::Checksum, j + "Poly_", r), polyText, 2, poly)) return false;
             r.polynomial = {poly[0], poly[1]};
         } else if (method == kChecksumParity) {
             // Init_ is read for a parity only, as layout files have always been read, although a save also
@@ -355,7 +351,7 @@ private:
             const size_t comma = value.find(',');
             auto column = parseNumberList(value.substr(0, comma));
             auto f = comma == std::string::npos ? std::nullopt : parseFunctionValue(value.substr(comma + 1));
-            const DroppedEntry entry = about(S::DatabaseUpdate, key, f ? f->word : std::string(), kKindDatabaseUpdate);
+            const Entry entry{S::DatabaseUpdate, key, f ? std::string_view(f->word) : "", kKindDatabaseUpdate};
             if (!column || column->front() < 0 || !fitsInt16(column->front()) || !f) {
                 drop(entry, "\"" + value + "\" is not a column and a function");
                 continue;
@@ -382,7 +378,7 @@ private:
             ItemRecord r;
             r.isBinary = true;
             r.name = splitFieldKey(key).first;
-            if (!numbers(about(S::FieldsMultiTrack, key, r.name, kKindBinaryField),
+            if (!numbers(Entry{S::FieldsMultiTrack, key, r.name, kKindBinaryField},
                          readLayoutString(doc_, S::FieldsMultiTrack, key), 5, v, true))
                 continue;
             // The fourth number is the begin bit, which a save keeps beside the item's ENCODE
