@@ -85,7 +85,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (!first.doc.openBytes(bytes).opened) return 0;
     const RecordArray& records = first.doc.records();
 
-    (void)auditLayout(*first.doc.card(), records, first.doc.translator());
+    (void)first.doc.audit();
     // A name or value that a layout file cannot hold makes the save refuse with a message.
     if (unstorableItem(records)) return 0;
     const RenderedLayout saved = first.doc.renderFile();

@@ -2,7 +2,9 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <regex>
 #include <string>
+#include <vector>
 
 #include "support/TestSupport.h"
 
@@ -131,14 +133,71 @@ TEST(Cli, RewriteInPlaceKeepsABackupAndRefusesReadOnlyTargets) {
     EXPECT_NE(refused.err.find("iClass Encode File"), std::string::npos) << refused.err;
 }
 
-TEST(Cli, MalformedEntriesAreListedAsWarnings) {
+// Entries the reader drops are warnings to info and violations to check, with the rule they break.
+struct DroppedCase {
+    const char* name;
+    std::string layout;
+    std::vector<int> textIds;  // in check's order: the dropped entries first
+    std::string firstLine;     // check's first line, with the English catalog
+    std::string warning;       // the start of info's first warning
+};
+
+class CliDropped : public ::testing::TestWithParam<DroppedCase> {};
+
+TEST_P(CliDropped, CheckReportsThemAndInfoWarns) {
+    const DroppedCase& c = GetParam();
     TempDir dir;
-    writeBytes(dir / "Bad.IIF", crlf({"[CARDDESIGN]", "Size=2K", "[ENCODE]", "Ok(1)=0,19,0,1,0", "Bad(1)=0,99,0,1,0"}));
-    const CliRun run = kestrin("info " + quoted(dir / "Bad.IIF") + " --json");
-    EXPECT_EQ(run.exit, 0);
-    EXPECT_NE(run.err.find("warning: [ENCODE] Bad(1)"), std::string::npos) << run.err;
-    EXPECT_NE(run.out.find("\"warnings\": [\"[ENCODE] Bad(1)"), std::string::npos) << run.out;
+    writeBytes(dir / "L.IIF", c.layout);
+    const CliRun json = kestrin("check " + quoted(dir / "L.IIF") + " --json");
+    EXPECT_EQ(json.exit, 1) << json.err;
+    std::vector<int> ids;
+    const std::regex textId("\"textId\": (-?[0-9]+)");
+    for (std::sregex_iterator m(json.out.begin(), json.out.end(), textId), end; m != end; ++m)
+        ids.push_back(std::stoi((*m)[1]));
+    EXPECT_EQ(ids, c.textIds) << json.out;
+    const CliRun text = kestrin("check " + quoted(dir / "L.IIF") + " --lang " + kLang);
+    EXPECT_EQ(text.exit, 1);
+    EXPECT_EQ(text.out.substr(0, text.out.find('\n')), c.firstLine);
+    EXPECT_NE(text.out.find(std::to_string(c.textIds.size()) + " violation"), std::string::npos) << text.out;
+    const CliRun info = kestrin("info " + quoted(dir / "L.IIF") + " --json");
+    EXPECT_EQ(info.exit, 0);
+    EXPECT_EQ(info.err.rfind("warning: " + c.warning, 0), 0u) << info.err;
+    EXPECT_NE(info.out.find("\"warnings\": [\"" + c.warning), std::string::npos) << info.out;
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    Chips, CliDropped,
+    ::testing::Values(
+        DroppedCase{"SmallBytesAndBits",
+                    crlf({"[CARDDESIGN]", "Size=2K", "[ENCODE]", "Ok(1)=0,19,0,1,0", "Past(1)=0,31,4,5,0",
+                          "[BITENCODE]", "Flag(1)=0,31,7,4,5,0"}),
+                    {4600, 4600},
+                    "Past (Field, page 0, block 31, byte 4): [4600] The item does not fit into this page.",
+                    "[ENCODE] Past(1): 5 bytes do not fit the page"},
+        DroppedCase{"BigOnePageFunctions",
+                    crlf({"[CARDDESIGN]", "Size=16K", "Pages=1", "[ENCODE]", "Far(1)=0,200,0,8,0", "[INITCARD]",
+                          "1Value=CardSnNr(0)", "1Place=0,255,0,10", "[BITINITCARD]", "1Value=Constant(1)",
+                          "1Place=0,255,7,6,3"}),
+                    {4600, 4600},
+                    "CardSnNr (Function, page 0, block 255, byte 0): [4600] The item does not fit into this page.",
+                    "[INITCARD] 1Value: 10 bytes do not fit the page"},
+        DroppedCase{"EightPages",
+                    crlf({"[CARDDESIGN]", "Size=16K", "Pages=8", "[ENCODE]", "Past(1)=5,32,0,1,0",
+                          "Gone(1)=8,20,0,1,0", "[BITINITCARD]", "1Value=Constant(1)", "1Place=3,31,7,7,2"}),
+                    {4600, 3158, 4600},
+                    "Past (Field, page 5, block 32, byte 0): [4600] The item does not fit into this page.",
+                    "[ENCODE] Past(1): block 32, byte 0 is outside the page"},
+        DroppedCase{"HidArea",
+                    crlf({"[CARDDESIGN]", "Size=2K", "UseHID=1", "[ENCODE]", "Below(1)=0,-2,0,1,0",
+                          "Hid(1)=0,10,0,1,0"}),
+                    {4601, 4601, 4643},
+                    "Below (Field, page 0, block -2, byte 0): [4601] Items cannot be placed in the header or the HID "
+                    "section.",
+                    "[ENCODE] Below(1): block -2, byte 0 is outside the page"},
+        DroppedCase{"Unparsable", crlf({"[CARDDESIGN]", "Size=2K", "[ENCODE]", "Text(1)=0,x,0,1,0"}), {0},
+                    "Text (Field): [0] \"0,x,0,1,0\" is not a list of 5 numbers in range",
+                    "[ENCODE] Text(1): "}),
+    [](const auto& testInfo) { return testInfo.param.name; });
 
 TEST(Cli, CheckFindsNothingInTheExamples) {
     for (const char* name : {"Staff", "Visitors16K"}) {

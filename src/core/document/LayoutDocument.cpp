@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <iterator>
 #include <utility>
 
 #include "base/NumberText.h"
@@ -107,6 +108,7 @@ void LayoutDocument::newLayout() {
     useBit_ = card_->EnableBitwise();
     useHID_ = card_->UseHIDSection();
     records_.clear();
+    dropped_.clear();
     layoutFile_.clear();
     recordsChanged();
 }
@@ -117,6 +119,7 @@ void LayoutDocument::setLayout(const CIClass& card, RecordArray records) {
     useBit_ = card_->EnableBitwise();
     useHID_ = card_->UseHIDSection();
     records_ = std::move(records);
+    dropped_.clear();
     layoutFile_.clear();
     recordsChanged();
 }
@@ -143,6 +146,7 @@ LayoutReadResult LayoutDocument::adoptRead(LayoutReadResult result, std::unique_
     useHID_ = card->UseHIDSection();
     card_ = std::move(card);
     records_ = std::move(records);
+    dropped_ = result.dropped;
     layoutFile_ = file;
     layoutEntered_ = true;
     recordsChanged();
@@ -156,7 +160,10 @@ RenderedLayout LayoutDocument::renderFile() const {
 
 bool LayoutDocument::write() {
     lastSave_ = saveLayout(layoutFile_, card_.get(), records_, fields_, *prompter_, translator_, encodePath_);
-    if (lastSave_.saved) saved_ = true;
+    if (lastSave_.saved) {
+        saved_ = true;
+        dropped_.clear();  // the file written holds only what the layout has
+    }
     return lastSave_.saved;
 }
 
@@ -204,12 +211,22 @@ bool LayoutDocument::close(const std::function<bool()>& saveWithoutFile) {
         }
     }
     records_.clear();
+    dropped_.clear();
     card_.reset();
     layoutFile_.clear();
     changed_ = false;
     saved_ = false;
     layoutEntered_ = false;
     return true;
+}
+
+std::vector<AuditViolation> LayoutDocument::audit() const {
+    std::vector<AuditViolation> out;
+    for (const DroppedEntry& entry : dropped_) out.push_back(violationOf(entry, translator_));
+    if (!card_) return out;
+    auto rules = auditLayout(*card_, records_, translator_);
+    out.insert(out.end(), std::make_move_iterator(rules.begin()), std::make_move_iterator(rules.end()));
+    return out;
 }
 
 bool LayoutDocument::fetchFields(const std::filesystem::path& projectFile) {

@@ -13,6 +13,7 @@
 #include "persist/LayoutReader.h"
 #include "persist/LayoutRenderer.h"
 #include "persist/LayoutSaver.h"
+#include "rules/LayoutAudit.h"
 #include "rules/PlacementValidation.h"
 #include "text/Translator.h"
 
@@ -108,6 +109,9 @@ public:
     // (text 3125): Yes writes to the layout's file, or through saveWithoutFile when it has
     // none, and closes only when written. True when closed.
     bool close(const std::function<bool()>& saveWithoutFile);
+    // Everything wrong with the open layout: first the entries its file held that the last open
+    // could not keep (until the layout is saved or replaced), then every rule a stored item breaks.
+    std::vector<AuditViolation> audit() const;
     // Reads the host project's fields; database updates read before the fields were known
     // get their field names (no change of the layout). True when at least one field was read.
     bool fetchFields(const std::filesystem::path& projectFile);
@@ -178,6 +182,7 @@ private:
 
     std::unique_ptr<CIClass> card_;
     RecordArray records_;
+    std::vector<DroppedEntry> dropped_;  // of the file the layout was opened from
     HostFieldList fields_;
     std::filesystem::path layoutFile_;
     std::filesystem::path encodePath_;

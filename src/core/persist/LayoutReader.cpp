@@ -16,6 +16,7 @@
 #include "card/CIClass.h"
 #include "card/PageAddress.h"
 #include "items/RecordArray.h"
+#include "rules/PlacementValidation.h"
 #include "base/Prompter.h"
 
 namespace kestrin {
@@ -89,8 +90,13 @@ public:
         readMultiTrack();
         for (const auto& key : distinctKeys(doc_, S::Settings))
             result_.settings.emplace_back(key, readLayoutString(doc_, S::Settings, key));
-        if (unlisted_ > 0)
-            result_.warnings.push_back("... and " + std::to_string(unlisted_) + " more entries dropped");
+        if (unlisted_ > 0) {
+            const std::string more = "... and " + std::to_string(unlisted_) + " more entries dropped";
+            result_.warnings.push_back(more);
+            DroppedEntry rest;
+            rest.reason = more;
+            result_.dropped.push_back(std::move(rest));
+        }
         if (tooMany_ > 0)
             result_.limitsExceeded.push_back("The layout holds more than " + std::to_string(kMaxItems) + " items; " +
                                              std::to_string(tooMany_) + " were left out.");
@@ -98,18 +104,35 @@ public:
     }
 
 private:
-    void drop(std::string_view section, const std::string& key, const std::string& why) {
+    // An entry as its drop would describe it; nothing is copied unless it is dropped.
+    struct Entry {
+        std::string_view section, key, name, kind;
+        const ItemRecord* item = nullptr;  // the item as read so far: its name, kind and place
+    };
+    static Entry about(std::string_view section, std::string_view key, const ItemRecord& r) {
+        return {section, key, {}, {}, &r};
+    }
+
+    // Drops the entry with a warning; placeText gives the place of an entry whose numbers did not read whole.
+    void drop(const Entry& e, std::string why, int32_t textId = 0, std::string_view placeText = {}) {
         if (result_.warnings.size() >= kMaxReadWarnings) {
             ++unlisted_;
             return;
         }
-        result_.warnings.push_back("[" + std::string(section) + "] " + key + ": " + why + "; entry dropped");
+        DroppedEntry d = e.item ? droppedItem(e.section, std::string(e.key), *e.item)
+                                : DroppedEntry{std::string(e.section), std::string(e.key), std::string(e.name),
+                                               std::string(e.kind), {}, {}, {}, 0, {}};
+        if (!placeText.empty()) placeAsFarAsRead(d, placeText);
+        result_.warnings.push_back("[" + d.section + "] " + d.key + ": " + why + "; entry dropped");
+        d.reason = std::move(why);
+        d.textId = textId;
+        result_.dropped.push_back(std::move(d));
     }
 
     void add(std::string_view section, const std::string& key, const ItemRecord& r) {
         if (records_.add(r)) return;
         ++tooMany_;
-        drop(section, key, "the layout holds too many items");
+        drop(about(section, key, r), "the layout holds too many items");
     }
 
     // Values are read through a buffer of kMaxValueChars characters, as the profile functions
@@ -133,24 +156,14 @@ private:
                                              first + ").");
     }
 
-    // At least n comma-separated 16-bit numbers, or nothing.
-    static std::optional<std::vector<int16_t>> shorts(const std::string& text, size_t n) {
-        auto list = parseNumberList(text);
-        if (!list || list->size() < n) return std::nullopt;
-        std::vector<int16_t> out;
-        for (int32_t v : *list) {
-            if (!fitsInt16(v)) return std::nullopt;
-            out.push_back(static_cast<int16_t>(v));
-        }
-        return out;
-    }
-
-    // The same, with a warning when the entry cannot be used.
-    bool numbers(std::string_view section, const std::string& key, const std::string& text, size_t n,
-                 std::vector<int16_t>& out) {
-        auto v = shorts(text, n);
+    // At least n comma-separated 16-bit numbers, else the entry is dropped; for a place, with the
+    // page, block and begin byte it gives before the numbers run short or out of range.
+    bool numbers(const Entry& entry, const std::string& text, size_t n, std::vector<int16_t>& out,
+                 bool isPlace = false) {
+        auto v = parseShortList(text, n);
         if (!v) {
-            drop(section, key, "\"" + text + "\" is not a list of " + std::to_string(n) + " numbers in range");
+            drop(entry, "\"" + text + "\" is not a list of " + std::to_string(n) + " numbers in range", 0,
+                 isPlace ? std::string_view(text) : std::string_view());
             return false;
         }
         out = std::move(*v);
@@ -158,22 +171,9 @@ private:
     }
 
     // Keeps a record only when its place lies inside an existing page of the card.
-    void keep(std::string_view section, const std::string& key, ItemRecord r, bool bitPlace) {
-        const CPage* page = card_.page(r.page);
-        std::string why;
-        if (page == nullptr) {
-            why = "page " + std::to_string(r.page) + " is not on this card";
-        } else if (r.block < 0 || r.block >= page->blockCount() || r.beginByte < 0 || r.beginByte > 7) {
-            why = "block " + std::to_string(r.block) + ", byte " + std::to_string(r.beginByte) + " is outside the page";
-        } else if (bitPlace) {
-            const int64_t end =
-                BitSpan::ofBits(PageAddress::at(r.block, r.beginByte, r.beginBit), r.numBits).end().bytesReached();
-            if (r.beginBit < 0 || r.beginBit > 7 || r.numBits < 1 || end > page->PageSize)
-                why = "bits " + std::to_string(r.beginBit) + "+" + std::to_string(r.numBits) + " do not fit the page";
-        } else if (r.numBytes < 1 || PageAddress::at(r.block, r.beginByte).plusBytes(r.numBytes).byte() > page->PageSize) {
-            why = std::to_string(r.numBytes) + " bytes do not fit the page";
-        }
-        if (!why.empty()) return drop(section, key, why);
+    void keep(std::string_view section, const std::string& key, const ItemRecord& r, bool bitPlace) {
+        if (auto unfit = unfitPlace(card_, r, bitPlace))
+            return drop(about(section, key, r), std::move(unfit->reason), unfit->textId);
         add(section, key, r);
     }
 
@@ -182,7 +182,8 @@ private:
             if (numberedKey(key, "Place")) continue;
             std::vector<int16_t> pair;
             const std::string value = readLayoutString(doc_, S::CombinedFields, key);
-            if (!numbers(S::CombinedFields, key, value, 2, pair)) continue;
+            if (!numbers(Entry{S::CombinedFields, key, splitFieldKey(key).first, kKindField}, value, 2, pair))
+                continue;
             combinedParts_.insert(key);
             groups_[pair[0]].push_back({pair[1], key});
         }
@@ -192,9 +193,10 @@ private:
         for (const auto& key : distinctKeys(doc_, S::Encode)) {
             if (combinedParts_.count(key)) continue;
             std::vector<int16_t> v;
-            if (!numbers(S::Encode, key, readLayoutString(doc_, S::Encode, key), 5, v)) continue;
             ItemRecord r;
             r.name = splitFieldKey(key).first;
+            if (!numbers(Entry{S::Encode, key, r.name, kKindField}, readLayoutString(doc_, S::Encode, key), 5, v, true))
+                continue;
             r.page = v[0], r.block = v[1], r.beginByte = v[2], r.numBytes = v[3], r.encodingCode = v[4];
             r.color = doc_.getInt(S::ItemColor, key, 0);
             r.fieldType = doc_.getInt(S::FieldType, key, 0);
@@ -207,7 +209,7 @@ private:
         const std::string big = readLayoutString(doc_, S::BigItem, key);
         if (big.empty()) return;
         std::vector<int16_t> v;
-        if (!numbers(S::BigItem, key, big, 2, v)) return;
+        if (!numbers(about(S::BigItem, key, r), big, 2, v)) return;
         // "0,n" marks no big item; its number means nothing then and is not kept.
         r.isBinary = v[0] != 0;
         r.bigItemNumber = r.isBinary ? v[1] : int16_t{0};
@@ -219,7 +221,7 @@ private:
     void readBeginBit(const std::string& key, ItemRecord& r) {
         const std::string text = readLayoutString(doc_, S::FieldsMultiTrack, key);
         if (text.empty()) return;
-        const auto v = shorts(text, 5);
+        const auto v = parseShortList(text, 5);
         if (!v || (*v)[0] != r.page || (*v)[1] != r.block || (*v)[2] != r.beginByte || (*v)[4] != r.numBytes ||
             (*v)[3] < 0 || (*v)[3] > 7)
             return;
@@ -230,10 +232,12 @@ private:
     void readBitFields() {
         for (const auto& key : distinctKeys(doc_, S::BitEncode)) {
             std::vector<int16_t> v;
-            if (!numbers(S::BitEncode, key, readLayoutString(doc_, S::BitEncode, key), 6, v)) continue;
             ItemRecord r;
             r.isBit = true;
             r.name = splitFieldKey(key).first;
+            if (!numbers(Entry{S::BitEncode, key, r.name, kKindBitField}, readLayoutString(doc_, S::BitEncode, key), 6,
+                         v, true))
+                continue;
             r.page = v[0], r.block = v[1], r.beginByte = v[2], r.beginBit = v[3], r.numBits = v[4];
             r.encodingCode = v[5];
             r.color = doc_.getInt(S::BitItemColor, key, 0);
@@ -254,14 +258,18 @@ private:
             const std::string placeKey = std::to_string(c) + "Place";
             std::vector<int16_t> encode, place;
             const std::string encodeText = readLayoutString(doc_, S::Encode, first);
-            if (!encodeText.empty() && !numbers(S::Encode, first, encodeText, 5, encode)) continue;
+            if (!encodeText.empty() &&
+                !numbers(Entry{S::Encode, first, r.name, kKindField}, encodeText, 5, encode, true))
+                continue;
             const std::string placeText = readLayoutString(doc_, S::CombinedFields, placeKey);
             if (!placeText.empty()) {
-                if (!numbers(S::CombinedFields, placeKey, placeText, 4, place)) continue;
+                if (!numbers(Entry{S::CombinedFields, placeKey, r.name, kKindField}, placeText, 4, place, true))
+                    continue;
             } else if (!encode.empty()) {
                 place = encode;
             } else {
-                drop(S::CombinedFields, first, "the combined field has no place");
+                drop(Entry{S::CombinedFields, first, r.name, kKindField}, "the combined field has no place",
+                     kTextIncomplete);
                 continue;
             }
             r.page = place[0], r.block = place[1], r.beginByte = place[2], r.numBytes = place[3];
@@ -277,13 +285,15 @@ private:
         for (int32_t k : numbersOf(doc_, section, "Value")) {
             const std::string n = std::to_string(k);
             const std::string valueKey = n + "Value";
+            const std::string_view kind = bitSection ? kKindBitFunction : kKindFunction;
             auto f = parseFunctionValue(readLayoutString(doc_, section, valueKey));
             if (!f || f->word.empty()) {
-                drop(section, valueKey, "not a function value");
+                drop(Entry{section, valueKey, {}, kind}, "not a function value");
                 continue;
             }
             std::vector<int16_t> p;
-            if (!numbers(section, n + "Place", readLayoutString(doc_, section, n + "Place"), bitSection ? 5 : 4, p))
+            if (!numbers(Entry{section, n + "Place", f->word, kind}, readLayoutString(doc_, section, n + "Place"),
+                         bitSection ? 5 : 4, p, true))
                 continue;
             ItemRecord r;
             r.name = f->word;
@@ -316,7 +326,7 @@ private:
         // A missing range reads as four zeros, so a bit checksum's fifth number is then 0.
         std::vector<int16_t> range;
         const std::string rangeText = readLayoutString(doc_, S::Checksum, j + "Range", "0,0,0,0");
-        if (!numbers(S::Checksum, j + "Range", rangeText, 4, range)) return false;
+        if (!numbers(about(S::Checksum, j + "Range", r), rangeText, 4, range)) return false;
         // A byte checksum's range has four numbers, a bit checksum's five; a surplus is not kept.
         const size_t kept = r.isFunction ? 4 : r.range.size();
         std::copy_n(range.begin(), std::min(range.size(), kept), r.range.begin());
@@ -324,7 +334,7 @@ private:
         if (method == kChecksumCrc) {
             std::vector<int16_t> poly;
             const std::string polyText = readLayoutString(doc_, S::Checksum, j + "Poly_", "0,0");
-            if (!numbers(S::Checksum, j + "Poly_", polyText, 2, poly)) return false;
+            if (!numbers(about(S::Checksum, j + "Poly_", r), polyText, 2, poly)) return false;
             r.polynomial = {poly[0], poly[1]};
         } else if (method == kChecksumParity) {
             // Init_ is read for a parity only, as layout files have always been read, although a save also
@@ -341,13 +351,14 @@ private:
             const size_t comma = value.find(',');
             auto column = parseNumberList(value.substr(0, comma));
             auto f = comma == std::string::npos ? std::nullopt : parseFunctionValue(value.substr(comma + 1));
+            const Entry entry{S::DatabaseUpdate, key, f ? std::string_view(f->word) : "", kKindDatabaseUpdate};
             if (!column || column->front() < 0 || !fitsInt16(column->front()) || !f) {
-                drop(S::DatabaseUpdate, key, "\"" + value + "\" is not a column and a function");
+                drop(entry, "\"" + value + "\" is not a column and a function");
                 continue;
             }
             // A checksum is computed over card bytes; as a database update it cannot be saved.
             if (f->word == kFunctionChecksum) {
-                drop(S::DatabaseUpdate, key, "a checksum is not a database update");
+                drop(entry, "a checksum is not a database update");
                 continue;
             }
             ItemRecord r;
@@ -364,10 +375,12 @@ private:
         for (const auto& key : distinctKeys(doc_, S::FieldsMultiTrack)) {
             if (beginBitEntries_.count(key)) continue;
             std::vector<int16_t> v;
-            if (!numbers(S::FieldsMultiTrack, key, readLayoutString(doc_, S::FieldsMultiTrack, key), 5, v)) continue;
             ItemRecord r;
             r.isBinary = true;
             r.name = splitFieldKey(key).first;
+            if (!numbers(Entry{S::FieldsMultiTrack, key, r.name, kKindBinaryField},
+                         readLayoutString(doc_, S::FieldsMultiTrack, key), 5, v, true))
+                continue;
             // The fourth number is the begin bit, which a save keeps beside the item's ENCODE
             // entry; one outside a byte is not kept, so the item saves and opens again unchanged.
             r.page = v[0], r.block = v[1], r.beginByte = v[2], r.numBytes = v[4];

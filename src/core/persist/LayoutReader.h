@@ -5,6 +5,8 @@
 #include <utility>
 #include <vector>
 
+#include "DroppedEntry.h"
+
 namespace kestrin {
 
 class CIClass;
@@ -17,6 +19,7 @@ struct LayoutReadResult {
     bool opened = false;
     std::string message;                // why the layout was not opened
     std::vector<std::string> warnings;  // entries that could not be used and were dropped
+    std::vector<DroppedEntry> dropped;  // the same entries, for a check to report
     std::vector<std::string> limitsExceeded;  // what the reading left out or cut, as told to the operator
     bool useBit = false;                // the file's switches, which the control takes over
     bool useHID = false;

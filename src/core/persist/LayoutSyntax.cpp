@@ -80,6 +80,17 @@ bool fitsInt16(int64_t v) {
     return v >= std::numeric_limits<int16_t>::min() && v <= std::numeric_limits<int16_t>::max();
 }
 
+std::optional<std::vector<int16_t>> parseShortList(std::string_view text, size_t n) {
+    auto list = parseNumberList(text);
+    if (!list || list->size() < n) return std::nullopt;
+    std::vector<int16_t> out;
+    for (int32_t v : *list) {
+        if (!fitsInt16(v)) return std::nullopt;
+        out.push_back(static_cast<int16_t>(v));
+    }
+    return out;
+}
+
 std::pair<std::string, int32_t> splitFieldKey(std::string_view key) {
     if (key.size() >= 3 && key.back() == ')') {
         const size_t open = key.rfind('(');

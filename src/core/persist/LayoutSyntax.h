@@ -43,6 +43,8 @@ std::string joinNumbers(std::initializer_list<int64_t> numbers);
 // Comma-separated integers; nothing when a part is not a plain decimal integer.
 std::optional<std::vector<int32_t>> parseNumberList(std::string_view text);
 bool fitsInt16(int64_t v);
+// At least n comma-separated 16-bit numbers, or nothing.
+std::optional<std::vector<int16_t>> parseShortList(std::string_view text, size_t n);
 
 // "Name(3)" -> "Name" and 3; a key without a trailing "(n)" is all name and number 0.
 std::pair<std::string, int32_t> splitFieldKey(std::string_view key);

@@ -1,5 +1,6 @@
 #pragma once
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,14 +12,15 @@ class Translator;
 struct ItemRecord;
 struct PlacementRequest;
 
-// One rule that a stored item breaks.
+// One rule that a stored item breaks, or an entry of the file that could not be read (no
+// record; its place only as far as it was read).
 struct AuditViolation {
     int32_t recordIndex = -1;
     std::string name;
     std::string kind;
-    int16_t page = 0;
-    int16_t block = 0;
-    int16_t beginByte = 0;
+    std::optional<int16_t> page;
+    std::optional<int16_t> block;
+    std::optional<int16_t> beginByte;
     int32_t textId = 0;
     std::string text;
 };

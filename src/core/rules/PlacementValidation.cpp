@@ -62,9 +62,7 @@ public:
     }
 
 private:
-    PlacementViolation text(int32_t id, std::string_view defaultText = {}) const {
-        return {id, tr_.text(id, defaultText), EditorBox::None, -1, false};
-    }
+    PlacementViolation text(int32_t id) const { return {id, placementRuleText(id, tr_), EditorBox::None, -1, false}; }
     static std::optional<PlacementViolation> failed(const NumberCheck& c, EditorBox box) {
         if (c.ok) return std::nullopt;
         return PlacementViolation{c.textId, c.message, box, -1, false};
@@ -73,19 +71,18 @@ private:
     std::optional<PlacementViolation> completeness() {
         if (q_.selectedText.empty() || q_.itemName.empty() || q_.page < 0 || q_.row < 0 || q_.beginByte < 0 ||
             size_ <= 0 || page_ == nullptr)
-            return text(kTextIncomplete, "<Please complete the item: choose what to place, where, and its size.>");
+            return text(kTextIncomplete);
         return std::nullopt;
     }
 
     std::optional<PlacementViolation> pageFit() {
         // A bit item reaches every byte its bits touch.
-        if (span_.end().bytesReached() > page_->PageSize) return text(kTextPageFit, "<Your data does not fit into this Page!>");
+        if (span_.end().bytesReached() > page_->PageSize) return text(kTextPageFit);
         return std::nullopt;
     }
 
     std::optional<PlacementViolation> headerAndHid() {
-        if (q_.row < page_->BeginFreeSpace)
-            return text(kTextHeaderOrHid, "<You cannot put an item into the Header or HID sections!>");
+        if (q_.row < page_->BeginFreeSpace) return text(kTextHeaderOrHid);
         return std::nullopt;
     }
 
@@ -93,7 +90,7 @@ private:
         if (card_.ChipSize() != iBigEightPages) return std::nullopt;
         // The first bit of the block after the boundary block.
         if (span_.crosses(PageAddress::ofBlock(int64_t{page_->Boundary} + 1)))
-            return text(kTextBoundary, "<Your item should not overlap an application boundary!>");
+            return text(kTextBoundary);
         return std::nullopt;
     }
 
@@ -128,7 +125,7 @@ private:
     }
 
     std::optional<PlacementViolation> byteChecksum() {
-        if (size_ != 1) return text(kTextChecksumOneByte, "<Checksum Functions should occupy 1 byte!>");
+        if (size_ != 1) return text(kTextChecksumOneByte);
         if (q_.propertyOption == kChecksumParity)
             return failed(checkNumberInRange(0, 1, q_.startValueText, tr_), EditorBox::StartValue);
         if (q_.propertyOption == kChecksumCrc) {
@@ -217,6 +214,19 @@ private:
 };
 
 }  // namespace
+
+std::string placementRuleText(int32_t textId, const Translator& translator) {
+    // English defaults where the rules have one; the other texts come from the language libraries only.
+    static constexpr TextRef defaults[] = {
+        {kTextIncomplete, "<Please complete the item: choose what to place, where, and its size.>"},
+        {kTextPageFit, "<Your data does not fit into this Page!>"},
+        {kTextHeaderOrHid, "<You cannot put an item into the Header or HID sections!>"},
+        {kTextBoundary, "<Your item should not overlap an application boundary!>"},
+        {kTextChecksumOneByte, "<Checksum Functions should occupy 1 byte!>"}};
+    for (const TextRef& d : defaults)
+        if (d.id == textId) return translator.text(d);
+    return translator.text(textId);
+}
 
 std::vector<PlacementViolation> placementViolations(const PlacementRequest& request, const CIClass& card,
                                                     const RecordArray& records, const Translator& translator,

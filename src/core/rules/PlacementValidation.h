@@ -79,6 +79,9 @@ PlacementResult ValidatePlacement(const PlacementRequest& request, const CIClass
                                   Prompter& prompter, const Translator& translator, const std::string& title = {},
                                   int32_t skip = -1);
 
+// The translated text of a placement rule's number, with the rule's English default where it has one.
+std::string placementRuleText(int32_t textId, const Translator& translator);
+
 // Text numbers of the placement rules.
 inline constexpr int32_t kTextIncomplete = 3158;
 inline constexpr int32_t kTextCardSnNrDecimal = 3160;

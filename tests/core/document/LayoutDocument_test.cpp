@@ -121,6 +121,29 @@ TEST(LayoutDocument, AnOpenedLayoutIsSavedAndTakesTheFilesSwitches) {
     EXPECT_EQ(d.changes.size(), 1u);
 }
 
+// A check of the open layout reports what its file held that could not be read, before the rules
+// its items break, until a save writes a file without it.
+TEST(LayoutDocument, AuditReportsTheEntriesTheOpenDroppedFirst) {
+    Doc d;
+    writeBytes(d.dir / "Past.IIF", crlf({"[CARDDESIGN]", "Size=2K", "UseHID=1", "[ENCODE]", "Past(1)=0,31,4,5,0",
+                                         "Hid(1)=0,10,0,1,0"}));
+    ASSERT_TRUE(d.doc.open(d.dir / "Past.IIF").opened);
+    auto ids = [&d] {
+        std::vector<int32_t> out;
+        for (const AuditViolation& v : d.doc.audit()) out.push_back(v.textId);
+        return out;
+    };
+    EXPECT_EQ(ids(), (std::vector<int32_t>{4600, 4601, 4643}));
+    EXPECT_EQ(d.doc.audit()[0].name, "Past");
+    EXPECT_EQ(d.doc.audit()[0].text, "T4600");
+    ASSERT_TRUE(d.doc.saveTo(d.dir / "Kept.IIF"));
+    EXPECT_EQ(ids(), (std::vector<int32_t>{4601, 4643}));
+    ASSERT_TRUE(d.doc.open(d.dir / "Past.IIF").opened);
+    EXPECT_EQ(ids().size(), 3u);
+    d.doc.newLayout();
+    EXPECT_TRUE(ids().empty());
+}
+
 struct NameCase {
     std::string chosen, stored;
     bool told;

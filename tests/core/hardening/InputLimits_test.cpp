@@ -80,6 +80,8 @@ TEST(InputLimits, DroppedEntryWarningsAreCountedBeyondTheirLimit) {
     ASSERT_TRUE(result.opened);
     ASSERT_EQ(result.warnings.size(), kMaxReadWarnings + 1);
     EXPECT_EQ(result.warnings.back(), "... and 4000 more entries dropped");
+    ASSERT_EQ(result.dropped.size(), kMaxReadWarnings + 1);  // a check reports the count too
+    EXPECT_EQ(result.dropped.back().reason, result.warnings.back());
     EXPECT_TRUE(prompter.messages.empty());
 }
 

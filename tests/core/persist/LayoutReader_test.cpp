@@ -154,17 +154,53 @@ TEST_F(LayoutReaderTest, ItemSectionsBecomeRowsInReadingOrder) {
     EXPECT_EQ(records[update].param1, "5");
 }
 
-TEST_F(LayoutReaderTest, EntriesThatDoNotFitTheCardAreDroppedWithWarnings) {
+// Each dropped entry is warned of and kept for a check, with the placement rule it breaks
+// (0 for none) and its place as far as it was read.
+TEST_F(LayoutReaderTest, EntriesThatDoNotFitTheCardAreDroppedWithTheRuleTheyBreak) {
     const auto result = read(crlf({"[CARDDESIGN]", "Size=2K", "[ENCODE]", "Good(1)=0,19,0,4,0",
                                    "WrongPage(1)=3,19,0,4,0", "TooLong(1)=0,31,0,9,0", "Block(1)=0,40,0,1,0",
-                                   "Byte(1)=0,19,8,1,0", "Zero(1)=0,19,0,0,0", "Huge(1)=0,19,0,99999,0",
-                                   "Text(1)=a,b,c,d,e", "Short(1)=0,19", "[BITENCODE]", "Bits(1)=0,31,7,0,9,0",
+                                   "Before(1)=0,-1,7,1,0", "Byte(1)=0,19,8,1,0", "Zero(1)=0,19,0,0,0",
+                                   "Huge(1)=0,19,0,99999,0", "Text(1)=a,b,c,d,e", "Short(1)=0,19", "[BITENCODE]",
+                                   "Bits(1)=0,31,7,0,9,0", "NoBits(1)=0,20,0,0,0,0", "Bit8(1)=0,20,0,8,1,0",
                                    "[INITCARD]", "1Value=NoBrackets", "1Place=0,20,0,1", "2Value=Count(1.1.0)",
-                                   "2Place=0,20", "[DATABASEUPDATE]", "1Field=x,Constant(1)"}));
+                                   "2Place=0,20", "3Value=CardSnNr(0)", "3Place=0,31,0,10", "[BITINITCARD]",
+                                   "1Value=Constant(1)", "1Place=0,31,7,4,5", "[DATABASEUPDATE]", "1Field=x,Constant(1)",
+                                   "2Field=-1,Constant(1)", "3Field=2,Checksum(1.1)"}));
     EXPECT_TRUE(result.opened);
     ASSERT_EQ(records.size(), 1);
     EXPECT_EQ(records[0].name, "Good");
-    EXPECT_EQ(result.warnings.size(), 12u);
+    struct Dropped {
+        const char* key;
+        const char* name;
+        const char* kind;
+        int32_t textId;
+    };
+    const Dropped expected[] = {
+        {"WrongPage(1)", "WrongPage", "Field", 3158}, {"TooLong(1)", "TooLong", "Field", 4600},
+        {"Block(1)", "Block", "Field", 4600},         {"Before(1)", "Before", "Field", 4601},
+        {"Byte(1)", "Byte", "Field", 0},              {"Zero(1)", "Zero", "Field", 3158},
+        {"Huge(1)", "Huge", "Field", 0},              {"Text(1)", "Text", "Field", 0},
+        {"Short(1)", "Short", "Field", 0},            {"Bits(1)", "Bits", "Bit Field", 4600},
+        {"NoBits(1)", "NoBits", "Bit Field", 3158},   {"Bit8(1)", "Bit8", "Bit Field", 0},
+        {"1Value", "", "Function", 0},                {"2Place", "Count", "Function", 0},
+        {"3Value", "CardSnNr", "Function", 4600},     {"1Value", "Constant", "Bit Function", 4600},
+        {"1Field", "Constant", "Database Update", 0}, {"2Field", "Constant", "Database Update", 0},
+        {"3Field", "Checksum", "Database Update", 0}};
+    ASSERT_EQ(result.dropped.size(), std::size(expected));
+    ASSERT_EQ(result.warnings.size(), std::size(expected));
+    for (size_t i = 0; i < std::size(expected); ++i) {
+        const DroppedEntry& d = result.dropped[i];
+        EXPECT_EQ(d.key, expected[i].key) << i;
+        EXPECT_EQ(d.name, expected[i].name) << i;
+        EXPECT_EQ(d.kind, expected[i].kind) << i;
+        EXPECT_EQ(d.textId, expected[i].textId) << i;
+        EXPECT_EQ(result.warnings[i], "[" + d.section + "] " + d.key + ": " + d.reason + "; entry dropped");
+    }
+    EXPECT_EQ(result.dropped[3].block, -1);  // a full place
+    EXPECT_EQ(result.dropped[3].beginByte, 7);
+    EXPECT_EQ(result.dropped[8].block, 19);  // a place read as far as it goes
+    EXPECT_FALSE(result.dropped[8].beginByte);
+    EXPECT_FALSE(result.dropped[7].page);
 }
 
 // A byte checksum keeps its start value in Init_ for every method but a CRC, as a save writes it.
