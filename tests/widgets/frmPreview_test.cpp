@@ -1,9 +1,13 @@
 #include "preview/frmPreview.h"
 
+#include <QApplication>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTableWidget>
-#include <algorithm>
+#include <QTest>
+#include <QTimer>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -29,87 +33,97 @@ struct Preview {
     T* child(const char* name) const { return form->findChild<T*>(name); }
     void click(const char* name) const { child<QPushButton>(name)->click(); }
     QString text(const char* label) const { return child<QLabel>(label)->text(); }
-    QString blockNumber(const char* grid) const { return child<QTableWidget>(grid)->item(1, 0)->text(); }
+    QString cell(const char* grid, int row, int column) const { return child<QTableWidget>(grid)->item(row, column)->text(); }
 };
 
-struct ViewCase {
-    IClassType chip;
-    int view;
-    const char *title0, *title1, *pageOf;
-    int firstBlock0, firstBlock1;
-};
-
-class PreviewViews : public ::testing::TestWithParam<ViewCase> {};
-
-TEST_P(PreviewViews, NextReachesTheViewWithItsTitlesAndBlocks) {
-    const ViewCase& c = GetParam();
-    Preview p(c.chip);
-    // Past the view and back; on the last view the extra cmdNext changes nothing, and
-    // neither does the extra cmdPrevious on the first.
-    for (int i = 0; i < std::min(c.view + 1, 4); ++i) p.click("cmdNext");
-    if (c.view < 3) p.click("cmdPrevious");
-    if (c.view == 0) p.click("cmdPrevious");
-    EXPECT_EQ(p.form->viewIndex(), c.view);
-    EXPECT_EQ(p.text("lblPreview0"), c.title0);
-    EXPECT_EQ(p.text("lblPreview1"), c.title1);
-    EXPECT_EQ(p.text("lblPageOf"), c.pageOf);
-    EXPECT_EQ(p.blockNumber("grdPreview0"), QString::number(c.firstBlock0));
-    EXPECT_EQ(p.blockNumber("grdPreview1"), QString::number(c.firstBlock1));
-    EXPECT_EQ(p.child<QPushButton>("cmdPrevious")->isEnabled(), c.view > 0);
-    EXPECT_EQ(p.child<QPushButton>("cmdNext")->isEnabled(), c.view < 3);
-}
-
-INSTANTIATE_TEST_SUITE_P(Chips, PreviewViews, ::testing::Values(
-    ViewCase{iBigOnePage, 0, "Blocks 0 - 31", "Blocks 32 - 63", "Blocks 0 - 63 of 255", 0, 32},
-    ViewCase{iBigOnePage, 1, "Blocks 64 - 95 ", "Blocks 96 - 127", "Blocks 64 - 127 of 255", 64, 96},
-    ViewCase{iBigOnePage, 2, "Blocks 128 - 159", "Blocks 160 - 191", "Blocks 128 - 191 of 255", 128, 160},
-    ViewCase{iBigOnePage, 3, "Blocks 192 - 223", "Blocks 224 - 255", "Blocks 192 - 255 of 255", 192, 224},
-    ViewCase{iBigEightPages, 0, "Page 0", "Page 1", "Pages 0/1 of 7", 0, 0},
-    ViewCase{iBigEightPages, 1, "Page 2", "Page 3", "Pages 2/3 of 7", 0, 0},
-    ViewCase{iBigEightPages, 2, "Page 4", "Page 5", "Pages 4/5 of 7", 0, 0},
-    ViewCase{iBigEightPages, 3, "Page 6", "Page 7", "Pages 6/7 of 7", 0, 0}));
-
-TEST(Preview, SmallCardShowsOneGridTitledCardLayout) {
-    Preview p(iSmallOnePage);
-    EXPECT_EQ(p.form->windowTitle(), "Preview iClass Layout");
-    EXPECT_EQ(p.text("lblPreview0"), "<Card Layout>");
-    EXPECT_TRUE(p.child<QTableWidget>("grdPreview1")->isHidden());
-    EXPECT_TRUE(p.child<QLabel>("lblPreview1")->isHidden());
-    EXPECT_TRUE(p.text("lblPageOf").isEmpty());
-    EXPECT_FALSE(p.child<QPushButton>("cmdNext")->isEnabled());
-    p.click("cmdNext");
-    EXPECT_EQ(p.form->viewIndex(), 0);
-    EXPECT_EQ(p.text("lblPreview0"), "<Card Layout>");
-}
-
-TEST(Preview, EightPageViewsShowTheirPagesItems) {
+TEST(Preview, ButtonsStepThroughTheViewsAndShowEachViewsPages) {
     Preview p(iBigEightPages, {test::field("Badge", 5, 8, 0, 1, 0, 0x0000FF)});
-    p.click("cmdNext");
-    p.click("cmdNext");
-    EXPECT_EQ(p.form->viewPageNumbers(), (std::vector<int>{4, 5}));
-    EXPECT_EQ(p.child<QTableWidget>("grdPreview1")->item(9, 1)->text(), "Badge");
+    EXPECT_EQ(p.text("lblChip"), "<16 kbit (2 kbyte) card, paged>");
+    p.click("cmdPrevious");
+    EXPECT_EQ(p.form->viewIndex(), 0);
+    EXPECT_FALSE(p.child<QPushButton>("cmdPrevious")->isEnabled());
+    for (int i = 0; i < 4; ++i) p.click("cmdNext");
+    EXPECT_EQ(p.form->viewIndex(), 3);
+    EXPECT_FALSE(p.child<QPushButton>("cmdNext")->isEnabled());
+    p.click("cmdPrevious");
+    EXPECT_EQ(p.text("lblPreview0"), "Page 4");
+    EXPECT_EQ(p.text("lblPreview1"), "Page 5");
+    EXPECT_EQ(p.text("lblPageOf"), "Pages 4/5 of 7");
+    EXPECT_EQ(p.cell("grdPreview1", 9, 1), "Badge");
     EXPECT_EQ(p.child<QTableWidget>("grdPreview1")->item(9, 1)->background().color(), QColor(255, 0, 0));
-    EXPECT_EQ(p.child<QTableWidget>("grdPreview0")->item(9, 1)->text(), QString());
+    EXPECT_EQ(p.cell("grdPreview0", 9, 1), QString());
+    EXPECT_TRUE(p.child<QPushButton>("cmdPrevious")->isEnabled() && p.child<QPushButton>("cmdNext")->isEnabled());
 }
 
-TEST(Preview, DescribesTheChipShowsEveryCellInAGrabAndOkAccepts) {
-    for (auto [chip, description] : {std::pair{iSmallOnePage, "<2 kbit/256 bytes card>"},
-                                     {iBigOnePage, "<16 kbit (2 kbyte) card, non-paged>"},
-                                     {iBigEightPages, "<16 kbit (2 kbyte) card, paged>"}}) {
-        Preview p(chip);
-        EXPECT_EQ(p.text("lblChip"), description);
-        p.form->show();
-        const QImage picture = p.form->grab().toImage();
-        for (const char* name : {"grdPreview0", "grdPreview1"}) {
-            const QTableWidget* g = p.child<QTableWidget>(name);
-            if (g->isHidden()) continue;
-            const QRect cell = g->visualItemRect(g->item(32, 0));
-            const QPoint corner = g->viewport()->mapTo(p.form.get(), cell.bottomLeft() + QPoint(3, -3));
-            EXPECT_EQ(picture.pixelColor(corner * picture.devicePixelRatio()), QColor(255, 255, 0)) << name;
-        }
-        p.click("cmdOK");
-        EXPECT_EQ(p.form->result(), QDialog::Accepted);
+TEST(Preview, OnePage16kGridsShowTheirBlocksAndTheSmallCardOneGrid) {
+    Preview big(iBigOnePage);
+    big.click("cmdNext");
+    EXPECT_EQ(big.text("lblPreview0"), "Blocks 64 - 95 ");
+    EXPECT_EQ(big.cell("grdPreview0", 1, 0), "64");
+    EXPECT_EQ(big.cell("grdPreview1", 32, 0), "127");
+
+    Preview small(iSmallOnePage);
+    EXPECT_EQ(small.form->windowTitle(), "Preview iClass Layout");
+    EXPECT_EQ(small.text("lblPreview0"), "<Card Layout>");
+    EXPECT_TRUE(small.child<QTableWidget>("grdPreview1")->isHidden());
+    EXPECT_TRUE(small.child<QLabel>("lblPreview1")->isHidden());
+    EXPECT_TRUE(small.child<QLabel>("lblPageOf")->isHidden());
+    EXPECT_FALSE(small.child<QPushButton>("cmdNext")->isEnabled());
+}
+
+// Enter runs the focused button; with the focus elsewhere it runs OK, the default button.
+TEST(Preview, EnterRunsTheFocusedButtonElseOk) {
+    Preview p(iBigEightPages);
+    p.form->show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(p.form.get()));
+    EXPECT_EQ(QApplication::focusWidget(), p.child<QPushButton>("cmdOK"));
+    p.child<QPushButton>("cmdNext")->setFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    EXPECT_EQ(p.form->viewIndex(), 1);
+    EXPECT_TRUE(p.form->isVisible());
+
+    p.child<QScrollArea>("scrPreview")->setFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    EXPECT_FALSE(p.form->isVisible());
+    EXPECT_EQ(p.form->result(), QDialog::Accepted);
+
+    p.form->show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(p.form.get()));
+    QString asked;
+    QTimer::singleShot(0, [&] {
+        QWidget* box = QApplication::activeModalWidget();
+        asked = box ? box->objectName() : QString();
+        if (box) box->findChild<QPushButton*>("cmdCancel")->click();
+    });
+    p.child<QPushButton>("cmdPrint")->setFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Enter);
+    EXPECT_EQ(asked, "frmPrintPreview");
+    EXPECT_TRUE(p.form->isVisible());
+    EXPECT_EQ(p.form->viewIndex(), 1);
+}
+
+// On a screen lower than the grids the window fits and keeps its buttons; the grids scroll to their last row.
+TEST(Preview, FitsASmallScreenWithTheGridsScrolling) {
+    Preview p(iBigEightPages);
+    const QSize room(1024, 480);
+    p.form->fitInto(room);
+    p.form->show();
+    EXPECT_LE(p.form->height(), room.height());
+    EXPECT_LE(p.form->width(), room.width());
+    for (const char* name : {"cmdPrevious", "cmdNext", "cmdPrint", "cmdOK"}) {
+        const QPushButton* button = p.child<QPushButton>(name);
+        EXPECT_TRUE(p.form->rect().contains(QRect(button->mapTo(p.form.get(), QPoint()), button->size()))) << name;
     }
+    auto* scroll = p.child<QScrollArea>("scrPreview");
+    EXPECT_GT(scroll->verticalScrollBar()->maximum(), 0);
+    EXPECT_EQ(scroll->horizontalScrollBar()->maximum(), 0);
+    scroll->verticalScrollBar()->setValue(scroll->verticalScrollBar()->maximum());
+    const QTableWidget* grid = p.child<QTableWidget>("grdPreview1");
+    const QPoint lastRow = grid->viewport()->mapTo(scroll->viewport(), grid->visualItemRect(grid->item(32, 8)).bottomRight());
+    EXPECT_TRUE(scroll->viewport()->rect().contains(lastRow));
+
+    p.form->fitInto(QSize(4000, 4000));
+    EXPECT_EQ(scroll->verticalScrollBar()->maximum(), 0) << "with room to spare, everything shows";
 }
 
 }  // namespace
