@@ -37,17 +37,23 @@ private:
     bool wasOn_;
 };
 
-// One brush a colour for the whole paint, so equal colours share their brush data.
+// One brush a colour for the whole paint, so equal colours share their brush data. Neighbouring
+// cells mostly share a colour, so the last one is at hand without a look-up.
 class Brushes {
 public:
     const QBrush& operator()(int32_t bgr) {
+        if (last_ && lastColor_ == bgr) return *last_;
         auto found = brushes_.find(bgr);
         if (found == brushes_.end()) found = brushes_.emplace(bgr, QBrush(memoryMapColor(bgr))).first;
-        return found->second;
+        lastColor_ = bgr;
+        last_ = &found->second;
+        return *last_;
     }
 
 private:
     std::unordered_map<int32_t, QBrush> brushes_;
+    const QBrush* last_ = nullptr;
+    int32_t lastColor_ = 0;
 };
 
 // The cell at (row, column), made once and then reused by every later paint.
@@ -107,15 +113,15 @@ void showMapGrid(QTableWidget& grid, const MapGrid& map) {
     std::vector<QString> texts;
     texts.reserve(map.texts().size());
     for (const std::string& t : map.texts()) texts.push_back(QString::fromUtf8(t.data(), static_cast<qsizetype>(t.size())));
-    Brushes brushes;
+    Brushes backgrounds, foregrounds;
     for (int32_t row = 0; row < map.rows(); ++row) {
         for (int32_t column = 0; column < map.columns(); ++column) {
             const MapCell& cell = map.at(row, column);
             QTableWidgetItem& item = cellAt(grid, row, column);
             // QTableWidgetItem ignores a value equal to the one it holds, so an unchanged cell costs no signal.
             item.setText(texts[static_cast<size_t>(cell.text)]);
-            item.setBackground(brushes(cell.background));
-            item.setForeground(brushes(cell.foreground));
+            item.setBackground(backgrounds(cell.background));
+            item.setForeground(foregrounds(cell.foreground));
         }
     }
     grid.clearSpans();
