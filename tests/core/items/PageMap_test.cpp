@@ -73,7 +73,6 @@ INSTANTIATE_TEST_SUITE_P(Chips, PageAreas, ::testing::Values(
     AreaCase{"BigWholeHid", iBigOnePage, true, 0, 0, -1, true, true, true, 257, 0, 20, 0, 0},
     AreaCase{"BigPart0Hid", iBigOnePage, true, 0, 0, -1, false, true, true, 33, 0, 20, 0, 0},
     AreaCase{"BigPart1", iBigOnePage, true, 0, 1, -1, false, false, false, 33, 32, 1, 0, 0},
-    AreaCase{"BigPart6", iBigOnePage, true, 0, 6, -1, false, false, false, 33, 192, 1, 0, 0},
     AreaCase{"Eight0Hid", iBigEightPages, true, 0, 0, -1, false, true, true, 33, 0, 20, 20, 20},
     AreaCase{"Eight0NoHid", iBigEightPages, false, 0, 0, -1, false, true, false, 33, 0, 7, 7, 20},
     AreaCase{"Eight5Boundary10", iBigEightPages, true, 5, 0, 10, false, true, false, 33, 0, 7, 7, 12},
@@ -119,14 +118,12 @@ TEST_P(ItemCells, PaintsExactlyTheBytesTouched) {
 
 INSTANTIATE_TEST_SUITE_P(Items, ItemCells, ::testing::Values(
     ItemCase{"BitsOverTwoBytes", iSmallOnePage, 0, 0, false, bitField("B", 0, 20, 3, 5, 6, kItem), {{21, 4}, {21, 5}}},
-    ItemCase{"LastBitOfBlock", iSmallOnePage, 0, 0, false, bitField("B", 0, 25, 7, 7, 1, kItem), {{26, 8}}},
     ItemCase{"BitFunction", iSmallOnePage, 0, 0, false, bitFunction("Count", "1", 0, 22, 0, 0, 16, kItem),
              {{23, 1}, {23, 2}}},
     ItemCase{"ClippedAtByte255", iSmallOnePage, 0, 0, false, item("F", 0, 31, 4, 10), {{32, 5}, {32, 6}, {32, 7}, {32, 8}}},
     ItemCase{"OwnPage", iBigEightPages, 2, 0, false, item("F", 2, 10, 0, 2), {{11, 1}, {11, 2}}},
     ItemCase{"OtherPage", iBigEightPages, 3, 0, false, item("F", 2, 10, 0, 2), {}},
     ItemCase{"PartOffset", iBigOnePage, 0, 2, false, item("F", 0, 70, 6, 4), {{7, 7}, {7, 8}, {8, 1}, {8, 2}}},
-    ItemCase{"AcrossPartsHead", iBigOnePage, 0, 0, false, item("F", 0, 31, 6, 4), {{32, 7}, {32, 8}}},
     ItemCase{"AcrossPartsTail", iBigOnePage, 0, 1, false, item("F", 0, 31, 6, 4), {{1, 1}, {1, 2}}},
     ItemCase{"WholePageEnd", iBigOnePage, 0, 0, true, item("F", 0, 255, 7, 3), {{256, 8}}},
     ItemCase{"DatabaseUpdate", iSmallOnePage, 0, 0, false, dbUpdateItem(), {}},

@@ -31,13 +31,7 @@ TEST_P(PreviewViews, TitlesPositionPagesAndHeading) {
     EXPECT_EQ(v.position, c.position);
     EXPECT_EQ(v.pageNumbers, c.pageNumbers);
     ASSERT_EQ(v.pages.size(), c.parts.size());
-    for (size_t i = 0; i < v.pages.size(); ++i) {
-        EXPECT_EQ(v.pages[i].VirtualPage, c.parts[i]) << i;
-        EXPECT_EQ(v.pages[i].PageNumber, c.chip == iBigEightPages ? c.pageNumbers[i] : 0) << i;
-        EXPECT_EQ(v.pages[i].Parent, &card);
-        // Only the first part of the one-page 16 kbit card holds the header and the HID area.
-        EXPECT_EQ(v.pages[i].HasHeader, c.parts[i] == 0) << i;
-    }
+    for (size_t i = 0; i < v.pages.size(); ++i) EXPECT_EQ(v.pages[i].VirtualPage, c.parts[i]) << i;
     EXPECT_EQ(v.hasPrevious, c.view > 0);
     EXPECT_EQ(v.hasNext, c.view < previewViewCount(c.chip) - 1);
     EXPECT_EQ(printPagesHeading(card, v, tr), c.pagesHeading);
@@ -54,18 +48,11 @@ INSTANTIATE_TEST_SUITE_P(Chips, PreviewViews, ::testing::Values(
     ViewCase{iBigEightPages, 2, {"Page 4", "Page 5"}, "Pages 4/5 of 7", {4, 5}, {0, 0}, "<PAGES> 4 <and> 5"},
     ViewCase{iBigEightPages, 3, {"Page 6", "Page 7"}, "Pages 6/7 of 7", {6, 7}, {0, 0}, "<PAGES> 6 <and> 7"}));
 
-TEST(PreviewViews, ViewsOutsideTheCardAreClampedAndEveryChipIsDescribed) {
-    CIClass card;
-    const Translator tr;
-    for (auto [chip, views, description] : {std::tuple{iSmallOnePage, 1, "<2 kbit/256 bytes card>"},
-                                            {iBigOnePage, 4, "<16 kbit (2 kbyte) card, non-paged>"},
-                                            {iBigEightPages, 4, "<16 kbit (2 kbyte) card, paged>"}}) {
-        card.setChipSize(chip);
-        EXPECT_EQ(previewViewCount(chip), views);
-        EXPECT_EQ(previewView(card, views, tr).index, views - 1);
-        EXPECT_EQ(previewView(card, -1, tr).index, 0);
-        EXPECT_EQ(chipDescription(chip, tr), description);
-    }
+TEST(PreviewViews, EveryChipIsDescribed) {
+    for (auto [chip, description] : {std::pair{iSmallOnePage, "<2 kbit/256 bytes card>"},
+                                     {iBigOnePage, "<16 kbit (2 kbyte) card, non-paged>"},
+                                     {iBigEightPages, "<16 kbit (2 kbyte) card, paged>"}})
+        EXPECT_EQ(chipDescription(chip, Translator()), description);
 }
 
 TEST(PreviewViews, HeaderLineNamesFileDateAndTime) {
