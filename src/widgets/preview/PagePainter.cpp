@@ -56,6 +56,33 @@ private:
     int32_t lastColor_ = 0;
 };
 
+// The texts of a grid's last map and their display strings: a repaint converts only the texts
+// that changed, which keeps switching back and forth between views cheap.
+class MapTexts : public QObject {
+public:
+    using QObject::QObject;
+    const std::vector<QString>& update(const std::vector<std::string>& texts) {
+        texts_.resize(texts.size());
+        shown_.resize(texts.size());
+        for (size_t i = 0; i < texts.size(); ++i) {
+            if (texts_[i] == texts[i]) continue;  // new entries start empty, as an empty text shows
+            texts_[i] = texts[i];
+            shown_[i] = QString::fromUtf8(texts[i].data(), static_cast<qsizetype>(texts[i].size()));
+        }
+        return shown_;
+    }
+
+    static MapTexts& of(QTableWidget& grid) {
+        for (QObject* child : grid.children())
+            if (auto* texts = dynamic_cast<MapTexts*>(child)) return *texts;
+        return *new MapTexts(&grid);
+    }
+
+private:
+    std::vector<std::string> texts_;
+    std::vector<QString> shown_;
+};
+
 // The cell at (row, column), made once and then reused by every later paint.
 QTableWidgetItem& cellAt(QTableWidget& grid, int row, int column) {
     if (QTableWidgetItem* item = grid.item(row, column)) return *item;
@@ -110,9 +137,7 @@ void showMapGrid(QTableWidget& grid, const MapGrid& map) {
     if (grid.columnCount() != map.columns()) grid.setColumnCount(map.columns());
     if (grid.rowCount() != map.rows()) grid.setRowCount(map.rows());
 
-    std::vector<QString> texts;
-    texts.reserve(map.texts().size());
-    for (const std::string& t : map.texts()) texts.push_back(QString::fromUtf8(t.data(), static_cast<qsizetype>(t.size())));
+    const std::vector<QString>& texts = MapTexts::of(grid).update(map.texts());
     Brushes backgrounds, foregrounds;
     for (int32_t row = 0; row < map.rows(); ++row) {
         for (int32_t column = 0; column < map.columns(); ++column) {
