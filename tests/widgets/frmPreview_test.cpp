@@ -85,20 +85,20 @@ TEST(Preview, EnterRunsTheFocusedButtonElseOk) {
 // On a screen lower than the grids the window fits and keeps its buttons; the grids scroll to their last row.
 TEST(Preview, FitsASmallScreenWithTheGridsScrolling) {
     Preview p(iBigEightPages);
+    auto* scroll = p.child<QScrollArea>("scrPreview");
+    p.form->fitInto(QSize(4000, 4000));  // before it is shown, as the map command sizes it
+    p.form->show();
+    EXPECT_EQ(scroll->verticalScrollBar()->maximum(), 0) << "with room to spare, everything shows";
     const QSize room(1024, 480);
     p.form->fitInto(room);
-    p.form->show();
     EXPECT_TRUE(p.form->width() <= room.width() && p.form->height() <= room.height());
     for (const QPushButton* b : p.form->findChildren<QPushButton*>())
         EXPECT_TRUE(p.form->rect().contains(QRect(b->mapTo(p.form.get(), QPoint()), b->size()))) << b->objectName().toStdString();
-    auto* scroll = p.child<QScrollArea>("scrPreview");
     EXPECT_EQ(scroll->horizontalScrollBar()->maximum(), 0);
     scroll->verticalScrollBar()->setValue(scroll->verticalScrollBar()->maximum());
     const QTableWidget* grid = p.child<QTableWidget>("grdPreview1");
     const QPoint lastRow = grid->viewport()->mapTo(scroll->viewport(), grid->visualItemRect(grid->item(32, 8)).bottomRight());
     EXPECT_TRUE(scroll->viewport()->rect().contains(lastRow));
-    p.form->fitInto(QSize(4000, 4000));
-    EXPECT_EQ(scroll->verticalScrollBar()->maximum(), 0) << "with room to spare, everything shows";
 }
 
 }  // namespace

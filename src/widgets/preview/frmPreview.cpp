@@ -128,7 +128,10 @@ bool frmPreview::usesSecondGrid() const {
 }
 
 void frmPreview::fitInto(const QSize& room) {
-    scroll_->updateGeometry();  // the grids' size is only known once they are painted
+    // The grids' size is known once they are painted; widgets not yet shown pass no size
+    // changes up to their layouts, so every layout starts afresh.
+    scroll_->updateGeometry();
+    for (QLayout* l : findChildren<QLayout*>()) l->invalidate();
     QSize wanted = sizeHint();
     if (wanted.height() > room.height()) wanted.rwidth() += scroll_->verticalScrollBar()->sizeHint().width();
     resize(wanted.boundedTo(room).expandedTo(minimumSizeHint()));
