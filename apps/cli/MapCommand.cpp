@@ -47,7 +47,7 @@ int runMap(const CliOptions& o, std::ostream& out, std::ostream& err) {
     GivenFile pdf(QString::fromStdString(o.pdf));
     frmPreview preview(*session.doc.card(), session.doc.records(), session.doc.translator(),
                        QString::fromStdString(std::filesystem::absolute(layout).string()), PrintServices{nullptr, &pdf});
-    preview.adjustSize();
+    preview.resize(preview.sizeHint());  // the pictures show the whole grids, whatever the screen
     if (!o.pdf.empty()) {
         if (!printPreview(preview, true, true)) {
             err << "kestrin: cannot write " << o.pdf << '\n';

@@ -4,6 +4,7 @@
 #include <QPrinter>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTest>
 #include <QTimer>
 #include <cstdio>
 
@@ -23,12 +24,10 @@ namespace {
 
 std::string run(const std::string& command) {
     std::string out;
-    if (FILE* pipe = popen(command.c_str(), "r")) {
-        char buf[4096];
-        size_t n;
-        while ((n = fread(buf, 1, sizeof buf, pipe)) > 0) out.append(buf, n);
-        pclose(pipe);
-    }
+    char buf[4096];
+    FILE* pipe = popen(command.c_str(), "r");
+    for (size_t n; pipe && (n = fread(buf, 1, sizeof buf, pipe)) > 0;) out.append(buf, n);
+    if (pipe) pclose(pipe);
     return out;
 }
 
@@ -67,6 +66,18 @@ public:
     bool cancel = false;
 };
 
+// Answers the modal print options with the given choices once they are shown.
+void answerPrintOptions(bool toFile, bool allPages, bool cancel) {
+    QTimer::singleShot(0, [=] {
+        QWidget* box = QApplication::activeModalWidget();
+        ASSERT_NE(box, nullptr);
+        ASSERT_EQ(box->objectName(), "frmPrintPreview");
+        box->findChild<QRadioButton*>(toFile ? "optPrint(1)" : "optPrint(0)")->click();
+        box->findChild<QRadioButton*>(allPages ? "optRange(1)" : "optRange(0)")->click();
+        box->findChild<QPushButton*>(cancel ? "cmdCancel" : "cmdOK")->click();
+    });
+}
+
 class Printing : public ::testing::TestWithParam<IClassType> {
 protected:
     void SetUp() override {
@@ -104,82 +115,47 @@ TEST_P(Printing, AllPagesToFileGiveOneSheetPerViewAndRestoreTheView) {
     EXPECT_EQ(text.find("<PAGES> 6 <and> 7") != std::string::npos, GetParam() == iBigEightPages) << text;
 }
 
-TEST_P(Printing, CurrentViewToThePrinterOncePerCopy) {
-    auto p = preview();
-    setup.copies = 2;
-    ASSERT_TRUE(printPreview(*p, false, false));
-    EXPECT_EQ(pdfPages(dir / "printed.pdf"), 2);
-    EXPECT_EQ(chooser.asked, 0);
-}
-
-TEST_P(Printing, CancelledChoicesPrintNothing) {
+TEST_P(Printing, CancelledChoicesAndUnwritableFilesPrintNothing) {
     auto p = preview();
     setup.cancel = true;
     EXPECT_FALSE(printPreview(*p, true, false));
     chooser.file.clear();
     EXPECT_FALSE(printPreview(*p, true, true));
-    EXPECT_FALSE(std::filesystem::exists(dir / "printed.pdf"));
-    EXPECT_FALSE(std::filesystem::exists(dir / "map.pdf"));
-}
-
-TEST_P(Printing, UnwritableFileEndsQuietly) {
-    auto p = preview();
     chooser.file = QString::fromStdString((dir / "missing" / "map.pdf").string());
     EXPECT_FALSE(printPreview(*p, true, true));
+    answerPrintOptions(false, false, true);
+    p->findChild<QPushButton*>("cmdPrint")->click();
     EXPECT_EQ(p->viewIndex(), 0);
+    EXPECT_FALSE(std::filesystem::exists(dir / "printed.pdf"));
+}
+
+TEST_P(Printing, OptionsDialogDrivesThePrintingAndEnterOnTheFocusedPrintRunsIt) {
+    auto p = preview();
+    answerPrintOptions(true, true, false);
+    p->findChild<QPushButton*>("cmdPrint")->click();
+    EXPECT_EQ(pdfPages(dir / "map.pdf"), views());
+    p->show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(p.get()));
+    p->findChild<QPushButton*>("cmdPrint")->setFocus();
+    answerPrintOptions(false, false, false);
+    setup.copies = 2;  // the current view, once a copy
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Enter);
+    EXPECT_EQ(pdfPages(dir / "printed.pdf"), 2);
+    EXPECT_EQ(chooser.asked, 1);
+    EXPECT_TRUE(p->isVisible());
 }
 
 INSTANTIATE_TEST_SUITE_P(Chips, Printing, ::testing::Values(iSmallOnePage, iBigOnePage, iBigEightPages));
 
-// Answers the modal print options with the given choices once they are shown.
-void answerPrintOptions(bool toFile, bool allPages, bool cancel) {
-    QTimer::singleShot(0, [=] {
-        QWidget* box = QApplication::activeModalWidget();
-        ASSERT_NE(box, nullptr);
-        ASSERT_EQ(box->objectName(), "frmPrintPreview");
-        box->findChild<QRadioButton*>(toFile ? "optPrint(1)" : "optPrint(0)")->click();
-        box->findChild<QRadioButton*>(allPages ? "optRange(1)" : "optRange(0)")->click();
-        box->findChild<QPushButton*>(cancel ? "cmdCancel" : "cmdOK")->click();
-    });
-}
-
-TEST(PrintCommand, OptionsDialogDrivesThePrinting) {
-    TempDir dir;
-    CIClass card;
-    card.setChipSize(iBigEightPages);
-    RecordArray records;
-    const Translator tr;
-    GivenFile chooser;
-    chooser.file = QString::fromStdString((dir / "all.pdf").string());
-    PdfPrinterSetup setup;
-    setup.file = QString::fromStdString((dir / "current.pdf").string());
-    frmPreview preview(card, records, tr, "L.IIF", PrintServices{&setup, &chooser});
-
-    answerPrintOptions(true, true, false);
-    preview.findChild<QPushButton*>("cmdPrint")->click();
-    EXPECT_EQ(pdfPages(dir / "all.pdf"), 4);
-
-    answerPrintOptions(false, false, false);
-    preview.findChild<QPushButton*>("cmdPrint")->click();
-    EXPECT_EQ(pdfPages(dir / "current.pdf"), 1);
-
-    std::filesystem::remove(dir / "current.pdf");
-    answerPrintOptions(false, false, true);
-    preview.findChild<QPushButton*>("cmdPrint")->click();
-    EXPECT_FALSE(std::filesystem::exists(dir / "current.pdf"));
-}
-
-TEST(PrintOptions, StartWithPrinterAndCurrentPages) {
+TEST(PrintOptions, StartWithPrinterAndCurrentPagesAndCancelIsKept) {
     const Translator tr;
     frmPrintPreview box(tr);
-    EXPECT_FALSE(box.Cancelled);
-    EXPECT_TRUE(box.findChild<QRadioButton*>("optPrint(0)")->isChecked());
-    EXPECT_TRUE(box.findChild<QRadioButton*>("optRange(0)")->isChecked());
-    EXPECT_FALSE(box.toFile());
-    EXPECT_FALSE(box.allPages());
     EXPECT_EQ(box.windowTitle(), "<Print preview>");
+    EXPECT_TRUE(box.findChild<QRadioButton*>("optPrint(0)")->isChecked() && !box.toFile());
+    EXPECT_TRUE(box.findChild<QRadioButton*>("optRange(0)")->isChecked() && !box.allPages());
     box.findChild<QRadioButton*>("optRange(1)")->click();
     EXPECT_TRUE(box.allPages());
+    EXPECT_FALSE(box.Cancelled);
     box.findChild<QPushButton*>("cmdCancel")->click();
     EXPECT_TRUE(box.Cancelled);
 }

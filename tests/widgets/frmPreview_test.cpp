@@ -1,9 +1,12 @@
 #include "preview/frmPreview.h"
 
+#include <QApplication>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTableWidget>
-#include <algorithm>
+#include <QTest>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -14,102 +17,88 @@
 namespace kestrin {
 namespace {
 
-// A preview of a card of the given type, HID section on, with the given items.
+// A preview of a card of the given type, HID section on, with an item on page 5.
 struct Preview {
     CIClass card;
     RecordArray records;
     Translator translator;
     std::unique_ptr<frmPreview> form;
-    explicit Preview(IClassType chip, std::vector<ItemRecord> items = {}) {
+    explicit Preview(IClassType chip) {
         card.setChipSize(chip);
-        for (const ItemRecord& r : items) records.add(r);
+        records.add(test::field("Badge", 5, 8, 0, 1, 0, 0x0000FF));
         form = std::make_unique<frmPreview>(card, records, translator, "card.iif", PrintServices{});
     }
-    template <class T>
+    template <class T = QWidget>
     T* child(const char* name) const { return form->findChild<T*>(name); }
     void click(const char* name) const { child<QPushButton>(name)->click(); }
-    QString text(const char* label) const { return child<QLabel>(label)->text(); }
-    QString blockNumber(const char* grid) const { return child<QTableWidget>(grid)->item(1, 0)->text(); }
 };
 
-struct ViewCase {
+struct StepCase {
     IClassType chip;
-    int view;
-    const char *title0, *title1, *pageOf;
-    int firstBlock0, firstBlock1;
+    int view;  // after Previous, Next four times and Previous
+    const char *title0, *description;
+    const char* grid;  // a cell of a grid and its text
+    int row, column;
+    const char* text;
 };
 
-class PreviewViews : public ::testing::TestWithParam<ViewCase> {};
+class PreviewSteps : public ::testing::TestWithParam<StepCase> {};
 
-TEST_P(PreviewViews, NextReachesTheViewWithItsTitlesAndBlocks) {
-    const ViewCase& c = GetParam();
+TEST_P(PreviewSteps, ButtonsStepThroughTheViewsAndTheGridsShowTheirPages) {
+    const StepCase& c = GetParam();
     Preview p(c.chip);
-    // Past the view and back; on the last view the extra cmdNext changes nothing, and
-    // neither does the extra cmdPrevious on the first.
-    for (int i = 0; i < std::min(c.view + 1, 4); ++i) p.click("cmdNext");
-    if (c.view < 3) p.click("cmdPrevious");
-    if (c.view == 0) p.click("cmdPrevious");
-    EXPECT_EQ(p.form->viewIndex(), c.view);
-    EXPECT_EQ(p.text("lblPreview0"), c.title0);
-    EXPECT_EQ(p.text("lblPreview1"), c.title1);
-    EXPECT_EQ(p.text("lblPageOf"), c.pageOf);
-    EXPECT_EQ(p.blockNumber("grdPreview0"), QString::number(c.firstBlock0));
-    EXPECT_EQ(p.blockNumber("grdPreview1"), QString::number(c.firstBlock1));
-    EXPECT_EQ(p.child<QPushButton>("cmdPrevious")->isEnabled(), c.view > 0);
-    EXPECT_EQ(p.child<QPushButton>("cmdNext")->isEnabled(), c.view < 3);
-}
-
-INSTANTIATE_TEST_SUITE_P(Chips, PreviewViews, ::testing::Values(
-    ViewCase{iBigOnePage, 0, "Blocks 0 - 31", "Blocks 32 - 63", "Blocks 0 - 63 of 255", 0, 32},
-    ViewCase{iBigOnePage, 1, "Blocks 64 - 95 ", "Blocks 96 - 127", "Blocks 64 - 127 of 255", 64, 96},
-    ViewCase{iBigOnePage, 2, "Blocks 128 - 159", "Blocks 160 - 191", "Blocks 128 - 191 of 255", 128, 160},
-    ViewCase{iBigOnePage, 3, "Blocks 192 - 223", "Blocks 224 - 255", "Blocks 192 - 255 of 255", 192, 224},
-    ViewCase{iBigEightPages, 0, "Page 0", "Page 1", "Pages 0/1 of 7", 0, 0},
-    ViewCase{iBigEightPages, 1, "Page 2", "Page 3", "Pages 2/3 of 7", 0, 0},
-    ViewCase{iBigEightPages, 2, "Page 4", "Page 5", "Pages 4/5 of 7", 0, 0},
-    ViewCase{iBigEightPages, 3, "Page 6", "Page 7", "Pages 6/7 of 7", 0, 0}));
-
-TEST(Preview, SmallCardShowsOneGridTitledCardLayout) {
-    Preview p(iSmallOnePage);
-    EXPECT_EQ(p.form->windowTitle(), "Preview iClass Layout");
-    EXPECT_EQ(p.text("lblPreview0"), "<Card Layout>");
-    EXPECT_TRUE(p.child<QTableWidget>("grdPreview1")->isHidden());
-    EXPECT_TRUE(p.child<QLabel>("lblPreview1")->isHidden());
-    EXPECT_TRUE(p.text("lblPageOf").isEmpty());
+    EXPECT_EQ(p.child<QLabel>("lblChip")->text(), c.description);
+    p.click("cmdPrevious");
+    for (int i = 0; i < 4; ++i) p.click("cmdNext");
     EXPECT_FALSE(p.child<QPushButton>("cmdNext")->isEnabled());
-    p.click("cmdNext");
-    EXPECT_EQ(p.form->viewIndex(), 0);
-    EXPECT_EQ(p.text("lblPreview0"), "<Card Layout>");
+    p.click("cmdPrevious");
+    EXPECT_EQ(p.form->viewIndex(), c.view);
+    EXPECT_EQ(p.child<QLabel>("lblPreview0")->text(), c.title0);
+    EXPECT_EQ(p.child<QPushButton>("cmdPrevious")->isEnabled(), c.view > 0);
+    const bool second = c.chip != iSmallOnePage;
+    for (const char* name : {"grdPreview1", "lblPreview1", "lblPageOf"}) EXPECT_EQ(p.child(name)->isHidden(), !second);
+    EXPECT_EQ(p.child<QTableWidget>(c.grid)->item(c.row, c.column)->text(), c.text);
 }
 
-TEST(Preview, EightPageViewsShowTheirPagesItems) {
-    Preview p(iBigEightPages, {test::field("Badge", 5, 8, 0, 1, 0, 0x0000FF)});
-    p.click("cmdNext");
-    p.click("cmdNext");
-    EXPECT_EQ(p.form->viewPageNumbers(), (std::vector<int>{4, 5}));
-    EXPECT_EQ(p.child<QTableWidget>("grdPreview1")->item(9, 1)->text(), "Badge");
-    EXPECT_EQ(p.child<QTableWidget>("grdPreview1")->item(9, 1)->background().color(), QColor(255, 0, 0));
-    EXPECT_EQ(p.child<QTableWidget>("grdPreview0")->item(9, 1)->text(), QString());
+INSTANTIATE_TEST_SUITE_P(Chips, PreviewSteps, ::testing::Values(
+    StepCase{iSmallOnePage, 0, "<Card Layout>", "<2 kbit/256 bytes card>", "grdPreview0", 1, 1, "Card Serial Number"},
+    StepCase{iBigOnePage, 2, "Blocks 128 - 159", "<16 kbit (2 kbyte) card, non-paged>", "grdPreview1", 32, 0, "191"},
+    StepCase{iBigEightPages, 2, "Page 4", "<16 kbit (2 kbyte) card, paged>", "grdPreview1", 9, 1, "Badge"}));
+
+// Enter runs the focused button; with the focus elsewhere it runs OK, the default button.
+TEST(Preview, EnterRunsTheFocusedButtonElseOk) {
+    Preview p(iBigEightPages);
+    EXPECT_EQ(p.form->windowTitle(), "Preview iClass Layout");
+    p.form->show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(p.form.get()));
+    EXPECT_EQ(QApplication::focusWidget(), p.child("cmdOK"));
+    p.child("cmdNext")->setFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    EXPECT_EQ(p.form->viewIndex(), 1);
+    EXPECT_TRUE(p.form->isVisible());
+    p.child("scrPreview")->setFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    EXPECT_FALSE(p.form->isVisible());
+    EXPECT_EQ(p.form->result(), QDialog::Accepted);
 }
 
-TEST(Preview, DescribesTheChipShowsEveryCellInAGrabAndOkAccepts) {
-    for (auto [chip, description] : {std::pair{iSmallOnePage, "<2 kbit/256 bytes card>"},
-                                     {iBigOnePage, "<16 kbit (2 kbyte) card, non-paged>"},
-                                     {iBigEightPages, "<16 kbit (2 kbyte) card, paged>"}}) {
-        Preview p(chip);
-        EXPECT_EQ(p.text("lblChip"), description);
-        p.form->show();
-        const QImage picture = p.form->grab().toImage();
-        for (const char* name : {"grdPreview0", "grdPreview1"}) {
-            const QTableWidget* g = p.child<QTableWidget>(name);
-            if (g->isHidden()) continue;
-            const QRect cell = g->visualItemRect(g->item(32, 0));
-            const QPoint corner = g->viewport()->mapTo(p.form.get(), cell.bottomLeft() + QPoint(3, -3));
-            EXPECT_EQ(picture.pixelColor(corner * picture.devicePixelRatio()), QColor(255, 255, 0)) << name;
-        }
-        p.click("cmdOK");
-        EXPECT_EQ(p.form->result(), QDialog::Accepted);
-    }
+// On a screen lower than the grids the window fits and keeps its buttons; the grids scroll to their last row.
+TEST(Preview, FitsASmallScreenWithTheGridsScrolling) {
+    Preview p(iBigEightPages);
+    auto* scroll = p.child<QScrollArea>("scrPreview");
+    p.form->fitInto(QSize(4000, 4000));  // before it is shown, as the map command sizes it
+    p.form->show();
+    EXPECT_EQ(scroll->verticalScrollBar()->maximum(), 0) << "with room to spare, everything shows";
+    const QSize room(1024, 480);
+    p.form->fitInto(room);
+    EXPECT_TRUE(p.form->width() <= room.width() && p.form->height() <= room.height());
+    for (const QPushButton* b : p.form->findChildren<QPushButton*>())
+        EXPECT_TRUE(p.form->rect().contains(QRect(b->mapTo(p.form.get(), QPoint()), b->size()))) << b->objectName().toStdString();
+    EXPECT_EQ(scroll->horizontalScrollBar()->maximum(), 0);
+    scroll->verticalScrollBar()->setValue(scroll->verticalScrollBar()->maximum());
+    const QTableWidget* grid = p.child<QTableWidget>("grdPreview1");
+    const QPoint lastRow = grid->viewport()->mapTo(scroll->viewport(), grid->visualItemRect(grid->item(32, 8)).bottomRight());
+    EXPECT_TRUE(scroll->viewport()->rect().contains(lastRow));
 }
 
 }  // namespace

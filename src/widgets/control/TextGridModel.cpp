@@ -1,12 +1,9 @@
 #include "control/TextGridModel.h"
 
+#include "base/Twips.h"
 #include "text/Translator.h"
 
 namespace kestrin {
-
-int twipsToPixels(int twips, int dpi) {
-    return static_cast<int>(static_cast<long long>(twips) * dpi / 1440);
-}
 
 QString toQString(const std::string& text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));

@@ -9,10 +9,6 @@ namespace kestrin {
 
 class Translator;
 
-// Widths in the grid tables are kept in twips (1440 an inch); this gives whole pixels at
-// the widget's logical DPI, rounded down (400 twips at 96 DPI give 26 pixels).
-int twipsToPixels(int twips, int dpi);
-
 QString toQString(const std::string& text);
 
 // A grid of plain texts with translated headers, rebuilt whole from the records. Model row
@@ -30,7 +26,7 @@ public:
     int itemCount() const { return m_itemCount; }
     // The text of one cell, empty outside the table.
     QString cellText(int row, int column) const;
-    // The width of a column in pixels at the given logical DPI; 0 outside the table.
+    // The width of a column (kept in twips) in pixels at the given logical DPI; 0 outside the table.
     int columnWidthPixels(int column, int dpi) const;
 
 protected:

@@ -5,33 +5,19 @@
 #include <QTableWidget>
 #include <QTableWidgetItem>
 #include <algorithm>
-#include <array>
-#include <string_view>
+#include <unordered_map>
 #include <vector>
 
-#include "card/CIClass.h"
-#include "card/CPage.h"
-#include "card/CardGeometry.h"
-#include "items/ItemSpan.h"
-#include "items/RecordArray.h"
+#include "base/Twips.h"
+#include "items/MapGrid.h"
+#include "items/PageMap.h"
 
 namespace kestrin {
 
 namespace {
 
-constexpr int kColumns = 1 + kBytesPerBlock;  // block number, then bytes 0 to 7
-constexpr int32_t kGridBlocks = 32;           // blocks a grid shows unless the whole page is asked for
-constexpr int kTwipsPerInch = 1440;
 constexpr int kColumnTwips = 400;
 constexpr int kRowTwips = 240;
-// Row 0 and the block numbers of fixed-area rows, so that yellow marks only the blocks items may use.
-constexpr int32_t kFrameColor = 0xF0F0F0;
-constexpr int32_t kTextColor = 0x000000;
-constexpr int32_t kHidTextColor = 0xFFFFFF;  // black text would be hard to read on pure blue
-
-int twipsToPixels(int twips, int dpi) {
-    return (twips * dpi + kTwipsPerInch / 2) / kTwipsPerInch;
-}
 
 // Switches a grid's redrawing off for one paint and back to what it was. Only the grid's own
 // switch counts: a parent that has redrawing off (the preview changing views) keeps it off for
@@ -51,11 +37,50 @@ private:
     bool wasOn_;
 };
 
-// What one byte cell is to show; brushes are indices into the paint's brush table.
-struct CellPlan {
-    QString text;
-    int background = 0;
-    int foreground = 0;
+// One brush a colour for the whole paint, so equal colours share their brush data. Neighbouring
+// cells mostly share a colour, so the last one is at hand without a look-up.
+class Brushes {
+public:
+    const QBrush& operator()(int32_t bgr) {
+        if (last_ && lastColor_ == bgr) return *last_;
+        auto found = brushes_.find(bgr);
+        if (found == brushes_.end()) found = brushes_.emplace(bgr, QBrush(memoryMapColor(bgr))).first;
+        lastColor_ = bgr;
+        last_ = &found->second;
+        return *last_;
+    }
+
+private:
+    std::unordered_map<int32_t, QBrush> brushes_;
+    const QBrush* last_ = nullptr;
+    int32_t lastColor_ = 0;
+};
+
+// The texts of a grid's last map and their display strings: a repaint converts only the texts
+// that changed, which keeps switching back and forth between views cheap.
+class MapTexts : public QObject {
+public:
+    using QObject::QObject;
+    const std::vector<QString>& update(const std::vector<std::string>& texts) {
+        texts_.resize(texts.size());
+        shown_.resize(texts.size());
+        for (size_t i = 0; i < texts.size(); ++i) {
+            if (texts_[i] == texts[i]) continue;  // new entries start empty, as an empty text shows
+            texts_[i] = texts[i];
+            shown_[i] = QString::fromUtf8(texts[i].data(), static_cast<qsizetype>(texts[i].size()));
+        }
+        return shown_;
+    }
+
+    static MapTexts& of(QTableWidget& grid) {
+        for (QObject* child : grid.children())
+            if (auto* texts = dynamic_cast<MapTexts*>(child)) return *texts;
+        return *new MapTexts(&grid);
+    }
+
+private:
+    std::vector<std::string> texts_;
+    std::vector<QString> shown_;
 };
 
 // The cell at (row, column), made once and then reused by every later paint.
@@ -67,45 +92,6 @@ QTableWidgetItem& cellAt(QTableWidget& grid, int row, int column) {
     return *item;
 }
 
-// Sets a block number; the text is only rebuilt when the cell shows another number, so a
-// repaint does not allocate a string for every row.
-void setNumber(QTableWidgetItem& item, int number) {
-    bool isNumber = false;
-    if (item.text().toInt(&isNumber) != number || !isNumber) item.setText(QString::number(number));
-}
-
-void applyCell(QTableWidgetItem& item, const QString& text, const QBrush& background, const QBrush& foreground) {
-    // QTableWidgetItem ignores a value equal to the one it holds, so an unchanged cell costs no signal.
-    item.setText(text);
-    item.setBackground(background);
-    item.setForeground(foreground);
-}
-
-void paintHeaderRow(QTableWidget& grid, const QBrush& frame, const QBrush& text) {
-    applyCell(cellAt(grid, 0, 0), QString(), frame, text);
-    for (int byte = 0; byte < kBytesPerBlock; ++byte) {
-        QTableWidgetItem& cell = cellAt(grid, 0, byte + 1);
-        setNumber(cell, byte);
-        cell.setBackground(frame);
-        cell.setForeground(text);
-    }
-}
-
-// Every run of two or more equal, non-empty texts across a row's byte cells shows as one cell.
-void mergeRows(QTableWidget& grid, const std::vector<CellPlan>& plan, int dataRows) {
-    grid.clearSpans();
-    for (int row = 0; row < dataRows; ++row) {
-        const CellPlan* cells = &plan[static_cast<size_t>(row) * kBytesPerBlock];
-        int start = 0;
-        while (start < kBytesPerBlock) {
-            int end = start + 1;
-            while (end < kBytesPerBlock && cells[end].text == cells[start].text) ++end;
-            if (end - start > 1 && !cells[start].text.isEmpty()) grid.setSpan(row + 1, start + 1, 1, end - start);
-            start = end;
-        }
-    }
-}
-
 }  // namespace
 
 QColor memoryMapColor(int32_t bgr) {
@@ -115,7 +101,7 @@ QColor memoryMapColor(int32_t bgr) {
 QTableWidget* createPageGrid(QWidget* parent, const QString& objectName) {
     auto* grid = new QTableWidget(parent);
     grid->setObjectName(objectName);
-    grid->setColumnCount(kColumns);
+    grid->setColumnCount(kPageMapColumns);
     grid->setRowCount(1);
     grid->horizontalHeader()->hide();
     grid->verticalHeader()->hide();
@@ -129,15 +115,13 @@ QTableWidget* createPageGrid(QWidget* parent, const QString& objectName) {
     columns->setMinimumSectionSize(1);
     columns->setDefaultSectionSize(columnWidth);
     columns->setSectionResizeMode(QHeaderView::Fixed);
-    for (int c = 0; c < kColumns; ++c) grid->setColumnWidth(c, columnWidth);
+    for (int c = 0; c < kPageMapColumns; ++c) grid->setColumnWidth(c, columnWidth);
 
     QHeaderView* rows = grid->verticalHeader();
     const int rowHeight = std::max(twipsToPixels(kRowTwips, grid->logicalDpiY()), grid->fontMetrics().height() + 2);
     rows->setMinimumSectionSize(1);
     rows->setDefaultSectionSize(rowHeight);
     rows->setSectionResizeMode(QHeaderView::Fixed);
-
-    paintHeaderRow(*grid, QBrush(memoryMapColor(kFrameColor)), QBrush(memoryMapColor(kTextColor)));
     return grid;
 }
 
@@ -148,82 +132,29 @@ void fitPageGrid(QTableWidget& grid) {
     grid.setFixedSize(grid.horizontalHeader()->length() + frame, grid.verticalHeader()->length() + frame);
 }
 
-void paintPage(QTableWidget& grid, const CPage& page, const RecordArray& records, bool wholePage) {
+void showMapGrid(QTableWidget& grid, const MapGrid& map) {
     UpdatesOff updatesOff(grid);
+    if (grid.columnCount() != map.columns()) grid.setColumnCount(map.columns());
+    if (grid.rowCount() != map.rows()) grid.setRowCount(map.rows());
 
-    const int32_t blocks = wholePage ? std::max(kGridBlocks, page.blockCount()) : kGridBlocks;
-    const int32_t firstGridBlock = wholePage ? 0 : page.VirtualPage * kGridBlocks;
-    const int64_t gridBytes = int64_t{blocks} * kBytesPerBlock;
-    const int rows = blocks + 1;
-    if (grid.columnCount() != kColumns) grid.setColumnCount(kColumns);
-    if (grid.rowCount() != rows) grid.setRowCount(rows);
-
-    const CIClass* card = page.Parent;
-    const bool showHid = card && card->UseHIDSection() && page.HasHIDSpace;
-    const bool boundaryGreys = card && card->ChipSize() == iBigEightPages;
-    // The first block after the fixed areas: the yellow block numbers start there.
-    const int32_t firstFreeBlock = showHid ? kHidLastBlock + 1 : page.HasHeader ? kHeaderBlocks : 0;
-
-    enum Brush { Frame, Text, HidText, Yellow, White, Green, Blue, InsideBoundary, BeyondBoundary, FixedBrushes };
-    std::vector<QBrush> brushes;
-    brushes.reserve(FixedBrushes + static_cast<size_t>(records.size()));
-    for (int32_t color : {kFrameColor, kTextColor, kHidTextColor, kBlockNumberColor, kFreeByteColor, kHeaderColor,
-                          kHidColor, kInsideBoundaryColor, kBeyondBoundaryColor})
-        brushes.emplace_back(memoryMapColor(color));
-
-    std::array<QString, kHeaderBlocks> headerNames;
-    for (int32_t b = 0; b < kHeaderBlocks; ++b) {
-        const std::string_view name = headerBlockName(b);
-        headerNames[static_cast<size_t>(b)] = QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
-    }
-    const QString hidName = QString::fromUtf8(kHidAreaName.data(), static_cast<qsizetype>(kHidAreaName.size()));
-
-    // Fixed areas and free bytes, as each grid block is shown before any item.
-    std::vector<CellPlan> plan(static_cast<size_t>(gridBytes));
-    for (int32_t row = 0; row < blocks; ++row) {
-        const int32_t block = firstGridBlock + row;  // block of the page's own numbering
-        CellPlan area;
-        if (page.HasHeader && block < kHeaderBlocks) {
-            area = {headerNames[static_cast<size_t>(block)], Green, Text};
-        } else if (showHid && block >= kHidFirstBlock && block <= kHidLastBlock) {
-            area = {hidName, Blue, HidText};
-        } else if (boundaryGreys && block >= page.BeginFreeSpace) {
-            area = {QString(), block <= page.Boundary ? InsideBoundary : BeyondBoundary, Text};
-        } else {
-            area = {QString(), White, Text};
-        }
-        std::fill_n(plan.begin() + int64_t{row} * kBytesPerBlock, kBytesPerBlock, area);
-    }
-
-    // Every placed kind is painted (fields, functions, binary fields and all bit kinds); a bit
-    // item fills each byte its bits touch. Database-update items have no place on the card.
-    for (const ItemRecord& r : records) {
-        const BitSpan span = itemSpan(r);
-        if (r.isDbUpdate || r.page != page.PageNumber || span.length <= 0) continue;
-        const int64_t gridStart = PageAddress::ofBlock(firstGridBlock).byte();
-        const int64_t first = std::max<int64_t>(span.first.byte() - gridStart, 0);
-        const int64_t last = std::min<int64_t>(PageAddress::ofBit(span.lastBit()).byte() - gridStart, gridBytes - 1);
-        if (first > last) continue;
-        const int brush = static_cast<int>(brushes.size());
-        brushes.emplace_back(memoryMapColor(r.color));
-        const CellPlan item{QString::fromStdString(r.name), brush, Text};
-        std::fill(plan.begin() + first, plan.begin() + last + 1, item);
-    }
-
-    paintHeaderRow(grid, brushes[Frame], brushes[Text]);
-    for (int32_t row = 0; row < blocks; ++row) {
-        const int32_t block = firstGridBlock + row;
-        QTableWidgetItem& number = cellAt(grid, row + 1, 0);
-        setNumber(number, block);
-        number.setBackground(brushes[block >= firstFreeBlock ? Yellow : Frame]);
-        number.setForeground(brushes[Text]);
-        for (int byte = 0; byte < kBytesPerBlock; ++byte) {
-            const CellPlan& cell = plan[static_cast<size_t>(row) * kBytesPerBlock + static_cast<size_t>(byte)];
-            applyCell(cellAt(grid, row + 1, byte + 1), cell.text, brushes[static_cast<size_t>(cell.background)],
-                      brushes[static_cast<size_t>(cell.foreground)]);
+    const std::vector<QString>& texts = MapTexts::of(grid).update(map.texts());
+    Brushes backgrounds, foregrounds;
+    for (int32_t row = 0; row < map.rows(); ++row) {
+        for (int32_t column = 0; column < map.columns(); ++column) {
+            const MapCell& cell = map.at(row, column);
+            QTableWidgetItem& item = cellAt(grid, row, column);
+            // QTableWidgetItem ignores a value equal to the one it holds, so an unchanged cell costs no signal.
+            item.setText(texts[static_cast<size_t>(cell.text)]);
+            item.setBackground(backgrounds(cell.background));
+            item.setForeground(foregrounds(cell.foreground));
         }
     }
-    mergeRows(grid, plan, blocks);
+    grid.clearSpans();
+    for (const MapMerge& m : map.merges()) grid.setSpan(m.row, m.column, 1, m.columns);
+}
+
+void paintPage(QTableWidget& grid, const CPage& page, const RecordArray& records, bool wholePage) {
+    showMapGrid(grid, pageMap(page, records, wholePage));
 }
 
 }  // namespace kestrin

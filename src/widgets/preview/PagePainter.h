@@ -9,13 +9,8 @@ class QWidget;
 namespace kestrin {
 
 class CPage;
+class MapGrid;
 class RecordArray;
-
-// Memory-map colours, as 0x00BBGGRR values like the colours the files keep.
-inline constexpr int32_t kBlockNumberColor = 0x00FFFF;     // yellow
-inline constexpr int32_t kFreeByteColor = 0xFFFFFF;        // white
-inline constexpr int32_t kInsideBoundaryColor = 0xEBEBEB;  // up to and including the boundary block
-inline constexpr int32_t kBeyondBoundaryColor = 0xD7D7D7;  // after the boundary block
 
 QColor memoryMapColor(int32_t bgr);
 
@@ -26,12 +21,11 @@ QTableWidget* createPageGrid(QWidget* parent, const QString& objectName);
 // Resizes a painted grid to show every row and column.
 void fitPageGrid(QTableWidget& grid);
 
-// Paints one page into the grid: fixed areas first (green header, blue HID area, yellow
-// block numbers), then free bytes (white, or the two boundary greys on an eight-page card),
-// then every item of the records on that page byte by byte in its colour with its name;
-// equal texts across a row are merged into one cell. The page's VirtualPage shifts the
-// block numbers and bytes by 32 blocks a step (the one-page 16 kbit card shown 32 blocks a
-// grid). wholePage shows all blocks of a 2048-byte page in one grid.
+// Shows a memory map in the grid: each cell's text centred on its colours, the merged runs
+// as one cell. Cells already in the grid are reused, and redrawing waits for the whole map.
+void showMapGrid(QTableWidget& grid, const MapGrid& map);
+
+// Paints the memory map of one page (see pageMap) into the grid.
 void paintPage(QTableWidget& grid, const CPage& page, const RecordArray& records, bool wholePage = false);
 
 }  // namespace kestrin

@@ -11,60 +11,49 @@
 
 #include "frmPreview.h"
 #include "frmPrintPreview.h"
+#include "base/Twips.h"
 #include "text/Translator.h"
 
 namespace kestrin {
 
 namespace {
 
-constexpr double kTwipsPerInch = 1440.0;
-constexpr double kGridLeftTwips = 500.0;
-constexpr double kGridTopTwips = 1000.0;
-constexpr double kGridGapTwips = 250.0;
+// Where the grid pictures go on a sheet, in twips from the printable area's corner.
+constexpr int kGridLeftTwips = 500;
+constexpr int kGridTopTwips = 1000;
+constexpr int kGridGapTwips = 250;
 
-QString text(const Translator& translator, int id, const char* defaultText) {
-    return QString::fromStdString(translator.text(id, defaultText));
+QString text(const Translator& translator, const TextRef& ref) {
+    return QString::fromStdString(translator.text(ref));
 }
 
 QString headerLine(const frmPreview& preview) {
-    const Translator& t = preview.translator();
     const QDateTime now = QDateTime::currentDateTime();
     const QLocale locale = QLocale::system();
-    return text(t, 4619, "<Filename>") + ": " + preview.layoutFile() + "; " + text(t, 613, "<Date>") + ": " +
-           locale.toString(now.date(), QLocale::ShortFormat) + "; " + text(t, 4620, "<Time>") + ": " +
-           locale.toString(now.time(), QLocale::ShortFormat);
-}
-
-// "PAGES 2 and 3": the view's pages on an eight-page card.
-QString pagesHeading(const frmPreview& preview) {
-    const Translator& t = preview.translator();
-    const std::vector<int> pages = preview.viewPageNumbers();
-    QString heading = text(t, 4621, "<Pages>").toUpper();
-    for (size_t i = 0; i < pages.size(); ++i) {
-        if (i > 0) heading += " " + text(t, 1572, "<and>");
-        heading += " " + QString::number(pages[i]);
-    }
-    return heading;
+    return QString::fromStdString(printHeaderLine(preview.translator(), preview.layoutFile().toStdString(),
+                                                  locale.toString(now.date(), QLocale::ShortFormat).toStdString(),
+                                                  locale.toString(now.time(), QLocale::ShortFormat).toStdString()));
 }
 
 // One sheet: the header line, the pages heading of an eight-page card, and the grids
 // side by side at their screen size, scaled down where the paper is narrower.
 void printSheet(QPainter& painter, QPrinter& printer, const frmPreview& preview, const QString& header) {
-    const double dpi = printer.resolution();
-    const QRectF page = printer.pageLayout().paintRectPixels(static_cast<int>(dpi));
+    const int dpi = printer.resolution();
+    const QRectF page = printer.pageLayout().paintRectPixels(dpi);
     QFont font = painter.font();
     font.setPointSizeF(10);
     font.setStyleStrategy(QFont::PreferNoShaping);  // no ligatures: the header stays searchable text
     painter.setFont(font);
     const double lineHeight = painter.fontMetrics().height();
     painter.drawText(QPointF(0, lineHeight), header);
-    if (preview.card().ChipSize() == iBigEightPages) painter.drawText(QPointF(0, 2.5 * lineHeight), pagesHeading(preview));
+    const std::string pages = printPagesHeading(preview.card(), preview.view(), preview.translator());
+    if (!pages.empty()) painter.drawText(QPointF(0, 2.5 * lineHeight), QString::fromStdString(pages));
 
     std::vector<QPixmap> pictures;
     for (int i = 0; i < (preview.usesSecondGrid() ? 2 : 1); ++i) pictures.push_back(preview.grid(i)->grab());
-    const double left = kGridLeftTwips / kTwipsPerInch * dpi;
-    const double top = std::max(kGridTopTwips / kTwipsPerInch * dpi, 4 * lineHeight);
-    const double gap = kGridGapTwips / kTwipsPerInch * dpi;
+    const double left = twipsToPixels(kGridLeftTwips, dpi);
+    const double top = twipsToPixels(kGridTopTwips, dpi);
+    const double gap = twipsToPixels(kGridGapTwips, dpi);
     const double screenDpi = preview.grid(0)->logicalDpiX();
     double width = 0, height = 0;
     for (const QPixmap& p : pictures) {
@@ -83,6 +72,26 @@ void printSheet(QPainter& painter, QPrinter& printer, const frmPreview& preview,
     }
 }
 
+// Prints the views of one copy, each on its own sheet; false when the printer failed.
+bool printViews(QPainter& painter, QPrinter& printer, frmPreview& preview, bool allPages, const QString& header,
+                bool& firstSheet) {
+    auto sheet = [&] {
+        if (!firstSheet && !printer.newPage()) return false;
+        firstSheet = false;
+        printSheet(painter, printer, preview, header);
+        return true;
+    };
+    if (!allPages) return sheet();
+    // From the first view to the last through the preview's own Previous and Next.
+    while (preview.view().hasPrevious) preview.showPrevious();
+    if (!sheet()) return false;
+    while (preview.view().hasNext) {
+        preview.showNext();
+        if (!sheet()) return false;
+    }
+    return true;
+}
+
 }  // namespace
 
 bool printPreview(frmPreview& preview, bool allPages, bool toFile) {
@@ -93,7 +102,7 @@ bool printPreview(frmPreview& preview, bool allPages, bool toFile) {
         if (!services.fileChooser) return false;
         const QString folder = QFileInfo(preview.layoutFile()).absolutePath();
         const QString file = services.fileChooser->saveFileName(
-            &preview, text(preview.translator(), 4635, "<Print to &file>").remove('&'), folder, "PDF (*.pdf)");
+            &preview, text(preview.translator(), kTextPrintToFile).remove('&'), folder, "PDF (*.pdf)");
         if (file.isEmpty()) return false;
         printer.setOutputFormat(QPrinter::PdfFormat);
         printer.setOutputFileName(file);
@@ -104,24 +113,14 @@ bool printPreview(frmPreview& preview, bool allPages, bool toFile) {
     }
 
     const int before = preview.viewIndex();
-    std::vector<int> views{before};
-    if (allPages && preview.viewCount() > 1) {
-        views.clear();
-        for (int v = 0; v < preview.viewCount(); ++v) views.push_back(v);
-    }
     QPainter painter;
     if (!painter.begin(&printer)) return false;  // printer errors end the printing quietly
     const QString header = headerLine(preview);
-    bool first = true;
+    bool firstSheet = true;
     for (int copy = 0; copy < copies; ++copy) {
-        for (int view : views) {
-            if (!first && !printer.newPage()) {
-                painter.end();
-                return false;
-            }
-            first = false;
-            preview.showView(view);
-            printSheet(painter, printer, preview, header);
+        if (!printViews(painter, printer, preview, allPages, header, firstSheet)) {
+            painter.end();
+            return false;
         }
     }
     painter.end();

@@ -1,13 +1,14 @@
 #pragma once
 #include <QDialog>
 #include <QString>
-#include <vector>
 
 #include "PrintServices.h"
 #include "card/CIClass.h"
+#include "items/PreviewViews.h"
 
 class QLabel;
 class QPushButton;
+class QScrollArea;
 class QTableWidget;
 
 namespace kestrin {
@@ -16,25 +17,26 @@ class RecordArray;
 class Translator;
 
 // The card's memory map, two page grids at a time: one view on the 2 kbit card, four views
-// (a quarter of the card each) on the 16 kbit cards. Prints through the given services.
+// (a quarter of the card each) on the 16 kbit cards. The grids scroll inside a window that
+// fits the screen, the buttons stay in sight. Prints through the given services.
 class frmPreview : public QDialog {
     Q_OBJECT
 public:
     frmPreview(const CIClass& card, const RecordArray& records, const Translator& translator,
                const QString& layoutFile, PrintServices services, QWidget* parent = nullptr);
 
-    int viewIndex() const { return view_; }
+    int viewIndex() const { return view_.index; }
     int viewCount() const;
+    const PreviewView& view() const { return view_; }
     void showView(int index);  // repaints both grids and sets titles and buttons
     void showNext();           // cmdNext: up to the last view
     void showPrevious();       // cmdPrevious: down to view 0
     bool usesSecondGrid() const;
+    // Sizes the window to show everything, or as much as fits the given room with the grids
+    // scrolling; the preview does this itself for its screen's free area.
+    void fitInto(const QSize& room);
 
     QTableWidget* grid(int index) const;
-    QString gridTitle(int index) const;
-    QString pageOfText() const;
-    // The page numbers shown by the current view of an eight-page card ("0" and "1" ...).
-    std::vector<int> viewPageNumbers() const;
 
     const CIClass& card() const { return card_; }
     const Translator& translator() const { return translator_; }
@@ -42,25 +44,19 @@ public:
     const PrintServices& services() const { return services_; }
 
 private:
-    void paintView();
-    void updateTitles();
-
-    CIClass card_;  // a copy: the preview numbers its pages for display
+    CIClass card_;  // a copy: the view's pages point at it
     const RecordArray& records_;
     const Translator& translator_;
     QString layoutFile_;
     PrintServices services_;
-    int view_ = 0;
-    std::vector<CPage> virtualPages_;  // the 32-block pages of a one-page 16 kbit card
+    PreviewView view_;
 
+    QScrollArea* scroll_ = nullptr;
     QTableWidget* grids_[2] = {nullptr, nullptr};
     QLabel* titles_[2] = {nullptr, nullptr};
     QLabel* pageOf_ = nullptr;
-    QLabel* chip_ = nullptr;
     QPushButton* previous_ = nullptr;
     QPushButton* next_ = nullptr;
-    QPushButton* print_ = nullptr;
-    QPushButton* ok_ = nullptr;
 };
 
 }  // namespace kestrin

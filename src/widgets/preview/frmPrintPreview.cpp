@@ -7,14 +7,15 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
+#include "items/PreviewViews.h"
 #include "text/Translator.h"
 
 namespace kestrin {
 
 namespace {
 
-QString caption(const Translator& translator, int id, const char* defaultText) {
-    return QString::fromStdString(translator.text(id, defaultText));
+QString caption(const Translator& translator, const TextRef& ref) {
+    return QString::fromStdString(translator.text(ref));
 }
 
 // A frame with two options, the first selected.
@@ -37,12 +38,12 @@ QGroupBox* optionPair(QWidget* parent, const QString& frameName, const QString& 
 
 frmPrintPreview::frmPrintPreview(const Translator& translator, QWidget* parent) : QDialog(parent) {
     setObjectName("frmPrintPreview");
-    setWindowTitle(caption(translator, 4631, "<Print preview>"));
-    auto* destination = optionPair(this, "fraDestination", caption(translator, 4632, "<Destination>"), "optPrint",
-                                   caption(translator, 4634, "<Print to &printer>"), caption(translator, 4635, "<Print to &file>"),
+    setWindowTitle(caption(translator, kTextPrintOptionsCaption));
+    auto* destination = optionPair(this, "fraDestination", caption(translator, kTextDestination), "optPrint",
+                                   caption(translator, kTextPrintToPrinter), caption(translator, kTextPrintToFile),
                                    printToPrinter_, printToFile_);
-    auto* range = optionPair(this, "fraRange", caption(translator, 4633, "<Print range>"), "optRange",
-                             caption(translator, 4636, "<&Current page(s)>"), caption(translator, 4637, "<&All pages>"),
+    auto* range = optionPair(this, "fraRange", caption(translator, kTextPrintRange), "optRange",
+                             caption(translator, kTextCurrentPages), caption(translator, kTextAllPages),
                              currentPages_, allPages_);
     auto* ok = new QPushButton(QStringLiteral("OK"), this);
     ok->setObjectName("cmdOK");
