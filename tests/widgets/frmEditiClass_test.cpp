@@ -260,13 +260,21 @@ TEST(EditiClassFields, ARefusedEditPutsTheOldItemBack) {
     EXPECT_EQ(ed.records()[0], old);
 }
 
-TEST(EditiClassFields, ThePageMapShowsTheAppliedItem) {
+// Before Apply the map marks the chosen place over what lies there; after it, the item itself.
+TEST(EditiClassFields, ThePageMapMarksTheChosenPlaceAndShowsTheAppliedItem) {
     Editor ed;
     ed.open(kModeField);
     QTableWidget* map = ed.child<QTableWidget>("grdPreview");
     ed.clickField(0);
     ed.place(23, 3, "2");
-    EXPECT_NE(map->item(24, 4)->text(), "NAME");
+    const QColor mark = memoryMapColor(kMapMarkColor);
+    EXPECT_EQ(map->item(24, 4)->background().color(), mark);
+    EXPECT_EQ(map->item(24, 5)->background().color(), mark);
+    EXPECT_NE(map->item(24, 6)->background().color(), mark);
+    ed.choose("cboRow", "25");
+    EXPECT_NE(map->item(24, 4)->background().color(), mark);
+    EXPECT_EQ(map->item(26, 4)->background().color(), mark);
+    ed.choose("cboRow", "23");
     ed.click("cmdApply");
     ASSERT_EQ(ed.records().size(), 1);
     EXPECT_EQ(map->item(24, 4)->text(), "NAME");

@@ -24,7 +24,7 @@ int32_t bitMapRow(const CPage& page, int32_t block) {
     return 1 + block - page.BeginFreeSpace;
 }
 
-MapGrid bitMap(const CPage& page, const RecordArray& records) {
+MapGrid bitMap(const CPage& page, const RecordArray& records, const PlaceMark* mark) {
     const int32_t firstBlock = page.BeginFreeSpace;
     const int32_t blocks = std::max(0, page.blockCount() - firstBlock);
     MapGrid map(blocks + 1, kBitMapColumns);
@@ -72,6 +72,15 @@ MapGrid bitMap(const CPage& page, const RecordArray& records) {
         }
         closeRun();
     }
+    if (mark)
+        for (int64_t bit = std::max(mark->span.first, PageAddress::ofBlock(firstBlock)).bit();
+             bit <= mark->span.lastBit(); ++bit) {
+            const PageAddress at = PageAddress::ofBit(bit);
+            const int32_t row = static_cast<int32_t>(at.block()) - firstBlock + 1;
+            if (row >= map.rows()) break;
+            map.at(row, bitMapColumn(static_cast<int32_t>(at.byteInBlock()), static_cast<int32_t>(at.bitInByte())))
+                .background = kMapMarkColor;
+        }
     return map;
 }
 

@@ -26,7 +26,7 @@ constexpr int32_t bitMapColumn(int32_t byteInBlock, int32_t bit) {
 // eight bits, the bit numbers as tooltips "byte.bit". Free bits are white, every other byte
 // lightly shaded. A bit owned by an item takes the item's colour, its name as owner and
 // "name (byte.bit)" as tooltip; a run of one item's bits within a block is merged into one
-// cell that shows the item's name.
-MapGrid bitMap(const CPage& page, const RecordArray& records);
+// cell that shows the item's name. A mark colours the bits of the place being chosen.
+MapGrid bitMap(const CPage& page, const RecordArray& records, const PlaceMark* mark = nullptr);
 
 }  // namespace kestrin

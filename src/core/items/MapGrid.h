@@ -3,12 +3,22 @@
 #include <string>
 #include <vector>
 
+#include "card/PageAddress.h"
+
 namespace kestrin {
 
 // Colours shared by the memory maps, as 0x00BBGGRR values like the colours the files keep.
 inline constexpr int32_t kMapTextColor = 0x000000;
 inline constexpr int32_t kMapFreeColor = 0xFFFFFF;         // white: a byte or bit no item uses
 inline constexpr int32_t kMapBlockNumberColor = 0x00FFFF;  // yellow: a block items may use
+
+// The place an item being entered would take, shown over a map before it is applied: brighter
+// than any item's colour, which stays within 127 to 227 a channel.
+inline constexpr int32_t kMapMarkColor = 0x0080FF;  // orange
+struct PlaceMark {
+    BitSpan span;
+    std::string name;
+};
 
 // One cell of a memory-map grid. Texts are indices into the grid's text table, so a painter
 // turns each distinct text into its own string type once.

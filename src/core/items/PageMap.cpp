@@ -32,7 +32,7 @@ void mergeRuns(MapGrid& map) {
 
 }  // namespace
 
-MapGrid pageMap(const CPage& page, const RecordArray& records, bool wholePage) {
+MapGrid pageMap(const CPage& page, const RecordArray& records, bool wholePage, const PlaceMark* mark) {
     const int32_t blocks = wholePage ? std::max(kGridBlocks, page.blockCount()) : kGridBlocks;
     const int32_t firstGridBlock = wholePage ? 0 : page.VirtualPage * kGridBlocks;
     MapGrid map(blocks + 1, kPageMapColumns);
@@ -70,18 +70,19 @@ MapGrid pageMap(const CPage& page, const RecordArray& records, bool wholePage) {
     // item fills each byte its bits touch. Database-update items have no place on the card.
     const int64_t gridStart = PageAddress::ofBlock(firstGridBlock).byte();
     const int64_t gridBytes = int64_t{blocks} * kBytesInBlock;
-    for (const ItemRecord& r : records) {
-        const BitSpan span = itemSpan(r);
-        if (r.isDbUpdate || r.page != page.PageNumber || span.length <= 0) continue;
+    auto cover = [&](const BitSpan& span, const std::string& name, int32_t color) {
         const int64_t first = std::max<int64_t>(span.first.byte() - gridStart, 0);
         const int64_t last = std::min<int64_t>(PageAddress::ofBit(span.lastBit()).byte() - gridStart, gridBytes - 1);
-        if (first > last) continue;
-        const MapCell item{map.addText(r.name), r.color};
+        if (span.length <= 0 || first > last) return;
+        const MapCell cell{map.addText(name), color};
         for (int64_t byte = first; byte <= last; ++byte) {
             const PageAddress at = PageAddress::ofByte(byte);
-            map.at(static_cast<int32_t>(at.block()) + 1, static_cast<int32_t>(at.byteInBlock()) + 1) = item;
+            map.at(static_cast<int32_t>(at.block()) + 1, static_cast<int32_t>(at.byteInBlock()) + 1) = cell;
         }
-    }
+    };
+    for (const ItemRecord& r : records)
+        if (!r.isDbUpdate && r.page == page.PageNumber) cover(itemSpan(r), r.name, r.color);
+    if (mark) cover(mark->span, mark->name, kMapMarkColor);
 
     mergeRuns(map);
     return map;

@@ -26,7 +26,9 @@ inline constexpr int32_t kPageMapColumns = 1 + static_cast<int32_t>(PageAddress:
 // other bytes are white, or on an eight-page card grey up to and after the boundary. Every
 // placed item covers the bytes it touches with its name and colour; runs of one text across
 // a row merge. The page's VirtualPage shifts the grid by 32 blocks a step (the one-page
-// 16 kbit card shown 32 blocks a grid); wholePage shows every block of the page.
-MapGrid pageMap(const CPage& page, const RecordArray& records, bool wholePage = false);
+// 16 kbit card shown 32 blocks a grid); wholePage shows every block of the page. A mark covers
+// the bytes of the place being chosen, over whatever lies there.
+MapGrid pageMap(const CPage& page, const RecordArray& records, bool wholePage = false,
+                const PlaceMark* mark = nullptr);
 
 }  // namespace kestrin

@@ -35,8 +35,8 @@ QTableWidget* createBitGrid(QWidget* parent, const QString& objectName) {
     return grid;
 }
 
-void paintBitPage(QTableWidget& grid, const CPage& page, const RecordArray& records) {
-    const MapGrid map = bitMap(page, records);
+void paintBitPage(QTableWidget& grid, const CPage& page, const RecordArray& records, const PlaceMark* mark) {
+    const MapGrid map = bitMap(page, records, mark);
     showMapGrid(grid, map);
     for (int32_t row = 0; row < map.rows(); ++row) {
         for (int32_t column = 0; column < map.columns(); ++column) {

@@ -13,6 +13,7 @@
 #include <optional>
 
 #include "BitMapView.h"
+#include "base/NumberText.h"
 #include "card/CIClass.h"
 #include "document/LayoutDocument.h"
 #include "rules/Encodings.h"
@@ -94,6 +95,7 @@ void frmEditiClass::fieldSelectionChanged() {
                                      : fieldTypeCode(grdFields_->item(chosenRows_.front(), 1)->text().toStdString());
     setEncodingOptions(fieldType_);
     markChanged();
+    repaintPreview();
 }
 
 void frmEditiClass::setEncodingOptions(int16_t fieldType) {
@@ -178,6 +180,7 @@ void frmEditiClass::sizeEdited() {
                       page ? page->PageSize : 0);
     if (limited != txtNrBytes_->text().toStdString()) txtNrBytes_->setText(QString::fromStdString(limited));
     markChanged();
+    repaintPreview();
 }
 
 void frmEditiClass::markChanged() {
@@ -190,13 +193,23 @@ void frmEditiClass::refreshApply() {
     cmdApply_->setEnabled(changed_);
 }
 
+// The page with the items on it and, marked over them until it is applied, the place the
+// entries choose.
 void frmEditiClass::repaintPreview() {
     const CPage* page = currentPage();
     if (!page) return;
+    const EditorEntries e = entries();
+    const int64_t size = wholeNumberOf(e.sizeText);
+    std::optional<PlaceMark> mark;
+    if (changed_ && e.row >= 0 && e.beginByte >= 0 && size > 0) {
+        const PageAddress first = PageAddress::at(e.row, e.beginByte, isBitMode(mode_) ? e.beginBit : 0);
+        mark = PlaceMark{isBitMode(mode_) ? BitSpan::ofBits(first, size) : BitSpan::ofBytes(first, size),
+                         e.itemName.empty() ? std::string("?") : e.itemName};
+    }
     if (isBitMode(mode_))
-        paintBitPage(*grdPreview_, *page, doc_.records());
+        paintBitPage(*grdPreview_, *page, doc_.records(), mark ? &*mark : nullptr);
     else
-        paintPage(*grdPreview_, *page, doc_.records(), true);
+        paintPage(*grdPreview_, *page, doc_.records(), true, mark ? &*mark : nullptr);
 }
 
 // ---- Reading the controls and applying ------------------------------------------------------
@@ -244,8 +257,8 @@ bool frmEditiClass::apply() {
     }
     // Further Applies of this item replace the version just written.
     editIndex_ = result.index;
-    repaintPreview();
     changed_ = false;
+    repaintPreview();
     refreshApply();
     ++applied_;
     return true;

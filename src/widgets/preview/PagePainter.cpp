@@ -153,8 +153,9 @@ void showMapGrid(QTableWidget& grid, const MapGrid& map) {
     for (const MapMerge& m : map.merges()) grid.setSpan(m.row, m.column, 1, m.columns);
 }
 
-void paintPage(QTableWidget& grid, const CPage& page, const RecordArray& records, bool wholePage) {
-    showMapGrid(grid, pageMap(page, records, wholePage));
+void paintPage(QTableWidget& grid, const CPage& page, const RecordArray& records, bool wholePage,
+               const PlaceMark* mark) {
+    showMapGrid(grid, pageMap(page, records, wholePage, mark));
 }
 
 }  // namespace kestrin

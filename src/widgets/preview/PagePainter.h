@@ -10,6 +10,7 @@ namespace kestrin {
 
 class CPage;
 class MapGrid;
+struct PlaceMark;
 class RecordArray;
 
 QColor memoryMapColor(int32_t bgr);
@@ -26,6 +27,7 @@ void fitPageGrid(QTableWidget& grid);
 void showMapGrid(QTableWidget& grid, const MapGrid& map);
 
 // Paints the memory map of one page (see pageMap) into the grid.
-void paintPage(QTableWidget& grid, const CPage& page, const RecordArray& records, bool wholePage = false);
+void paintPage(QTableWidget& grid, const CPage& page, const RecordArray& records, bool wholePage = false,
+               const PlaceMark* mark = nullptr);
 
 }  // namespace kestrin
