@@ -11,17 +11,17 @@
 #include <QPlainTextEdit>
 
 #include "control/IClass.h"
+#include "control/LanguageLibraries.h"
 
 namespace kestrin {
 
-void setUpSampleProject(IClass& control, CatalogRegistry& registry, const QString& folder) {
+void setUpSampleProject(IClass& control, const QString& folder) {
     const QDir examples(KESTRIN_EXAMPLES);
     QDir().mkpath(folder + "/layouts");
     for (const char* name : {"Staff.IIF", "Staff.CHP", "Visitors16K.IIF", "Visitors16K.CHP"})
         if (!QFile::exists(folder + "/layouts/" + QString(name)))
             QFile::copy(examples.filePath(QString("layouts/") + name), folder + "/layouts/" + QString(name));
-    control.setCatalogRegistry(&registry);
-    control.setProperty("LanguageDLL", registry.open(examples.filePath("lang/kestrin-en.txt").toStdString()));
+    control.setProperty("LanguageDLL", loadLanguageLibrary(examples.filePath("lang/kestrin-en.txt")));
     control.setProperty("AppName", "Kestrin demo host");
     control.setProperty("ProjectFile", examples.filePath("project/Sample.ini"));
     control.setProperty("IifDirectory", folder + "/layouts");
@@ -32,7 +32,7 @@ HostWindow::HostWindow(const QString& workFolder) {
     setWindowTitle("Kestrin demo host");
     control_ = new IClass(this);
     setCentralWidget(control_);
-    setUpSampleProject(*control_, registry_, workFolder);
+    setUpSampleProject(*control_, workFolder);
 
     log_ = new QPlainTextEdit(this);
     log_->setObjectName("txtEventLog");
@@ -40,7 +40,10 @@ HostWindow::HostWindow(const QString& workFolder) {
     auto* dock = new QDockWidget("Events", this);
     dock->setWidget(log_);
     addDockWidget(Qt::BottomDockWidgetArea, dock);
-    connect(control_, &IClass::Changed, this, [this] { log("event Changed"); });
+    connect(control_, &IClass::Changed, this, [this] {
+        log("event Changed");
+        refreshState();
+    });
     connect(control_, &IClass::GenericEvent, this,
             [this](const QString& name, const QString& params) { log("event GenericEvent " + name + " " + params); });
     // An error the control raises is shown as a host shows an automation error.
@@ -49,7 +52,9 @@ HostWindow::HostWindow(const QString& workFolder) {
                 log(QStringLiteral("error %1 %2: %3").arg(code).arg(source, description));
                 if (errorBoxes_) QMessageBox::critical(this, source, description);
             });
-    buildMenus();
+    buildOperatorCommands();
+    buildMemberMenus();
+    refreshState();
     resize(1000, 700);
 }
 
@@ -57,7 +62,7 @@ void HostWindow::log(const QString& line) {
     log_->appendPlainText(line);
 }
 
-void HostWindow::buildMenus() {
+void HostWindow::buildMemberMenus() {
     const QMetaObject* meta = control_->metaObject();
     QMenu* members = menuBar()->addMenu("&Members");
     QMenu* properties = menuBar()->addMenu("&Properties");

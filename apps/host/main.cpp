@@ -46,8 +46,7 @@ int main(int argc, char** argv) {
     }
     window.show();
     if (parser.isSet("open")) {
-        QMetaObject::invokeMethod(&window.control(), "OpenLayout", Q_ARG(QString, parser.value("open")));
-        QMetaObject::invokeMethod(&window.control(), "FetchDBFields");
+        window.openLayout(parser.value("open"));
     }
     if (parser.isSet("screenshot")) {
         QElapsedTimer timer;

@@ -15,6 +15,7 @@
 
 #include "base/ProductInfo.h"
 #include "control/AboutBox.h"
+#include "control/LanguageLibraries.h"
 #include "control/ItemGridModel.h"
 
 namespace kestrin::test {
@@ -236,10 +237,27 @@ TEST(IClassSurface, ColumnWidthsComeFromTheTwipWidthsAndLanguageChangesTheHeader
         EXPECT_EQ(items->columnWidth(c), itemGridHeaders()[static_cast<size_t>(c)].widthTwips * dpi / 1440) << c;
     EXPECT_EQ(items->model()->headerData(2, Qt::Horizontal).toString(), "<Field Type>");
 
-    writeBytes(host.dir / "more.txt", "3118=Type of field\n");
-    host.set("LanguageDLL", host.registry.open(host.dir / "more.txt"));
-    EXPECT_EQ(items->model()->headerData(2, Qt::Horizontal).toString(), "Type of field");
     EXPECT_TRUE(host.events.empty());
+}
+
+// A library loaded once for the process gives its texts to every control handed its handle;
+// a handle that names nothing gives the built-in English texts.
+TEST(IClassSurface, ALanguageLibraryLoadedOnceServesEveryControl) {
+    TempDir dir;
+    writeBytes(dir / "more.txt", "3118=Type of field\n");
+    const int32_t handle = loadLanguageLibrary(QString::fromStdString((dir / "more.txt").string()));
+    ASSERT_NE(handle, 0);
+    IClass first, second;
+    for (IClass* control : {&first, &second}) {
+        control->setProperty("LanguageDLL", handle);
+        EXPECT_EQ(control->itemGrid()->model()->headerData(2, Qt::Horizontal).toString(), "Type of field");
+    }
+    second.setProperty("LanguageDLL", handle + 1000);
+    EXPECT_EQ(second.itemGrid()->model()->headerData(2, Qt::Horizontal).toString(), "<Field Type>");
+    QString why;
+    EXPECT_EQ(loadLanguageLibrary(QString::fromStdString((dir / "none.dll").string()), &why), 0);
+    EXPECT_FALSE(why.isEmpty());
+    EXPECT_TRUE(freeLanguageLibrary(handle));
 }
 
 TEST(IClassSurface, AClickOrKeyInAGridSelectsItAndDeleteRemovesFromIt) {

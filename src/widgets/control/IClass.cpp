@@ -14,6 +14,7 @@
 
 #include "DbUpdateGridModel.h"
 #include "ItemGridModel.h"
+#include "LanguageLibraries.h"
 #include "MessageBoxPrompter.h"
 #include "base/ProductInfo.h"
 
@@ -42,7 +43,8 @@ QPixmap designPicture() {
 }  // namespace
 
 IClass::IClass(QWidget* parent)
-    : QWidget(parent), ownPrompter_(std::make_unique<MessageBoxPrompter>(this)), doc_(*ownPrompter_, &ownRegistry_) {
+    : QWidget(parent), ownPrompter_(std::make_unique<MessageBoxPrompter>(this)),
+      doc_(*ownPrompter_, &processLanguageLibraries()) {
     setObjectName(QStringLiteral("iClass"));
     doc_.setListener([this](LayoutDocument::Change change) { documentChanged(change); });
     selectedGrid_ = kGridItems;
@@ -232,6 +234,8 @@ void IClass::setLanguageDLL(int handle) {
 
 void IClass::setCustomLanguageDLL(int handle) {
     doc_.translator().setCustomLanguageDLL(handle);
+    // The same library as the standard one changes no text.
+    if (handle == LanguageDLL()) return;
     rebuildGrids();
     if (!designMode_) applyToolTips();
 }
@@ -243,7 +247,7 @@ void IClass::setFileChooser(FileChooser* chooser) { chooser_ = chooser ? chooser
 void IClass::setPrintSetup(PrintSetup* setup) { printSetup_ = setup ? setup : &ownPrintSetup_; }
 
 void IClass::setCatalogRegistry(const CatalogRegistry* registry) {
-    doc_.setCatalogRegistry(registry ? registry : &ownRegistry_);
+    doc_.setCatalogRegistry(registry ? registry : &processLanguageLibraries());
     rebuildGrids();
     if (!designMode_) applyToolTips();
 }

@@ -10,7 +10,6 @@
 #include "card/IClassType.h"
 #include "document/LayoutDocument.h"
 #include "preview/DialogPrintServices.h"
-#include "text/CatalogRegistry.h"
 
 class QDialog;
 class QLabel;
@@ -18,6 +17,7 @@ class QTableView;
 
 namespace kestrin {
 
+class CatalogRegistry;
 class DbUpdateGridModel;
 class ItemGridModel;
 class MessageBoxPrompter;
@@ -141,7 +141,8 @@ public:
     void setPrompter(Prompter* prompter);
     void setFileChooser(FileChooser* chooser);
     void setPrintSetup(PrintSetup* setup);
-    // The registry whose handles LanguageDLL and CustomLanguageDLL name.
+    // The registry whose handles LanguageDLL and CustomLanguageDLL name; by default the
+    // process's language libraries (loadLanguageLibrary).
     void setCatalogRegistry(const CatalogRegistry* registry);
     // Runs every modal dialog of the control; the default is dialog.exec().
     void setDialogRunner(std::function<int(QDialog&)> runner);
@@ -197,7 +198,6 @@ private:
     int runDialog(QDialog& dialog);
 
     std::unique_ptr<MessageBoxPrompter> ownPrompter_;
-    CatalogRegistry ownRegistry_;
     LayoutDocument doc_;
     DialogFileChooser ownChooser_;
     FileChooser* chooser_ = &ownChooser_;
