@@ -1,6 +1,8 @@
-# Runs the host on a script in a fresh work folder and compares what it prints.
+# Runs the host on a script in a fresh work folder (also its current folder) and compares what
+# it prints.
 file(REMOVE_RECURSE ${WORK})
-execute_process(COMMAND ${HOST} --script ${SCRIPT} --work ${WORK}
+file(MAKE_DIRECTORY ${WORK})
+execute_process(COMMAND ${HOST} --script ${SCRIPT} --work ${WORK} WORKING_DIRECTORY ${WORK}
                 OUTPUT_VARIABLE out RESULT_VARIABLE rc ERROR_QUIET)
 if(NOT rc EQUAL 0)
   message(FATAL_ERROR "kestrin-host --script exited with ${rc}:\n${out}")

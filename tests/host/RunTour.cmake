@@ -1,16 +1,6 @@
 # Runs the demo's tour script in a fresh work folder, compares what the host prints, and checks
 # with the command-line tool that the saved copy holds the sample's items and the one added.
-file(REMOVE_RECURSE ${WORK})
-file(MAKE_DIRECTORY ${WORK})
-execute_process(COMMAND ${HOST} --script ${SCRIPT} --work ${WORK} WORKING_DIRECTORY ${WORK}
-                OUTPUT_VARIABLE out RESULT_VARIABLE rc ERROR_QUIET)
-if(NOT rc EQUAL 0)
-  message(FATAL_ERROR "kestrin-host --script exited with ${rc}:\n${out}")
-endif()
-file(READ ${EXPECTED} expected)
-if(NOT out STREQUAL expected)
-  message(FATAL_ERROR "unexpected output:\n${out}\nexpected:\n${expected}")
-endif()
+include(${CMAKE_CURRENT_LIST_DIR}/RunScript.cmake)
 foreach(layout layouts/Staff.IIF Tour.IIF)
   execute_process(COMMAND ${CLI} info ${layout} --json WORKING_DIRECTORY ${WORK}
                   OUTPUT_VARIABLE json RESULT_VARIABLE rc ERROR_QUIET)

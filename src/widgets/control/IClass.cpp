@@ -155,13 +155,12 @@ void IClass::endDrag() {
 
 bool IClass::eventFilter(QObject* watched, QEvent* event) {
     if (watched == splitterStrip_) {
-        auto* mouse = static_cast<QMouseEvent*>(event);
         switch (event->type()) {
         case QEvent::MouseButtonPress:
-            if (mouse->button() == Qt::LeftButton) startDrag();
+            if (static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) startDrag();
             return true;
         case QEvent::MouseMove:
-            dragTo(splitterStrip_->mapTo(this, mouse->position().toPoint()).y());
+            dragTo(splitterStrip_->mapTo(this, static_cast<QMouseEvent*>(event)->position().toPoint()).y());
             return true;
         case QEvent::MouseButtonRelease:
             endDrag();

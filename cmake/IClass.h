@@ -1,0 +1,3 @@
+#pragma once
+// The control a host embeds: #include <kestrin/IClass.h> and link Kestrin::Widgets.
+#include "control/IClass.h"
