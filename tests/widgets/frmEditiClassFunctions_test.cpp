@@ -61,8 +61,6 @@ TEST_P(EditiClassFunctions, TheFunctionIsWrittenWithItsValues) {
 INSTANTIATE_TEST_SUITE_P(
     All, EditiClassFunctions,
     ::testing::Values(
-        FunctionCase{"Constant", kModeFunction, 0, 0, {{"txtConstantValue", "42"}}, 20, 0, 0, "1", 1,
-                     [](const ItemRecord& r) { EXPECT_EQ(r.param1, "42"); }},
         FunctionCase{"Count", kModeFunction, 1, 1, {{"txtCountNumber", "5"}, {"txtCountStep", "2"}}, 20, 4, 0, "2", 2,
                      [](const ItemRecord& r) {
                          const FunctionInput in = functionInputOf(r);
@@ -72,8 +70,6 @@ INSTANTIATE_TEST_SUITE_P(
                      }},
         FunctionCase{"CardSnNrIntel", kModeFunction, 2, 3, {}, 21, 0, 0, nullptr, 4,
                      [](const ItemRecord& r) { EXPECT_EQ(functionInputOf(r).option, kCardSnNrIntel); }},
-        FunctionCase{"CardSnNrDecimal", kModeFunction, 2, 0, {}, 21, 0, 0, nullptr, 10,
-                     [](const ItemRecord& r) { EXPECT_EQ(functionInputOf(r).option, kCardSnNrDecimal); }},
         FunctionCase{"ChecksumCrc", kModeFunction, 3, 2,
                      {{"txtPolynom", "263"}, {"txtStartValue", "7"}, {"txtRangeBytesCount", "8"}}, 24, 0, 0, nullptr, 1,
                      [](const ItemRecord& r) {
@@ -84,8 +80,6 @@ INSTANTIATE_TEST_SUITE_P(
                          EXPECT_EQ(in.rangeRow, 19);
                          EXPECT_EQ(in.rangeCountText, "8");
                      }},
-        FunctionCase{"BitConstant", kModeBitFunction, 0, 0, {{"txtConstantValue", "300"}}, 22, 1, 3, "9", 9,
-                     [](const ItemRecord& r) { EXPECT_EQ(r.param1, "300"); }},
         FunctionCase{"BitChecksumCrc", kModeBitFunction, 3, 2,
                      {{"txtNrBytes", "4"}, {"txtPolynom", "19"}, {"txtStartValue", "3"}, {"txtRangeBytesCount", "2"}},
                      23, 2, 4, nullptr, 4,
@@ -162,8 +156,6 @@ INSTANTIATE_TEST_SUITE_P(
     Checksums, EditiClassRefusedValues,
     ::testing::Values(RefusedCase{"BytePolynom", kModeFunction, {{"txtPolynom", "256"}, {"txtStartValue", "0"}},
                                   " 257 & 511!", "txtPolynom"},
-                      RefusedCase{"ByteStart", kModeFunction, {{"txtPolynom", "263"}, {"txtStartValue", "300"}},
-                                  " 0 & 255!", "txtStartValue"},
                       RefusedCase{"BitPolynom", kModeBitFunction,
                                   {{"txtNrBytes", "3"}, {"txtPolynom", "20"}, {"txtStartValue", "0"}}, " 9 & 15!",
                                   "txtPolynom"}),
