@@ -125,8 +125,14 @@ public:
         return moved ? std::error_code{} : lastWindowsError();
     }
 
-    // FAT and many network shares have no hard links; the caller copies then.
+    // FAT and many network shares have no hard links; the caller copies then. A file that
+    // another program holds open without letting others delete it cannot be renamed under
+    // any of its names, so a second name of it would be of no use: that is refused too.
     std::error_code link(const fs::path& existing, const fs::path& newName) override {
+        const HANDLE probe = CreateFileW(existing.c_str(), DELETE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                         nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+        if (probe == INVALID_HANDLE_VALUE) return lastWindowsError();
+        CloseHandle(probe);
         return CreateHardLinkW(newName.c_str(), existing.c_str(), nullptr) ? std::error_code{} : lastWindowsError();
     }
 
