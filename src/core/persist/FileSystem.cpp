@@ -1,3 +1,4 @@
+#ifndef _WIN32
 #include "FileSystem.h"
 
 #include <cerrno>
@@ -119,9 +120,11 @@ public:
 
 }  // namespace
 
-FileSystem& posixFileSystem() {
+FileSystem& systemFileSystem() {
     static PosixFileSystem instance;
     return instance;
 }
 
 }  // namespace kestrin
+
+#endif  // _WIN32

@@ -11,7 +11,9 @@ namespace kestrin {
 // What a save needs to know of a path before it writes.
 struct FileStatus {
     bool exists = false;
-    bool readOnly = false;  // exists and carries no owner write permission (the read-only attribute)
+    // Exists and may not be written: no owner write permission on Linux, the read-only
+    // attribute on Windows.
+    bool readOnly = false;
 };
 
 // Every file system call a save makes. A save goes through this interface only, so a test
@@ -42,11 +44,14 @@ public:
     // name is taken. A copy that fails part way removes what it wrote.
     virtual std::error_code copy(const std::filesystem::path& existing, const std::filesystem::path& newFile) = 0;
     virtual std::error_code remove(const std::filesystem::path& path) = 0;
-    // The names of the entries of folder.
+    // The names of the entries of folder, as pathText gives them.
     virtual std::error_code list(const std::filesystem::path& folder, std::vector<std::string>& names) = 0;
 };
 
 // The operating system's file system, which saves use unless told otherwise.
-FileSystem& posixFileSystem();
+FileSystem& systemFileSystem();
+
+// A path as UTF-8 text for messages and for comparing names (on Linux its bytes as they are).
+std::string pathText(const std::filesystem::path& path);
 
 }  // namespace kestrin

@@ -16,14 +16,24 @@ namespace kestrin {
 
 namespace fs = std::filesystem;
 
-fs::path chipEncodePathFor(const fs::path& layoutFile, const fs::path& encodeFolder) {
-    const fs::path folder = encodeFolder.empty() ? layoutFile.parent_path() : encodeFolder;
-    return folder / (layoutFile.stem().string() + ".CHP");
+namespace {
+
+// The layout's name without its extension, then extension; the name is kept as a path so
+// that no character is lost in a conversion.
+fs::path stemWith(const fs::path& layoutFile, const char* extension) {
+    fs::path name = layoutFile.stem();
+    name += extension;
+    return name;
 }
 
-fs::path backupPathFor(const fs::path& layoutFile) {
-    return layoutFile.parent_path() / (layoutFile.stem().string() + ".IIF.BAK");
+}  // namespace
+
+fs::path chipEncodePathFor(const fs::path& layoutFile, const fs::path& encodeFolder) {
+    const fs::path folder = encodeFolder.empty() ? layoutFile.parent_path() : encodeFolder;
+    return folder / stemWith(layoutFile, ".CHP");
 }
+
+fs::path backupPathFor(const fs::path& layoutFile) { return layoutFile.parent_path() / stemWith(layoutFile, ".IIF.BAK"); }
 
 namespace {
 
@@ -55,7 +65,7 @@ SaveOutcome saveLayout(const fs::path& layoutFile, const CIClass* card, const Re
     FileStatus encodeStatus;
     for (const auto& [file, status] : {std::pair{&layoutFile, &layoutStatus}, {&out.chipEncodeFile, &encodeStatus}})
         if (const std::error_code ec = files.status(*file, *status))
-            return refuse(kNotSaved + ("cannot check " + file->string() + ": " + ec.message()));
+            return refuse(kNotSaved + ("cannot check " + pathText(*file) + ": " + ec.message()));
     if (layoutStatus.exists && !encodeStatus.exists)
         return refuse(translator.text(kTextEncodeFileMissing,
                                       "<The layout was not saved: its chip encode file is missing beside it.>"));

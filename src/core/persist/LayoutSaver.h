@@ -35,7 +35,7 @@ inline constexpr int kTextReadOnlyAfter = 3265;
 // beside the layout when it is empty. Every file system call goes through files.
 SaveOutcome saveLayout(const std::filesystem::path& layoutFile, const CIClass* card, const RecordArray& records,
                        const HostFieldList& fields, Prompter& prompter, const Translator& translator,
-                       const std::filesystem::path& encodeFolder = {}, FileSystem& files = posixFileSystem());
+                       const std::filesystem::path& encodeFolder = {}, FileSystem& files = systemFileSystem());
 
 // The paths a save uses beside a layout file.
 std::filesystem::path chipEncodePathFor(const std::filesystem::path& layoutFile,

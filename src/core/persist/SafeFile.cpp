@@ -16,7 +16,7 @@ namespace {
 fs::path folderOf(const fs::path& file) { return file.has_parent_path() ? file.parent_path() : fs::path("."); }
 
 std::string describe(const std::string& what, const fs::path& p, const std::error_code& ec) {
-    return what + " " + p.string() + ": " + ec.message();
+    return what + " " + pathText(p) + ": " + ec.message();
 }
 
 // Tries hidden names ".NAME.<n>.tmp" beside target until make(name) does not report the
@@ -27,7 +27,10 @@ std::error_code withFreeName(const fs::path& target, fs::path& temp, Make make) 
     const fs::path folder = folderOf(target);
     std::error_code ec;
     for (int attempt = 0; attempt < 16; ++attempt) {
-        temp = folder / ("." + target.filename().string() + "." + std::to_string(rng() % 1000000) + ".tmp");
+        fs::path name = ".";
+        name += target.filename();
+        name += "." + std::to_string(rng() % 1000000) + ".tmp";
+        temp = folder / name;
         ec = make(temp);
         if (ec != std::errc::file_exists) return ec;
     }
@@ -128,7 +131,7 @@ bool keepAs(FileSystem& files, const fs::path& source, const fs::path& target, s
 }
 
 bool isStagedNameOf(std::string_view name, const fs::path& target) {
-    const std::string prefix = "." + target.filename().string() + ".";
+    const std::string prefix = "." + pathText(target.filename()) + ".";
     constexpr std::string_view suffix = ".tmp";
     if (name.size() <= prefix.size() + suffix.size() || !name.starts_with(prefix) || !name.ends_with(suffix))
         return false;
@@ -158,17 +161,17 @@ std::optional<std::string> readWholeFile(const fs::path& file, uintmax_t maxByte
     std::error_code ec;
     const uintmax_t size = fs::file_size(file, ec);
     if (ec) {
-        if (error) *error = "cannot read " + file.string() + ": " + ec.message();
+        if (error) *error = "cannot read " + pathText(file) + ": " + ec.message();
         return std::nullopt;
     }
     if (size > maxBytes) {
-        if (error) *error = file.string() + " is too large";
+        if (error) *error = pathText(file) + " is too large";
         return std::nullopt;
     }
     std::ifstream in(file, std::ios::binary);
     std::string bytes(static_cast<size_t>(size), '\0');
     if (!in.read(bytes.data(), static_cast<std::streamsize>(size))) {
-        if (error) *error = "cannot read " + file.string();
+        if (error) *error = "cannot read " + pathText(file);
         return std::nullopt;
     }
     return bytes;

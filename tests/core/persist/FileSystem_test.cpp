@@ -20,7 +20,7 @@ struct StatusCase {
     bool readOnly;
 };
 
-TEST(PosixFileSystem, StatusTellsMissingFilesFromFilesThatCannotBeLookedAt) {
+TEST(SystemFileSystem, StatusTellsMissingFilesFromFilesThatCannotBeLookedAt) {
     TempDir dir;
     writeBytes(dir / "file", "x");
     writeBytes(dir / "readonly", "x");
@@ -32,23 +32,28 @@ TEST(PosixFileSystem, StatusTellsMissingFilesFromFilesThatCannotBeLookedAt) {
         {"a missing file", "missing", false, false, false},
         {"a file below a missing folder", "missing/file", false, false, false},
         {"a file below a file", "file/inner", false, false, false},
+#ifdef _WIN32
+        // Wine reports an overlong name as missing; a name with "<" Windows refuses to look up.
+        {"a name Windows cannot hold", "bad<name", true, false, false},
+#else
         {"a name too long to look up", std::string(300, 'n'), true, false, false},
+#endif
     };
     for (const auto& c : cases) {
         FileStatus status{true, true};
-        const std::error_code ec = posixFileSystem().status(dir / c.path, status);
+        const std::error_code ec = systemFileSystem().status(dir / c.path, status);
         EXPECT_EQ(static_cast<bool>(ec), c.error) << c.what << ": " << ec.message();
         EXPECT_EQ(status.exists, c.exists) << c.what;
         EXPECT_EQ(status.readOnly, c.readOnly) << c.what;
     }
 }
 
-TEST(PosixFileSystem, CopyMakesANewFileAndNeverOverwrites) {
+TEST(SystemFileSystem, CopyMakesANewFileAndNeverOverwrites) {
     TempDir dir;
     const std::string content(200000, 'c');
     writeBytes(dir / "source", content);
     writeBytes(dir / "taken", "mine");
-    FileSystem& files = posixFileSystem();
+    FileSystem& files = systemFileSystem();
     EXPECT_FALSE(files.copy(dir / "source", dir / "copy"));
     EXPECT_EQ(readBytes(dir / "copy"), content);
     EXPECT_EQ(files.copy(dir / "source", dir / "taken"), std::errc::file_exists);

@@ -44,7 +44,7 @@ TEST(SafeFile, OnlyTheTemporaryNamesOfTheTargetsCountAsLeftovers) {
     writeBytes(dir / "encode" / ".Card.CHP.77.tmp", "x");
     writeBytes(dir / "encode" / ".Card.IIF.88.tmp", "x");
 
-    removeLeftoverStagedFiles(posixFileSystem(), {layout, dir / "Card.IIF.BAK", encode});
+    removeLeftoverStagedFiles(systemFileSystem(), {layout, dir / "Card.IIF.BAK", encode});
 
     std::vector<std::string> kept{"encode"};
     for (const auto& c : cases)
@@ -59,7 +59,7 @@ TEST(SafeFile, AStagedFileIsRemovedUnlessCommitted) {
     std::string error;
     fs::path temp;
     {
-        auto staged = StagedFile::write(posixFileSystem(), dir / "Card.IIF", "new", &error);
+        auto staged = StagedFile::write(systemFileSystem(), dir / "Card.IIF", "new", &error);
         ASSERT_TRUE(staged) << error;
         temp = staged->tempPath();
         EXPECT_TRUE(isStagedNameOf(temp.filename().string(), dir / "Card.IIF")) << temp;
@@ -68,7 +68,7 @@ TEST(SafeFile, AStagedFileIsRemovedUnlessCommitted) {
     }
     EXPECT_FALSE(fs::exists(temp));
 
-    auto staged = StagedFile::write(posixFileSystem(), dir / "Card.IIF", "new", &error);
+    auto staged = StagedFile::write(systemFileSystem(), dir / "Card.IIF", "new", &error);
     ASSERT_TRUE(staged && staged->commit(&error)) << error;
     EXPECT_EQ(namesIn(dir.path()), std::vector<std::string>{"Card.IIF"});
     EXPECT_EQ(readBytes(dir / "Card.IIF"), "new");
@@ -78,10 +78,10 @@ TEST(SafeFile, KeepingAFileUnderANameItAlreadyHasLeavesNoTemporaryName) {
     TempDir dir;
     writeBytes(dir / "Card.IIF", "layout");
     std::string error;
-    ASSERT_TRUE(keepAs(posixFileSystem(), dir / "Card.IIF", dir / "Card.IIF.BAK", &error)) << error;
+    ASSERT_TRUE(keepAs(systemFileSystem(), dir / "Card.IIF", dir / "Card.IIF.BAK", &error)) << error;
     // The backup now is a second name of the layout's file; keeping it again must not leave
     // the temporary link behind.
-    ASSERT_TRUE(keepAs(posixFileSystem(), dir / "Card.IIF", dir / "Card.IIF.BAK", &error)) << error;
+    ASSERT_TRUE(keepAs(systemFileSystem(), dir / "Card.IIF", dir / "Card.IIF.BAK", &error)) << error;
     EXPECT_EQ(namesIn(dir.path()), (std::vector<std::string>{"Card.IIF", "Card.IIF.BAK"}));
     EXPECT_EQ(readBytes(dir / "Card.IIF.BAK"), "layout");
 }

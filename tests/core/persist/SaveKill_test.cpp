@@ -65,7 +65,7 @@ struct KillLayouts {
         fields.setFields(std::move(hostFields));
     }
 
-    SaveOutcome save(const fs::path& folder, int which, FileSystem& files = posixFileSystem()) const {
+    SaveOutcome save(const fs::path& folder, int which, FileSystem& files = systemFileSystem()) const {
         RecordingPrompter prompter;
         return saveLayout(folder / (std::string(kStem) + ".IIF"), &card, records[which], fields, prompter, translator,
                           {}, files);
@@ -117,7 +117,7 @@ public:
     }
 
 private:
-    static FileSystem& os() { return posixFileSystem(); }
+    static FileSystem& os() { return systemFileSystem(); }
     void reached() {
         if (hook_) std::exchange(hook_, nullptr)();
     }

@@ -105,7 +105,7 @@ public:
     }
 
 private:
-    static FileSystem& os() { return posixFileSystem(); }
+    static FileSystem& os() { return systemFileSystem(); }
     static std::error_code error(int e) { return {e, std::generic_category()}; }
 
     std::filesystem::path map(const std::filesystem::path& p) const {

@@ -1,0 +1,58 @@
+# Runs the tool of a cross build (through RUN, the emulator, "|"-separated) on the example
+# layouts: info and check print what the expected outputs hold (lines may end in CR LF, as
+# Windows programs write text), rewrite reproduces every byte, a read-only layout is refused.
+string(REPLACE "|" ";" run "${RUN}")
+set(layouts ${EXAMPLES}/layouts)
+set(project ${EXAMPLES}/project/Sample.ini)
+
+function(kestrin expected_rc out_var)
+  execute_process(COMMAND ${run} ${CLI} ${ARGN} OUTPUT_VARIABLE out ERROR_VARIABLE err RESULT_VARIABLE rc)
+  if(NOT rc EQUAL expected_rc)
+    message(FATAL_ERROR "kestrin ${ARGN} exited with ${rc}, expected ${expected_rc}:\n${out}${err}")
+  endif()
+  string(REPLACE "\r\n" "\n" out "${out}")
+  set(${out_var} "${out}" PARENT_SCOPE)
+  set(${out_var}_err "${err}" PARENT_SCOPE)
+endfunction()
+
+function(expect_output expected_file)
+  kestrin(0 out ${ARGN})
+  file(READ ${EXPECTED}/${expected_file} expected)
+  if(NOT out STREQUAL expected)
+    message(FATAL_ERROR "kestrin ${ARGN} printed:\n${out}\nexpected:\n${expected}")
+  endif()
+endfunction()
+
+function(expect_same_bytes actual expected)
+  file(SHA256 ${actual} a)
+  file(SHA256 ${expected} b)
+  if(NOT a STREQUAL b)
+    message(FATAL_ERROR "${actual} differs from ${expected}")
+  endif()
+endfunction()
+
+expect_output(staff-info.txt info ${layouts}/Staff.IIF --project ${project} --lang ${EXAMPLES}/lang/kestrin-en.txt)
+expect_output(visitors-info.json info ${layouts}/Visitors16K.IIF --json --project ${project})
+
+file(REMOVE_RECURSE ${WORK})
+file(MAKE_DIRECTORY ${WORK})
+foreach(name Staff Visitors16K)
+  kestrin(0 out check ${layouts}/${name}.IIF)
+  if(NOT out STREQUAL "0 violations\n")
+    message(FATAL_ERROR "kestrin check ${name}.IIF printed:\n${out}")
+  endif()
+  kestrin(0 out rewrite ${layouts}/${name}.IIF --to ${WORK}/${name}.IIF --project ${project})
+  expect_same_bytes(${WORK}/${name}.IIF ${layouts}/${name}.IIF)
+  expect_same_bytes(${WORK}/${name}.CHP ${layouts}/${name}.CHP)
+endforeach()
+
+# In place: the old layout becomes the backup; a read-only layout is refused.
+kestrin(0 out rewrite ${WORK}/Staff.IIF --project ${project})
+expect_same_bytes(${WORK}/Staff.IIF.BAK ${layouts}/Staff.IIF)
+file(CHMOD ${WORK}/Staff.IIF PERMISSIONS OWNER_READ GROUP_READ WORLD_READ)
+kestrin(1 out rewrite ${WORK}/Staff.IIF)
+if(NOT out_err MATCHES "iClass Encode File")
+  message(FATAL_ERROR "a read-only layout was not refused as such:\n${out_err}")
+endif()
+file(CHMOD ${WORK}/Staff.IIF PERMISSIONS OWNER_READ OWNER_WRITE)
+file(REMOVE_RECURSE ${WORK})
