@@ -62,24 +62,29 @@ void LayoutDocument::setUseHID(bool on) {
 
 // ---- Changes ----------------------------------------------------------------------------
 
-void LayoutDocument::recordsChanged() {
+void LayoutDocument::changedBy(Change change) {
     changed_ = true;
     saved_ = false;
     if (batchDepth_ > 0) {
-        pendingRecords_ = true;
+        (change == Change::Records ? pendingRecords_ : pendingCard_) = true;
         return;
     }
-    if (listener_) listener_(Change::Records);
+    if (listener_) listener_(change);
 }
 
-void LayoutDocument::cardChanged() {
-    changed_ = true;
-    saved_ = false;
-    if (batchDepth_ > 0) {
-        pendingCard_ = true;
-        return;
-    }
-    if (listener_) listener_(Change::Card);
+void LayoutDocument::recordsChanged() { changedBy(Change::Records); }
+
+// The document's switches follow the card it takes.
+void LayoutDocument::takeCard(std::unique_ptr<CIClass> card) {
+    card_ = std::move(card);
+    useBit_ = card_->EnableBitwise();
+    useHID_ = card_->UseHIDSection();
+}
+
+bool LayoutDocument::roomForOneMore() {
+    if (records_.size() < RecordArray::kMaxRecords) return true;
+    prompter_->tell(Icon::Exclamation, "The layout holds as many items as it can.", kProductTitle);
+    return false;
 }
 
 void LayoutDocument::batch(const std::function<void()>& session) {
@@ -104,9 +109,7 @@ void LayoutDocument::batch(const std::function<void()>& session) {
 
 void LayoutDocument::newLayout() {
     layoutEntered_ = true;
-    card_ = std::make_unique<CIClass>();
-    useBit_ = card_->EnableBitwise();
-    useHID_ = card_->UseHIDSection();
+    takeCard(std::make_unique<CIClass>());
     records_.clear();
     dropped_.clear();
     layoutFile_.clear();
@@ -115,9 +118,7 @@ void LayoutDocument::newLayout() {
 
 void LayoutDocument::setLayout(const CIClass& card, RecordArray records) {
     layoutEntered_ = true;
-    card_ = std::make_unique<CIClass>(card);
-    useBit_ = card_->EnableBitwise();
-    useHID_ = card_->UseHIDSection();
+    takeCard(std::make_unique<CIClass>(card));
     records_ = std::move(records);
     dropped_.clear();
     layoutFile_.clear();
@@ -142,9 +143,7 @@ LayoutReadResult LayoutDocument::adoptRead(LayoutReadResult result, std::unique_
                                            const std::filesystem::path& file) {
     if (!result.opened) return result;
     // The reader applied the file's switches after the chip type, which resets them.
-    useBit_ = card->EnableBitwise();
-    useHID_ = card->UseHIDSection();
-    card_ = std::move(card);
+    takeCard(std::move(card));
     records_ = std::move(records);
     dropped_ = result.dropped;
     layoutFile_ = file;
@@ -246,17 +245,13 @@ void LayoutDocument::setAppBoundaries(const std::string& boundaries) {
 }
 
 void LayoutDocument::adoptCard(const CIClass& card, bool modified) {
-    card_ = std::make_unique<CIClass>(card);
-    useBit_ = card_->EnableBitwise();
-    useHID_ = card_->UseHIDSection();
-    if (modified) cardChanged();
+    takeCard(std::make_unique<CIClass>(card));
+    if (modified) changedBy(Change::Card);
 }
 
 CIClass& LayoutDocument::cardForEditing() {
     if (!card_) {
-        card_ = std::make_unique<CIClass>();
-        useBit_ = card_->EnableBitwise();
-        useHID_ = card_->UseHIDSection();
+        takeCard(std::make_unique<CIClass>());
     }
     return *card_;
 }
@@ -265,10 +260,7 @@ CIClass& LayoutDocument::cardForEditing() {
 
 LayoutDocument::ApplyResult LayoutDocument::applyItem(const EditorEntries& entries, int32_t replacing) {
     if (replacing >= records_.size()) replacing = -1;
-    if (replacing < 0 && records_.size() >= RecordArray::kMaxRecords) {
-        prompter_->tell(Icon::Exclamation, "The layout holds as many items as it can.", kProductTitle);
-        return {};
-    }
+    if (replacing < 0 && !roomForOneMore()) return {};
     const CIClass& card = cardForEditing();
     const int32_t color = replacing >= 0 ? records_[replacing].color : randomItemColor();
     const int32_t lastBefore = records_.size() - 1;
@@ -294,10 +286,7 @@ LayoutDocument::ApplyResult LayoutDocument::applyMultiTrack(const MultiTrackRequ
     if (replacing >= records_.size()) replacing = -1;
     const CIClass& card = cardForEditing();
     if (!ValidateMultiTrack(request, card, records_, *prompter_, translator_, replacing)) return {};
-    if (replacing < 0 && records_.size() >= RecordArray::kMaxRecords) {
-        prompter_->tell(Icon::Exclamation, "The layout holds as many items as it can.", kProductTitle);
-        return {};
-    }
+    if (replacing < 0 && !roomForOneMore()) return {};
     ItemRecord item = replacing >= 0 ? records_[replacing] : ItemRecord{};
     if (replacing < 0) item.color = randomItemColor();
     item.isBinary = true;
@@ -325,10 +314,7 @@ LayoutDocument::DbUpdateResult LayoutDocument::applyDbUpdate(const DbUpdateEntri
         prompter_->tell(Icon::Exclamation, v->message, kProductTitle);
         return {false, static_cast<int>(v->focus)};
     }
-    if (replacing < 0 && records_.size() >= RecordArray::kMaxRecords) {
-        prompter_->tell(Icon::Exclamation, "The layout holds as many items as it can.", kProductTitle);
-        return {};
-    }
+    if (replacing < 0 && !roomForOneMore()) return {};
     const ItemRecord record = dbUpdateRecordOf(entries);
     if (replacing >= 0)
         records_[replacing] = record;

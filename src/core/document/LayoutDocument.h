@@ -168,8 +168,11 @@ public:
     void batch(const std::function<void()>& session);
 
 private:
+    void changedBy(Change change);
     void recordsChanged();
-    void cardChanged();
+    void takeCard(std::unique_ptr<CIClass> card);
+    // False, after telling the operator, when the record array is full.
+    bool roomForOneMore();
     bool confirmRemove(const std::string& name);
     bool write();
     LayoutReadResult adoptRead(LayoutReadResult result, std::unique_ptr<CIClass> card, RecordArray records,
