@@ -1,5 +1,5 @@
-# Runs the tool of a cross build (through RUN, the emulator, "|"-separated) on the example
-# layouts: info and check print what the expected outputs hold (lines may end in CR LF, as
+# Runs the tool (through RUN, an emulator, "|"-separated; empty for a native build) on the
+# example layouts: info and check print what the expected outputs hold (lines may end in CR LF, as
 # Windows programs write text), rewrite reproduces every byte, a read-only layout is refused.
 string(REPLACE "|" ";" run "${RUN}")
 set(layouts ${EXAMPLES}/layouts)

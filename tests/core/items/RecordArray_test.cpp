@@ -39,13 +39,6 @@ INSTANTIATE_TEST_SUITE_P(Flags, KindWords,
                                            KindCase{flags(false, false, true, true, false), "Bit Function (Simple)", 1},
                                            KindCase{flags(true, true, false, false, false), "Function", 1}));
 
-TEST(RecordArray, StartsEmptyWithHighestIndexMinusOne) {
-    RecordArray a;
-    EXPECT_EQ(a.highestIndex(), -1);
-    a.add(field("A", 0, 19, 0, 1));
-    EXPECT_EQ(a.highestIndex(), 0);
-}
-
 TEST(RecordArray, RemovingMovesTheLastRecordIntoTheGap) {
     RecordArray a;
     a.add(field("A", 0, 19, 0, 1));
@@ -121,15 +114,6 @@ TEST(GridRows, DatabaseUpdateSummaries) {
     EXPECT_EQ(dbUpdateSummary("CardSnNr", "0", "", t), "<Decimal>");
     EXPECT_EQ(dbUpdateSummary("CardSnNr", "", "", t), "<Decimal>");
     EXPECT_EQ(dbUpdateSummary("CardSnNr", "1", "", t), "<Hexadecimal>");
-}
-
-TEST(GridRows, PageHeaderIsAlwaysTheEnglishWord) {
-    Translator t;
-    EXPECT_EQ(headerText(itemGridHeaders()[3], t), "Page");
-    EXPECT_EQ(headerText(itemGridHeaders()[1], t), "<Field(s) or Function>");
-    EXPECT_EQ(headerText(itemGridHeaders()[0], t), "");
-    EXPECT_EQ(itemGridHeaders().size(), 9u);
-    EXPECT_EQ(dbUpdateGridHeaders().size(), 4u);
 }
 
 }  // namespace

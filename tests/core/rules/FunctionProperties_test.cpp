@@ -8,33 +8,6 @@ namespace {
 
 using K = FunctionKind;
 
-TEST(FunctionWords, NameEachFunctionAndAreComparedLiterally) {
-    for (K k : {K::Constant, K::Count, K::CardSnNr, K::Checksum}) EXPECT_EQ(functionKindOf(functionWord(k)), k);
-    EXPECT_EQ(functionWord(K::CardSnNr), "CardSnNr");
-    EXPECT_EQ(functionKindOf("checksum"), std::nullopt);
-    EXPECT_EQ(functionKindOf("Field"), std::nullopt);
-}
-
-TEST(FunctionPropertyOptions, CaptionTheFunctionsOptions) {
-    using Row = std::array<std::pair<int32_t, std::string_view>, 4>;  // empty caption: hidden
-    const std::pair<K, Row> table[] = {
-        {K::Constant, {{{3106, "<Value>"}, {3111, "<Field>"}, {0, ""}, {0, ""}}}},
-        {K::Count, {{{0, "<Write before increment>"}, {0, "<Increment before Write>"}, {0, ""}, {0, ""}}}},
-        {K::CardSnNr, {{{0, "<String decimal>"}, {0, "<String hexadecimal>"},
-                        {3168, "<Motorola dec.(HiByte-LoByte)>"}, {0, "<Intel dec.(LoByte-HiByte)>"}}}},
-        {K::Checksum, {{{0, ""}, {0, "<ADD>"}, {0, "<Polynomial CRC>"}, {0, "<Parity (0: Even, 1: Odd)>"}}}}};
-    for (const auto& [kind, want] : table) {
-        const auto got = propertyOptions(kind);
-        for (size_t i = 0; i < 4; ++i) {
-            SCOPED_TRACE(std::string(functionWord(kind)) + " option " + std::to_string(i));
-            EXPECT_EQ(got[i].visible, !want[i].second.empty());
-            if (got[i].visible) {
-                EXPECT_EQ(std::pair(got[i].textId, got[i].defaultCaption), want[i]);
-            }
-        }
-    }
-}
-
 struct BoxesCase {
     K kind;
     int option;

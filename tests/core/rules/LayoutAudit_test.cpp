@@ -113,22 +113,4 @@ TEST(LayoutAudit, SimpleBitChecksumsAreJudgedByTheirBits) {
     }
 }
 
-TEST(LayoutAudit, RequestOfAStoredChecksumCarriesItsSettings) {
-    ItemRecord crc = bitFunction("Checksum", "2", 0, 20, 1, 0, 8);
-    crc.polynomial = {263, 17};
-    crc.range = {0, 19, 2, 0, 12};
-    const PlacementRequest q = placementRequestOf(crc);
-    EXPECT_EQ(q.mode, kModeBitFunction);
-    EXPECT_EQ(q.propertyOption, 2);
-    EXPECT_EQ(q.nrBytesText, "8");
-    EXPECT_EQ(q.polynomText, "263");
-    EXPECT_EQ(q.startValueText, "17");
-    EXPECT_EQ(q.rangeRow, 19);
-    EXPECT_EQ(q.rangeBeginByte, 2);
-    EXPECT_EQ(q.rangeCountText, "2");
-    const PlacementRequest c = placementRequestOf(function("Constant", "Name", "", "", 0, 20, 0, 4));
-    EXPECT_TRUE(c.valueFromField);
-    EXPECT_EQ(c.fieldChosen, "Name");
-}
-
 }  // namespace
