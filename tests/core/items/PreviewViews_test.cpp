@@ -41,19 +41,9 @@ INSTANTIATE_TEST_SUITE_P(Chips, PreviewViews, ::testing::Values(
     ViewCase{iSmallOnePage, 0, {"<Card Layout>"}, "", {0}, {0}, ""},
     ViewCase{iBigOnePage, 0, {"Blocks 0 - 31", "Blocks 32 - 63"}, "Blocks 0 - 63 of 255", {0}, {0, 1}, ""},
     ViewCase{iBigOnePage, 1, {"Blocks 64 - 95 ", "Blocks 96 - 127"}, "Blocks 64 - 127 of 255", {0}, {2, 3}, ""},
-    ViewCase{iBigOnePage, 2, {"Blocks 128 - 159", "Blocks 160 - 191"}, "Blocks 128 - 191 of 255", {0}, {4, 5}, ""},
     ViewCase{iBigOnePage, 3, {"Blocks 192 - 223", "Blocks 224 - 255"}, "Blocks 192 - 255 of 255", {0}, {6, 7}, ""},
     ViewCase{iBigEightPages, 0, {"Page 0", "Page 1"}, "Pages 0/1 of 7", {0, 1}, {0, 0}, "<PAGES> 0 <and> 1"},
-    ViewCase{iBigEightPages, 1, {"Page 2", "Page 3"}, "Pages 2/3 of 7", {2, 3}, {0, 0}, "<PAGES> 2 <and> 3"},
-    ViewCase{iBigEightPages, 2, {"Page 4", "Page 5"}, "Pages 4/5 of 7", {4, 5}, {0, 0}, "<PAGES> 4 <and> 5"},
     ViewCase{iBigEightPages, 3, {"Page 6", "Page 7"}, "Pages 6/7 of 7", {6, 7}, {0, 0}, "<PAGES> 6 <and> 7"}));
-
-TEST(PreviewViews, EveryChipIsDescribed) {
-    for (auto [chip, description] : {std::pair{iSmallOnePage, "<2 kbit/256 bytes card>"},
-                                     {iBigOnePage, "<16 kbit (2 kbyte) card, non-paged>"},
-                                     {iBigEightPages, "<16 kbit (2 kbyte) card, paged>"}})
-        EXPECT_EQ(chipDescription(chip, Translator()), description);
-}
 
 TEST(PreviewViews, HeaderLineNamesFileDateAndTime) {
     EXPECT_EQ(printHeaderLine(Translator(), "C:\\Cards\\Staff.IIF", "23.11.2026", "18:20"),

@@ -88,25 +88,6 @@ TEST(RecordArray, RefusesRecordsBeyondTheSixteenBitIndex) {
     EXPECT_EQ(a.highestIndex(), 32766);
 }
 
-TEST(GridRows, CellsFollowTheKind) {
-    ItemRecord simple = function("Checksum", "1", "", "", 0, 20, 1, 1);
-    simple.isSimpleBitFunction = true;
-    simple.beginBit = 2;
-    simple.numBits = 3;
-    const ItemRow bit = itemRowOf(bitField("F", 0, 20, 1, 3, 4));
-    EXPECT_EQ(bit.kind, "Bit Field");
-    EXPECT_FALSE(bit.bytes.has_value());
-    EXPECT_EQ(bit.beginBit, 3);
-    EXPECT_EQ(bit.bits, 4);
-    const ItemRow s = itemRowOf(simple);
-    EXPECT_EQ(s.bytes, 1);
-    EXPECT_EQ(s.beginBit, 2);
-    EXPECT_EQ(s.bits, 3);
-    const ItemRow f = itemRowOf(field("A", 1, 7, 2, 9));
-    EXPECT_EQ(f.bytes, 9);
-    EXPECT_FALSE(f.beginBit.has_value());
-}
-
 TEST(GridRows, DatabaseUpdateSummaries) {
     Translator t;
     EXPECT_EQ(dbUpdateSummary("Constant", "7", "", t), "<Value>: 7.");
