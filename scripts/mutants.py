@@ -1,0 +1,298 @@
+#!/usr/bin/env python3
+"""Mutation testing of the core library and the widgets.
+
+Makes a fixed, seeded sample of mutants of src/core and src/widgets, applies them one at a
+time in a build folder of its own, rebuilds incrementally, runs the tests that can see the
+mutated file, and reports which mutants the tests killed and which survived.
+
+A mutant is named by its file, the text of its line, the occurrence on that line and the
+change, never by a line number: the sample is drawn by hashing that name with the seed, so
+the same mutants are drawn again after the tests are rewritten or unrelated code moves.
+"""
+
+import argparse
+import dataclasses
+import hashlib
+import os
+import re
+import signal
+import subprocess
+import sys
+import time
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+SOURCES = ("src/core", "src/widgets")
+
+
+@dataclasses.dataclass
+class Mutant:
+    path: str      # relative to the project
+    line_no: int   # 1-based, for the report only
+    original: str  # the whole line
+    mutated: str   # the whole line after the change
+    kind: str      # the family of the change
+    ident: str = ""
+
+    def key(self, seed: int) -> str:
+        return hashlib.sha256(f"{seed}\0{self.ident}".encode()).hexdigest()
+
+
+# --- finding mutants ---------------------------------------------------------------------
+
+STRING = re.compile(r'"(?:\\.|[^"\\])*"|\'(?:\\.|[^\'\\])*\'')
+SKIP_LINE = re.compile(r'^\s*(#|//|\*|/\*|static_assert|assert\(|Q_OBJECT|Q_PROPERTY|Q_ENUM|namespace|using |template)')
+RELATIONAL = {" < ": " <= ", " <= ": " < ", " > ": " >= ", " >= ": " > ", " == ": " != ", " != ": " == "}
+ARITHMETIC = {" + ": " - ", " - ": " + ", " * ": " / ", " / ": " * ", " += ": " -= ", " -= ": " += ",
+              " && ": " || ", " || ": " && "}
+NUMBER = re.compile(r'(?<![\w.])(\d+)(?![\w.])')
+CALL_STATEMENT = re.compile(r'^\s*(?!return\b|delete\b|throw\b|case\b|else\b|break\b|continue\b)'
+                            r'[A-Za-z_][\w:]*(?:(?:\.|->)[A-Za-z_]\w*|\[[^\]]*\])*\s*(?:\(.*\)|[+-]?=\s.*);\s*$')
+EMIT = re.compile(r'^\s*emit\s+\w+\(.*\);\s*$')
+RETURN = re.compile(r'^(\s*return\s+)(.+);\s*$')
+
+
+def masked(line: str) -> str:
+    """The line with its strings, characters and end comment blanked out (same length)."""
+    out = STRING.sub(lambda m: '"' + " " * (len(m.group(0)) - 2) + '"', line)
+    cut = out.find("//")
+    return out if cut < 0 else out[:cut] + " " * (len(out) - cut)
+
+
+def balanced_end(text: str, start: int) -> int:
+    """Index just past the parenthesis that closes the one at start, or -1."""
+    depth = 0
+    for i in range(start, len(text)):
+        if text[i] == "(":
+            depth += 1
+        elif text[i] == ")":
+            depth -= 1
+            if depth == 0:
+                return i + 1
+    return -1
+
+
+def line_mutants(path: str, no: int, line: str):
+    if SKIP_LINE.match(line) or not line.strip():
+        return
+    mask = masked(line)
+    if re.search(r'\b(qDebug|qWarning|std::cerr|Q_ASSERT|assert)\b', mask):
+        return
+
+    def at(kind, index, old, new):
+        return Mutant(path, no, line, line[:index] + new + line[index + len(old):], kind)
+
+    for table, kind in ((RELATIONAL, "relational"), (ARITHMETIC, "arithmetic")):
+        for old, new in table.items():
+            for m in re.finditer(re.escape(old), mask):
+                text_operand = mask[:m.start()].rstrip().endswith('"') or mask[m.end():].lstrip().startswith('"')
+                if kind == "arithmetic" and text_operand:
+                    continue  # joining texts: the change would not compile
+                yield at(kind, m.start(), old, new)
+    if not re.search(r'\b(case|enum|constexpr|const\s+\w+\s+k\w+)\b', mask) and "[" not in mask.split("=")[0]:
+        for m in NUMBER.finditer(mask):
+            value = int(m.group(1), 10) if not m.group(1).startswith("0") or m.group(1) == "0" else None
+            if value is not None:
+                yield at("constant", m.start(), m.group(1), str(value + 1))
+    for m in re.finditer(r'\b(if|while)\s*\(', mask):
+        open_at = m.end() - 1
+        close_at = balanced_end(mask, open_at)
+        if close_at > 0:
+            cond = line[open_at + 1:close_at - 1]
+            yield Mutant(path, no, line, line[:open_at + 1] + "!(" + cond + ")" + line[close_at - 1:], "negated")
+    if (CALL_STATEMENT.match(mask) or EMIT.match(mask)) and mask.rstrip().endswith(";"):
+        indent = line[:len(line) - len(line.lstrip())]
+        yield Mutant(path, no, line, indent + ";\n", "deleted")
+    r = RETURN.match(mask)
+    if r:
+        value = line[len(r.group(1)):len(r.group(1)) + len(r.group(2))]
+        replacement = {"true": "false", "false": "true"}.get(value.strip())
+        if replacement is None and not re.fullmatch(r'\{\}|nullptr|\d+|std::nullopt|\*this', value.strip()):
+            replacement = "{}"
+        if replacement is not None:
+            yield Mutant(path, no, line, r.group(1) + replacement + ";\n", "return")
+
+
+def all_mutants():
+    found = []
+    for folder in SOURCES:
+        for file in sorted((ROOT / folder).rglob("*.cpp")):
+            rel = file.relative_to(ROOT).as_posix()
+            seen = {}
+            for no, line in enumerate(file.read_text(encoding="utf-8").splitlines(keepends=True), 1):
+                for m in line_mutants(rel, no, line if line.endswith("\n") else line + "\n"):
+                    base = f"{rel}\0{m.original.strip()}\0{m.kind}\0{m.mutated.strip()}"
+                    seen[base] = seen.get(base, 0) + 1
+                    m.ident = f"{base}\0{seen[base]}"
+                    found.append(m)
+    return found
+
+
+def sample(count: int, seed: int):
+    mutants = sorted(all_mutants(), key=lambda m: m.key(seed))[:count]
+    return sorted(mutants, key=lambda m: (m.path, m.line_no, m.kind))
+
+
+def short_id(m: Mutant, seed: int) -> str:
+    return m.key(seed)[:8]
+
+
+# --- running them ------------------------------------------------------------------------
+
+def run(cmd, cwd=None, timeout=None, quiet=True):
+    """Runs a command in its own process group; returns (exit code or None on timeout, seconds)."""
+    start = time.monotonic()
+    proc = subprocess.Popen(cmd, cwd=cwd, start_new_session=True, stdout=subprocess.DEVNULL if quiet else None,
+                            stderr=subprocess.DEVNULL if quiet else None, env=dict(os.environ, QT_QPA_PLATFORM="offscreen"))
+    try:
+        code = proc.wait(timeout=timeout)
+    except subprocess.TimeoutExpired:
+        os.killpg(proc.pid, signal.SIGKILL)
+        proc.wait()
+        code = None
+    return code, time.monotonic() - start
+
+
+class Suite:
+    """The build folder and the tests that can see a mutated file."""
+
+    def __init__(self, build: Path):
+        self.build = build
+        self.limits = {}
+
+    def configure(self):
+        if (self.build / "build.ninja").exists():
+            return
+        code, _ = run(["cmake", "-S", str(ROOT), "-B", str(self.build), "-G", "Ninja", "-DCMAKE_BUILD_TYPE=",
+                       "-DCMAKE_CXX_FLAGS=-O1", "-DKESTRIN_WERROR=OFF", "-DKESTRIN_BENCHMARKS=OFF"], quiet=False)
+        if code != 0:
+            sys.exit("mutants: configuring the build failed")
+
+    @staticmethod
+    def family(path: str) -> str:
+        return "widgets" if path.startswith("src/widgets/") else "core"
+
+    def targets(self, family):
+        return {"core": ["kestrin-core-tests", "kestrin-cli-tests", "kestrin"],
+                "widgets": ["kestrin-widget-tests", "kestrin-host-tests", "kestrin-host"]}[family]
+
+    def test_commands(self, family):
+        fail_fast = "--gtest_fail_fast"
+        if family == "core":
+            return [[str(self.build / "tests/kestrin-core-tests"), fail_fast],
+                    [str(self.build / "tests/cli/kestrin-cli-tests"), fail_fast],
+                    ["ctest", "--test-dir", str(self.build), "-R", r"^cli\.(examples|generated)$", "--stop-on-failure"]]
+        return [[str(self.build / "tests/widgets/kestrin-widget-tests"), fail_fast],
+                [str(self.build / "tests/host/kestrin-host-tests"), fail_fast],
+                ["ctest", "--test-dir", str(self.build), "-R", r"^host\.", "--stop-on-failure"]]
+
+    def build_family(self, family) -> bool:
+        code, _ = run(["cmake", "--build", str(self.build), "--target", *self.targets(family)])
+        return code == 0
+
+    def run_tests(self, family, limit):
+        """'killed', 'survived' or 'timeout'."""
+        deadline = time.monotonic() + limit
+        for cmd in self.test_commands(family):
+            left = deadline - time.monotonic()
+            if left <= 0:
+                return "timeout"
+            code, _ = run(cmd, cwd=self.build, timeout=left)
+            if code is None:
+                return "timeout"
+            if code != 0:
+                return "killed"
+        return "survived"
+
+    def calibrate(self, families, factor):
+        for family in families:
+            if not self.build_family(family):
+                sys.exit(f"mutants: the unmutated {family} build fails")
+            start = time.monotonic()
+            if self.run_tests(family, 3600) != "survived":
+                sys.exit(f"mutants: the unmutated {family} tests fail")
+            took = time.monotonic() - start
+            self.limits[family] = max(20.0, took * factor)
+            print(f"unmutated {family} tests: {took:.1f} s, limit {self.limits[family]:.0f} s", flush=True)
+
+
+def apply_and_test(suite: Suite, m: Mutant) -> str:
+    file = ROOT / m.path
+    original = file.read_bytes()
+    lines = original.decode("utf-8").splitlines(keepends=True)
+    if lines[m.line_no - 1] != m.original and lines[m.line_no - 1] != m.original.rstrip("\n"):
+        return "stale"
+    ending = lines[m.line_no - 1][len(lines[m.line_no - 1].rstrip("\r\n")):]
+    lines[m.line_no - 1] = m.mutated.rstrip("\n") + ending
+    family = suite.family(m.path)
+    try:
+        file.write_bytes("".join(lines).encode("utf-8"))
+        if not suite.build_family(family):
+            return "not compiled"
+        return suite.run_tests(family, suite.limits[family])
+    finally:
+        file.write_bytes(original)
+        os.utime(file)  # newer than the mutant's objects, so the next build recompiles it
+        if file.read_bytes() != original:
+            sys.exit(f"mutants: could not restore {m.path}")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("--count", type=int, default=200, help="mutants in the sample (200)")
+    parser.add_argument("--seed", type=int, default=1, help="the sample's seed (1)")
+    parser.add_argument("--list", action="store_true", help="print the sample and stop")
+    parser.add_argument("--only", help="run only the mutant of this id (as --list prints it)")
+    parser.add_argument("--build", default=str(ROOT / "build/mutants"), help="build folder (build/mutants)")
+    parser.add_argument("--factor", type=float, default=3.0, help="time limit as a multiple of the clean run (3)")
+    args = parser.parse_args()
+
+    chosen = sample(args.count, args.seed)
+    if args.only:
+        chosen = [m for m in chosen if short_id(m, args.seed) == args.only]
+        if not chosen:
+            sys.exit(f"mutants: no mutant {args.only} in the sample")
+    if args.list:
+        for m in chosen:
+            print(f"{short_id(m, args.seed)}  {m.path}:{m.line_no}  {m.kind}\n    - {m.original.strip()}\n"
+                  f"    + {m.mutated.strip()}")
+        return
+
+    build = Path(args.build)
+    suite = Suite(build)
+    suite.configure()
+    suite.calibrate(sorted({suite.family(m.path) for m in chosen}), args.factor)
+
+    started = time.monotonic()
+    outcomes = []
+    for n, m in enumerate(chosen, 1):
+        outcome = apply_and_test(suite, m)
+        outcomes.append((m, outcome))
+        print(f"[{n}/{len(chosen)}] {outcome:12} {short_id(m, args.seed)} {m.path}:{m.line_no} {m.kind}", flush=True)
+    for family in sorted({suite.family(m.path) for m in chosen}):
+        suite.build_family(family)  # leave the build matching the sources
+
+    count = {k: sum(1 for _, o in outcomes if o == k) for k in ("killed", "timeout", "survived", "not compiled", "stale")}
+    compiled = count["killed"] + count["timeout"] + count["survived"]
+    score = 100.0 * (count["killed"] + count["timeout"]) / compiled if compiled else 0.0
+    report = [f"mutants: {len(chosen)} (seed {args.seed}), run in {(time.monotonic() - started) / 60:.0f} min",
+              f"killed {count['killed']}, timed out {count['timeout']}, survived {count['survived']}, "
+              f"not compiled {count['not compiled']}" + (f", stale {count['stale']}" if count["stale"] else ""),
+              f"score {score:.1f} % (killed and timed out of those compiled)", "", "survivors:"]
+    for m, outcome in outcomes:
+        if outcome == "survived":
+            report += [f"{short_id(m, args.seed)}  {m.path}:{m.line_no}  {m.kind}",
+                       f"    - {m.original.strip()}", f"    + {m.mutated.strip()}"]
+    text = "\n".join(report) + "\n"
+    print("\n" + text)
+    build.mkdir(parents=True, exist_ok=True)
+    (build / "report.txt").write_text(text)
+    with open(build / "results.tsv", "w") as out:
+        out.write("id\tfile\tline\tkind\toutcome\toriginal\tmutated\n")
+        for m, outcome in outcomes:
+            out.write(f"{short_id(m, args.seed)}\t{m.path}\t{m.line_no}\t{m.kind}\t{outcome}\t"
+                      f"{m.original.strip()}\t{m.mutated.strip()}\n")
+
+
+if __name__ == "__main__":
+    main()
