@@ -79,53 +79,11 @@ TEST(DialogKeys, EscapeInThePropertiesDialogCancels) {
     EXPECT_TRUE(p.Unchanged);
 }
 
-TEST(DialogKeys, DeleteAndPastedDigitsWorkInANumberBox) {
-    Keys ed;
-    ed.open<frmEditiClass>(kModeField, -1);
-    ed.activate();
-    QLineEdit* size = ed.child<QLineEdit>("txtNrBytes");
-    size->setFocus();
-    QTest::keyClicks(size, "123");
-    QTest::keyClick(size, Qt::Key_Home);
-    QTest::keyClick(size, Qt::Key_Delete);
-    EXPECT_EQ(size->text(), "23");
-    QTest::keyClicks(size, "x");
-    EXPECT_EQ(size->text(), "23");
-}
-
 }  // namespace
 }  // namespace kestrin::test
 
 namespace kestrin::test {
 namespace {
-
-// Every caption of the item dialogs comes through the language libraries, including the ones
-// that used to be fixed English.
-TEST(DialogCaptions, TheItemDialogsTakeTheirCaptionsFromTheCatalog) {
-    struct Caption {
-        int32_t mode;  // -1: the database-update dialog
-        const char* control;
-        int id;
-    };
-    for (const Caption& c : {Caption{kModeBitField, "lblBeginBit", 4607}, Caption{kModeFunction, "lblPolynom", 4701},
-                             Caption{kModeFunction, "lblStartValue", 3146}, Caption{kModeField, "lblFormat", 4702},
-                             Caption{-1, "optFunction(1)", 3143}}) {
-        Keys d;
-        writeBytes(d.dir / "captions.txt", std::to_string(c.id) + "=C" + std::to_string(c.id) + "\n");
-        d.doc.translator().setCustomLanguageDLL(d.registry.open(d.dir / "captions.txt"));
-        if (c.mode < 0)
-            d.open<frmDBUpdate>(-1);
-        else
-            d.open<frmEditiClass>(c.mode, -1);
-        const QObject* control = d.form->findChild<QObject*>(c.control);
-        ASSERT_NE(control, nullptr) << c.control;
-        EXPECT_EQ(control->property("text").toString(), QStringLiteral("C%1").arg(c.id)) << c.control;
-    }
-    Keys d;
-    writeBytes(d.dir / "captions.txt", "4700=C4700\n");
-    d.doc.translator().setCustomLanguageDLL(d.registry.open(d.dir / "captions.txt"));
-    EXPECT_EQ(d.open<frmDBUpdate>(-1).windowTitle(), "C4700");
-}
 
 }  // namespace
 }  // namespace kestrin::test

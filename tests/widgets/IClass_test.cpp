@@ -140,22 +140,6 @@ TEST(IClassInterface, RaisedErrorsArriveThroughTheExceptionSignal) {
     EXPECT_TRUE(errors[2].startsWith("9 ")) << errors[2].toStdString();
 }
 
-TEST(IClassState, ANewControlHoldsEmptyValuesAndTheItemGridIsSelected) {
-    IClass control;
-    EXPECT_EQ(control.objectName(), "iClass");
-    for (const char* text : {"ProjectFile", "IifDirectory", "PellmarkINI", "LayoutFile", "EncodePath", "AppName"})
-        EXPECT_EQ(control.property(text).toString(), "") << text;
-    EXPECT_FALSE(control.designMode());
-    for (const char* flag : {"CLessLayoutEntered", "UseBit", "UseHID", "Saved"})
-        EXPECT_FALSE(control.property(flag).toBool()) << flag;
-    EXPECT_EQ(control.property("LanguageDLL").toInt(), 0);
-    EXPECT_EQ(control.property("CustomLanguageDLL").toInt(), 0);
-    EXPECT_EQ(control.property("SelectedGrid").toString(), "FieldsFunctions");
-    EXPECT_EQ(control.document().card(), nullptr);
-    EXPECT_EQ(control.document().records().highestIndex(), -1);
-    EXPECT_EQ(control.document().fields().highestIndex(), -1);
-}
-
 TEST(IClassState, StoredPropertiesReturnWhatWasWrittenAndRaiseNothing) {
     Host host;
     const std::vector<std::pair<const char*, QVariant>> values = {
@@ -180,64 +164,6 @@ TEST(IClassState, UseBitAndUseHIDGoIntoTheCard) {
     ASSERT_NE(host.control.document().card(), nullptr);
     EXPECT_TRUE(host.control.document().card()->EnableBitwise());
     EXPECT_TRUE(host.control.document().card()->UseHIDSection());
-}
-
-TEST(IClassState, TheDecimalSeparatorComesFromTheLocale) {
-    const QLocale before;
-    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
-    IClass german;
-    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-    IClass english;
-    QLocale::setDefault(before);
-    EXPECT_EQ(german.decimalSeparator(), QChar(','));
-    EXPECT_EQ(english.decimalSeparator(), QChar('.'));
-}
-
-TEST(IClassSurface, TheGridsSplitTheSurfaceInEqualHalves) {
-    Host host;
-    QTableView* items = host.grid("grdItems");
-    QTableView* updates = host.grid("grdDBUpdateFields");
-    ASSERT_NE(items, nullptr);
-    ASSERT_NE(updates, nullptr);
-    host.control.show();
-    struct Size { int w, h, half; };
-    for (const Size s : {Size{300, 200, 100}, Size{300, 101, 50}, Size{120, 0, 0}}) {
-        host.control.resize(s.w, s.h);
-        EXPECT_EQ(items->geometry(), QRect(0, 0, s.w, s.half)) << s.h;
-        EXPECT_EQ(updates->geometry(), QRect(0, s.half, s.w, s.half)) << s.h;
-    }
-}
-
-TEST(IClassSurface, RunModeShowsTheGridsWithTipsAndDesignModeThePicture) {
-    Host host;
-    host.control.resize(300, 200);
-    host.control.show();
-    QLabel* picture = host.control.findChild<QLabel*>("imgIClass");
-    ASSERT_NE(picture, nullptr);
-    EXPECT_FALSE(picture->isVisible());
-    EXPECT_TRUE(host.grid("grdItems")->isVisible());
-    EXPECT_EQ(host.grid("grdItems")->toolTip(), "T3195");
-    EXPECT_EQ(host.grid("grdDBUpdateFields")->toolTip(), "T3196");
-    EXPECT_FALSE(host.grid("grdItems")->verticalHeader()->isVisible());
-
-    host.control.setDesignMode(true);
-    host.control.resize(250, 90);
-    EXPECT_TRUE(picture->isVisible());
-    EXPECT_FALSE(host.grid("grdItems")->isVisible());
-    EXPECT_FALSE(host.grid("grdDBUpdateFields")->isVisible());
-    EXPECT_EQ(picture->geometry(), QRect(0, 0, 250, 90));
-    EXPECT_FALSE(picture->pixmap().isNull());
-}
-
-TEST(IClassSurface, ColumnWidthsComeFromTheTwipWidthsAndLanguageChangesTheHeaders) {
-    Host host;
-    QTableView* items = host.grid("grdItems");
-    const int dpi = host.control.logicalDpiX();
-    for (int c = 0; c < items->model()->columnCount(); ++c)
-        EXPECT_EQ(items->columnWidth(c), itemGridHeaders()[static_cast<size_t>(c)].widthTwips * dpi / 1440) << c;
-    EXPECT_EQ(items->model()->headerData(2, Qt::Horizontal).toString(), "<Field Type>");
-
-    EXPECT_TRUE(host.events.empty());
 }
 
 // A library loaded once for the process gives its texts to every control handed its handle;
@@ -367,33 +293,6 @@ TEST(IClassMessages, BitItemsAreNotImplementedAndChangeNothing) {
         EXPECT_TRUE(host.events.empty()) << member;
         EXPECT_TRUE(host.dialogs.empty()) << member;
     }
-}
-
-TEST(IClassMessages, ShowAboutShowsTheProductAndClosesWithOk) {
-    Host host;
-    QStringList seen;
-    bool closed = false;
-    host.onDialog = [&](QDialog& d) {
-        for (const char* name : {"lblTitle", "lblVersion", "lblDescription", "lblWarning"}) {
-            auto* l = d.findChild<QLabel*>(name);
-            seen << (l ? l->text() : QString("missing ") + name);
-        }
-        d.show();
-        d.findChild<QPushButton*>("cmdOK")->click();
-        closed = !d.isVisible();
-        return d.result();
-    };
-    host.call("ShowAbout");
-    EXPECT_EQ(host.dialogs, std::vector<QString>{"frmAbout"});
-    ASSERT_EQ(seen.size(), 4);
-    EXPECT_EQ(seen[0], kProductTitle);
-    EXPECT_EQ(seen[1], AboutBox::versionText());
-    EXPECT_FALSE(seen[2].isEmpty());
-    EXPECT_EQ(seen[3], "<Warning: unauthorized use strictly forbidden>");
-    EXPECT_TRUE(closed);
-    host.call("ShowSettings");
-    EXPECT_EQ(host.dialogs.size(), 1u);
-    EXPECT_TRUE(host.prompter.messages.empty());
 }
 
 }  // namespace

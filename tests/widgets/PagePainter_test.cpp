@@ -38,21 +38,5 @@ TEST(PagePainter, GridShowsThePageMapCellByCellAndReusesItsCells) {
     EXPECT_EQ(g->item(11, 4)->background().color(), QColor(255, 128, 192));
 }
 
-TEST(PagePainter, GridColumnsAre400TwipsAndTheGridFitsWithoutScrolling) {
-    CIClass card;
-    card.setChipSize(iBigOnePage);
-    for (bool whole : {false, true}) {
-        std::unique_ptr<QTableWidget> g(createPageGrid(nullptr, "grdTest"));
-        paintPage(*g, *card.page(0), RecordArray(), whole);
-        fitPageGrid(*g);
-        g->show();
-        EXPECT_EQ(g->rowCount(), whole ? 257 : 33);
-        // 1440 twips an inch, the fraction cut: 26 pixels at 96 DPI.
-        for (int column = 0; column < 9; ++column) EXPECT_EQ(g->columnWidth(column), 400 * g->logicalDpiX() / 1440);
-        EXPECT_EQ(g->verticalScrollBar()->maximum(), 0);
-        EXPECT_EQ(g->horizontalScrollBar()->maximum(), 0);
-    }
-}
-
 }  // namespace
 }  // namespace kestrin

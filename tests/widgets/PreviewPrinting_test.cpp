@@ -147,17 +147,4 @@ TEST_P(Printing, OptionsDialogDrivesThePrintingAndEnterOnTheFocusedPrintRunsIt) 
 
 INSTANTIATE_TEST_SUITE_P(Chips, Printing, ::testing::Values(iSmallOnePage, iBigOnePage, iBigEightPages));
 
-TEST(PrintOptions, StartWithPrinterAndCurrentPagesAndCancelIsKept) {
-    const Translator tr;
-    frmPrintPreview box(tr);
-    EXPECT_EQ(box.windowTitle(), "<Print preview>");
-    EXPECT_TRUE(box.findChild<QRadioButton*>("optPrint(0)")->isChecked() && !box.toFile());
-    EXPECT_TRUE(box.findChild<QRadioButton*>("optRange(0)")->isChecked() && !box.allPages());
-    box.findChild<QRadioButton*>("optRange(1)")->click();
-    EXPECT_TRUE(box.allPages());
-    EXPECT_FALSE(box.Cancelled);
-    box.findChild<QPushButton*>("cmdCancel")->click();
-    EXPECT_TRUE(box.Cancelled);
-}
-
 }  // namespace

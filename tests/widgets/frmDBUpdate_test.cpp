@@ -51,15 +51,6 @@ TEST(DBUpdate, ABoxOutOfRangeIsRefusedWhenLeftAndOnOk) {
     EXPECT_TRUE(d.dialog().Cancelled);
 }
 
-TEST(DBUpdate, OkWithoutAFieldIsRefused) {
-    DBUpdate d;
-    d.open();
-    d.type("txtConstantValue", "5");
-    d.click("cmdOK");
-    EXPECT_EQ(d.messageTexts(), std::vector<std::string>{"T3158"});
-    EXPECT_TRUE(d.records().empty());
-}
-
 TEST(DBUpdate, EditingPresetsTheControlsAndReplacesTheRecordInPlace) {
     const ItemRecord item = field("Card", 0, 20, 0, 4);
     const ItemRecord serial = update("BIRTH", 2, "CardSnNr", "1");

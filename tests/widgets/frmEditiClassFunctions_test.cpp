@@ -92,29 +92,6 @@ INSTANTIATE_TEST_SUITE_P(
                      }}),
     [](const ::testing::TestParamInfo<FunctionCase>& param) { return std::string(param.param.name); });
 
-TEST(EditiClassFunctionBoxes, TheTitleFollowsTheModeAndTheSizeIsFixedByTheOption) {
-    Editor ed;
-    frmEditiClass& form = ed.open(kModeFunction);
-    EXPECT_EQ(form.windowTitle(), "<Add Functions>");
-    EXPECT_EQ(ed.child<QRadioButton>("optFunction(2)")->text(), "<CardSerialNo>");
-    ed.click("optFunction(2)");
-    EXPECT_EQ(ed.text("txtSelectedField"), "CardSnNr");
-    ed.click("optProperty(1)");
-    EXPECT_EQ(ed.text("txtNrBytes"), "8");
-    ed.click("optFunction(3)");
-    EXPECT_FALSE(ed.child<QRadioButton>("optProperty(0)")->isVisible());
-    EXPECT_TRUE(ed.child<QWidget>("fraRange")->isVisible());
-    EXPECT_FALSE(ed.child<QWidget>("fraCountFirstValue")->isVisible());
-}
-
-TEST(EditiClassFunctionBoxes, ValueBoxesKeepOnlyDigits) {
-    Editor ed;
-    ed.open(kModeFunction);
-    ed.click("optFunction(1)");
-    ed.type("txtCountStep", "1a2");
-    EXPECT_EQ(ed.text("txtCountStep"), "12");
-}
-
 TEST(EditiClassFunctionBoxes, AStepOutOfRangeIsRefusedOnLeavingAndKeepsTheFocus) {
     Editor ed;
     frmEditiClass& form = ed.open(kModeFunction);

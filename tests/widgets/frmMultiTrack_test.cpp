@@ -85,13 +85,6 @@ TEST(MultiTrack, EditingMovesTheItemInItsSlotAndARefusedMoveKeepsTheTable) {
     EXPECT_EQ(d.records().records(), (std::vector<ItemRecord>{moved, other}));
 }
 
-TEST(MultiTrack, AnItemNamedByItsDisplayNameFindsItsField) {
-    MultiTrack d({binary("Surname", 20, 0, 4, 9)});
-    d.open(0);
-    EXPECT_EQ(d.child<QTableWidget>("grdFields")->currentRow(), 0);
-    EXPECT_EQ(d.text("txtSelectedField"), "Surname");
-}
-
 TEST(MultiTrack, OkAfterApplyClosesAndCancelStoresNothing) {
     MultiTrack d;
     d.open();

@@ -65,41 +65,5 @@ INSTANTIATE_TEST_SUITE_P(Chips, PreviewSteps, ::testing::Values(
     StepCase{iBigOnePage, 2, "Blocks 128 - 159", "<16 kbit (2 kbyte) card, non-paged>", "grdPreview1", 32, 0, "191"},
     StepCase{iBigEightPages, 2, "Page 4", "<16 kbit (2 kbyte) card, paged>", "grdPreview1", 9, 1, "Badge"}));
 
-// Enter runs the focused button; with the focus elsewhere it runs OK, the default button.
-TEST(Preview, EnterRunsTheFocusedButtonElseOk) {
-    Preview p(iBigEightPages);
-    EXPECT_EQ(p.form->windowTitle(), "Preview iClass Layout");
-    p.form->show();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(p.form.get()));
-    EXPECT_EQ(QApplication::focusWidget(), p.child("cmdOK"));
-    p.child("cmdNext")->setFocus();
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
-    EXPECT_EQ(p.form->viewIndex(), 1);
-    EXPECT_TRUE(p.form->isVisible());
-    p.child("scrPreview")->setFocus();
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
-    EXPECT_FALSE(p.form->isVisible());
-    EXPECT_EQ(p.form->result(), QDialog::Accepted);
-}
-
-// On a screen lower than the grids the window fits and keeps its buttons; the grids scroll to their last row.
-TEST(Preview, FitsASmallScreenWithTheGridsScrolling) {
-    Preview p(iBigEightPages);
-    auto* scroll = p.child<QScrollArea>("scrPreview");
-    p.form->fitInto(QSize(4000, 4000));  // before it is shown, as the map command sizes it
-    p.form->show();
-    EXPECT_EQ(scroll->verticalScrollBar()->maximum(), 0) << "with room to spare, everything shows";
-    const QSize room(1024, 480);
-    p.form->fitInto(room);
-    EXPECT_TRUE(p.form->width() <= room.width() && p.form->height() <= room.height());
-    for (const QPushButton* b : p.form->findChildren<QPushButton*>())
-        EXPECT_TRUE(p.form->rect().contains(QRect(b->mapTo(p.form.get(), QPoint()), b->size()))) << b->objectName().toStdString();
-    EXPECT_EQ(scroll->horizontalScrollBar()->maximum(), 0);
-    scroll->verticalScrollBar()->setValue(scroll->verticalScrollBar()->maximum());
-    const QTableWidget* grid = p.child<QTableWidget>("grdPreview1");
-    const QPoint lastRow = grid->viewport()->mapTo(scroll->viewport(), grid->visualItemRect(grid->item(32, 8)).bottomRight());
-    EXPECT_TRUE(scroll->viewport()->rect().contains(lastRow));
-}
-
 }  // namespace
 }  // namespace kestrin
