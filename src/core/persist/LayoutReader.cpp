@@ -61,22 +61,13 @@ std::vector<int32_t> numbersOf(const ProfileDocument& doc, std::string_view sect
     return out;
 }
 
-// Distinct keys of a section in file order (a repeated key reads as its first entry anyway).
-std::vector<std::string> distinctKeys(const ProfileDocument& doc, std::string_view section) {
-    const std::vector<std::string> all = doc.keys(section);
-    std::unordered_set<std::string_view, AsciiCaselessHash, AsciiCaselessEqual> seen;
-    seen.reserve(all.size());
-    std::vector<std::string> out;
-    out.reserve(all.size());
-    for (const auto& key : all)
-        if (seen.insert(key).second) out.push_back(key);
-    return out;
-}
-
 class Reader {
 public:
     Reader(const ProfileDocument& doc, const CIClass& card, LayoutReadResult& result)
-        : doc_(doc), card_(card), result_(result) {}
+        : doc_(doc), card_(card), result_(result), encode_(doc.section(S::Encode)), itemColor_(doc.section(S::ItemColor)),
+          fieldType_(doc.section(S::FieldType)), bigItem_(doc.section(S::BigItem)), bitEncode_(doc.section(S::BitEncode)),
+          bitItemColor_(doc.section(S::BitItemColor)), combined_(doc.section(S::CombinedFields)),
+          multiTrack_(doc.section(S::FieldsMultiTrack)) {}
 
     RecordArray run() {
         noteLongValues();
@@ -88,8 +79,9 @@ public:
         readFunctions(S::BitInitCard, true);
         readDatabaseUpdates();
         readMultiTrack();
-        for (const auto& key : distinctKeys(doc_, S::Settings))
-            result_.settings.emplace_back(key, readLayoutString(doc_, S::Settings, key));
+        doc_.forEachDistinctKey(doc_.section(S::Settings), [&](std::string_view key, std::optional<std::string_view> raw) {
+            result_.settings.emplace_back(std::string(key), layoutStringOf(raw));
+        });
         if (unlisted_ > 0) {
             const std::string more = "... and " + std::to_string(unlisted_) + " more entries dropped";
             result_.warnings.push_back(more);
@@ -178,35 +170,37 @@ private:
     }
 
     void readCombinedParts() {
-        for (const auto& key : distinctKeys(doc_, S::CombinedFields)) {
-            if (numberedKey(key, "Place")) continue;
+        doc_.forEachDistinctKey(combined_, [&](std::string_view keyView, std::optional<std::string_view> raw) {
+            const std::string key(keyView);
+            if (numberedKey(key, "Place")) return;
             std::vector<int16_t> pair;
-            const std::string value = readLayoutString(doc_, S::CombinedFields, key);
+            const std::string value = layoutStringOf(raw);
             if (!numbers(Entry{S::CombinedFields, key, splitFieldKey(key).first, kKindField}, value, 2, pair))
-                continue;
+                return;
             combinedParts_.insert(key);
             groups_[pair[0]].push_back({pair[1], key});
-        }
+        });
     }
 
     void readFields() {
-        for (const auto& key : distinctKeys(doc_, S::Encode)) {
-            if (combinedParts_.count(key)) continue;
+        doc_.forEachDistinctKey(encode_, [&](std::string_view keyView, std::optional<std::string_view> raw) {
+            const std::string key(keyView);
+            if (!combinedParts_.empty() && combinedParts_.count(key)) return;
             std::vector<int16_t> v;
             ItemRecord r;
             r.name = splitFieldKey(key).first;
-            if (!numbers(Entry{S::Encode, key, r.name, kKindField}, readLayoutString(doc_, S::Encode, key), 5, v, true))
-                continue;
+            if (!numbers(Entry{S::Encode, key, r.name, kKindField}, layoutStringOf(raw), 5, v, true))
+                return;
             r.page = v[0], r.block = v[1], r.beginByte = v[2], r.numBytes = v[3], r.encodingCode = v[4];
-            r.color = doc_.getInt(S::ItemColor, key, 0);
-            r.fieldType = doc_.getInt(S::FieldType, key, 0);
+            r.color = doc_.getInt(itemColor_, key, 0);
+            r.fieldType = doc_.getInt(fieldType_, key, 0);
             readBigItem(key, r);
             keep(S::Encode, key, r, false);
-        }
+        });
     }
 
     void readBigItem(const std::string& key, ItemRecord& r) {
-        const std::string big = readLayoutString(doc_, S::BigItem, key);
+        const std::string big = layoutStringOf(doc_.rawValue(bigItem_, key));
         if (big.empty()) return;
         std::vector<int16_t> v;
         if (!numbers(about(S::BigItem, key, r), big, 2, v)) return;
@@ -219,7 +213,7 @@ private:
     // A big item placed from a begin bit other than 0 keeps the bit in a FieldsMultiTrack
     // entry under its own key, with the same place; that entry is not a further item.
     void readBeginBit(const std::string& key, ItemRecord& r) {
-        const std::string text = readLayoutString(doc_, S::FieldsMultiTrack, key);
+        const std::string text = layoutStringOf(doc_.rawValue(multiTrack_, key));
         if (text.empty()) return;
         const auto v = parseShortList(text, 5);
         if (!v || (*v)[0] != r.page || (*v)[1] != r.block || (*v)[2] != r.beginByte || (*v)[4] != r.numBytes ||
@@ -230,20 +224,21 @@ private:
     }
 
     void readBitFields() {
-        for (const auto& key : distinctKeys(doc_, S::BitEncode)) {
+        doc_.forEachDistinctKey(bitEncode_, [&](std::string_view keyView, std::optional<std::string_view> raw) {
+            const std::string key(keyView);
             std::vector<int16_t> v;
             ItemRecord r;
             r.isBit = true;
             r.name = splitFieldKey(key).first;
-            if (!numbers(Entry{S::BitEncode, key, r.name, kKindBitField}, readLayoutString(doc_, S::BitEncode, key), 6,
+            if (!numbers(Entry{S::BitEncode, key, r.name, kKindBitField}, layoutStringOf(raw), 6,
                          v, true))
-                continue;
+                return;
             r.page = v[0], r.block = v[1], r.beginByte = v[2], r.beginBit = v[3], r.numBits = v[4];
             r.encodingCode = v[5];
-            r.color = doc_.getInt(S::BitItemColor, key, 0);
-            r.fieldType = doc_.getInt(S::FieldType, key, 0);
+            r.color = doc_.getInt(bitItemColor_, key, 0);
+            r.fieldType = doc_.getInt(fieldType_, key, 0);
             keep(S::BitEncode, key, r, true);
-        }
+        });
     }
 
     void readCombinedFields() {
@@ -274,8 +269,8 @@ private:
             }
             r.page = place[0], r.block = place[1], r.beginByte = place[2], r.numBytes = place[3];
             if (encode.size() >= 5) r.encodingCode = encode[4];
-            r.color = doc_.getInt(S::ItemColor, first, 0);
-            r.fieldType = doc_.getInt(S::FieldType, first, 0);
+            r.color = doc_.getInt(itemColor_, first, 0);
+            r.fieldType = doc_.getInt(fieldType_, first, 0);
             readBigItem(first, r);
             keep(S::CombinedFields, first, r, false);
         }
@@ -372,26 +367,30 @@ private:
 
     // Fields spread over several tracks, as "Name(n)=page,block,begin byte,begin bit,number of bytes".
     void readMultiTrack() {
-        for (const auto& key : distinctKeys(doc_, S::FieldsMultiTrack)) {
-            if (beginBitEntries_.count(key)) continue;
+        doc_.forEachDistinctKey(multiTrack_, [&](std::string_view keyView, std::optional<std::string_view> raw) {
+            const std::string key(keyView);
+            if (beginBitEntries_.count(key)) return;
             std::vector<int16_t> v;
             ItemRecord r;
             r.isBinary = true;
             r.name = splitFieldKey(key).first;
             if (!numbers(Entry{S::FieldsMultiTrack, key, r.name, kKindBinaryField},
-                         readLayoutString(doc_, S::FieldsMultiTrack, key), 5, v, true))
-                continue;
+                         layoutStringOf(raw), 5, v, true))
+                return;
             // The fourth number is the begin bit, which a save keeps beside the item's ENCODE
             // entry; one outside a byte is not kept, so the item saves and opens again unchanged.
             r.page = v[0], r.block = v[1], r.beginByte = v[2], r.numBytes = v[4];
             if (v[3] >= 0 && v[3] <= 7) r.beginBit = v[3];
             keep(S::FieldsMultiTrack, key, r, false);
-        }
+        });
     }
 
     const ProfileDocument& doc_;
     const CIClass& card_;
     LayoutReadResult& result_;
+    // The sections read entry by entry, found once.
+    using Section = ProfileDocument::Section;
+    const Section *encode_, *itemColor_, *fieldType_, *bigItem_, *bitEncode_, *bitItemColor_, *combined_, *multiTrack_;
     RecordArray records_;
     size_t unlisted_ = 0;  // dropped entries beyond the warning limit
     size_t tooMany_ = 0;   // entries beyond the item limit

@@ -62,25 +62,61 @@ std::optional<int32_t> parseProfileInt(std::string_view value) {
     return static_cast<int32_t>(result);
 }
 
+void ProfileDocument::NameIndex::build(const std::vector<Entry>& entries, size_t first, size_t count,
+                                      bool markDistinct, std::vector<Entry>& marked) {
+    size_t capacity = 8;
+    while (capacity < count * 2) capacity *= 2;
+    slots_.assign(capacity, 0);
+    mask_ = capacity - 1;
+    // Beside each name's first entry: whether a listed key of that name has been seen yet.
+    std::vector<bool> keyListed(markDistinct ? capacity : 0);
+    for (size_t i = first; i < first + count; ++i) {
+        const Entry& e = entries[i];
+        size_t slot = e.hash & mask_;
+        while (slots_[slot] != 0) {
+            const Entry& other = entries[slots_[slot] - 1];
+            if (other.hash == e.hash && AsciiCaselessEqual{}(other.name, e.name)) break;
+            slot = (slot + 1) & mask_;
+        }
+        if (slots_[slot] == 0) slots_[slot] = static_cast<uint32_t>(i + 1);
+        const bool listed = e.hasEquals && (e.name.empty() || e.name.front() != ';');
+        if (markDistinct && listed && !keyListed[slot]) {
+            keyListed[slot] = true;
+            marked[i].distinctKey = true;
+        }
+    }
+}
+
+const ProfileDocument::Entry* ProfileDocument::NameIndex::find(const std::vector<Entry>& entries,
+                                                               std::string_view name, uint64_t hash) const {
+    if (slots_.empty()) return nullptr;
+    for (size_t slot = hash & mask_; slots_[slot] != 0; slot = (slot + 1) & mask_) {
+        const Entry& e = entries[slots_[slot] - 1];
+        if (e.hash == hash && AsciiCaselessEqual{}(e.name, name)) return &e;
+    }
+    return nullptr;
+}
+
 ProfileDocument ProfileDocument::parse(std::string_view bytes) {
+    ProfileDocument doc;
     std::string converted;
-    std::string_view text = bytes;
     if (bytes.size() >= 2 && static_cast<unsigned char>(bytes[0]) == 0xFF &&
         static_cast<unsigned char>(bytes[1]) == 0xFE) {
         converted = utf16leToUtf8(bytes.substr(2));
-        text = converted;
+        bytes = converted;
     } else if (!isAscii(bytes)) {
         converted = cp1252ToUtf8(bytes);
-        text = converted;
+        bytes = converted;
     }
+    doc.text_.assign(bytes.begin(), bytes.end());
+    const std::string_view text(doc.text_.data(), doc.text_.size());
 
-    ProfileDocument doc;
-    Section* current = nullptr;  // lines before the first header belong to no listed section
-    std::string_view rest(text);
+    // Lines before the first header belong to no listed section.
+    std::string_view rest = text;
     while (!rest.empty()) {
-        size_t end = rest.find_first_of("\r\n");
+        const size_t end = rest.find_first_of("\r\n");
         std::string_view line = rest.substr(0, end);
-        rest = end == std::string_view::npos ? std::string_view{} : rest.substr(end);
+        rest.remove_prefix(end == std::string_view::npos ? rest.size() : end);
         while (!rest.empty() && (rest.front() == '\r' || rest.front() == '\n')) rest.remove_prefix(1);
 
         line = trimProfileSpace(line);
@@ -89,32 +125,33 @@ ProfileDocument ProfileDocument::parse(std::string_view bytes) {
             const size_t close = line.rfind(']');
             if (close != std::string_view::npos) {
                 Section s;
-                s.name = std::string(trimProfileSpace(line.substr(1, close - 1)));
+                s.name = trimProfileSpace(line.substr(1, close - 1));
+                s.hash = AsciiCaselessHash{}(s.name);
+                s.firstEntry = doc.entries_.size();
                 doc.sections_.push_back(std::move(s));
-                current = &doc.sections_.back();
                 continue;
             }
         }
-        if (current == nullptr) continue;
+        if (doc.sections_.empty()) continue;
         Entry e;
         const size_t eq = line.find('=');
         if (eq == std::string_view::npos) {
-            e.name = std::string(line);
+            e.name = line;
         } else {
             e.hasEquals = true;
-            e.name = std::string(trimProfileSpace(line.substr(0, eq)));
-            e.value = std::string(trimProfileSpace(line.substr(eq + 1)));
+            e.name = trimProfileSpace(line.substr(0, eq));
+            e.value = trimProfileSpace(line.substr(eq + 1));
             doc.longestValue_ = std::max(doc.longestValue_, e.value.size());
         }
-        current->entries.push_back(std::move(e));
+        e.hash = AsciiCaselessHash{}(e.name);
+        doc.entries_.push_back(e);
+        ++doc.sections_.back().entryCount;
     }
-    // Index once every string has its final place.
-    for (size_t i = 0; i < doc.sections_.size(); ++i) {
-        Section& s = doc.sections_[i];
-        doc.firstSection_.try_emplace(s.name, i);
-        s.firstEntry.reserve(s.entries.size());
-        for (size_t k = 0; k < s.entries.size(); ++k) s.firstEntry.try_emplace(s.entries[k].name, k);
-    }
+    // Index once every entry has its place.
+    doc.sectionNames_.reserve(doc.sections_.size());
+    for (const Section& s : doc.sections_) doc.sectionNames_.push_back(Entry{s.name, {}, s.hash, true, false});
+    doc.sectionIndex_.build(doc.sectionNames_, 0, doc.sectionNames_.size(), false, doc.sectionNames_);
+    for (Section& s : doc.sections_) s.index.build(doc.entries_, s.firstEntry, s.entryCount, true, doc.entries_);
     return doc;
 }
 
@@ -137,22 +174,26 @@ std::optional<ProfileDocument> ProfileDocument::load(const std::filesystem::path
     return parse(bytes);
 }
 
-const ProfileDocument::Section* ProfileDocument::findSection(std::string_view name) const {
-    auto it = firstSection_.find(trimProfileSpace(name));
-    return it == firstSection_.end() ? nullptr : &sections_[it->second];
+const ProfileDocument::Section* ProfileDocument::section(std::string_view name) const {
+    name = trimProfileSpace(name);
+    const Entry* e = sectionIndex_.find(sectionNames_, name, AsciiCaselessHash{}(name));
+    return e ? &sections_[static_cast<size_t>(e - sectionNames_.data())] : nullptr;
 }
 
-const ProfileDocument::Entry* ProfileDocument::findEntry(std::string_view section, std::string_view key) const {
-    const Section* s = findSection(section);
+const ProfileDocument::Entry* ProfileDocument::findEntry(const Section* s, std::string_view key) const {
     if (!s) return nullptr;
-    auto it = s->firstEntry.find(trimProfileSpace(key));
-    return it == s->firstEntry.end() ? nullptr : &s->entries[it->second];
+    key = trimProfileSpace(key);
+    return s->index.find(entries_, key, AsciiCaselessHash{}(key));
+}
+
+std::optional<std::string_view> ProfileDocument::rawValue(const Section* s, std::string_view key) const {
+    const Entry* e = findEntry(s, key);
+    if (!e || !e->hasEquals) return std::nullopt;
+    return e->value;
 }
 
 std::optional<std::string_view> ProfileDocument::rawValue(std::string_view section, std::string_view key) const {
-    const Entry* e = findEntry(section, key);
-    if (!e || !e->hasEquals) return std::nullopt;
-    return std::string_view(e->value);
+    return rawValue(this->section(section), key);
 }
 
 std::string ProfileDocument::getString(std::string_view section, std::string_view key,
@@ -168,29 +209,35 @@ std::string ProfileDocument::getString(std::string_view section, std::string_vie
     return std::string(utf8Prefix(result, bufferSize - 1));
 }
 
-int32_t ProfileDocument::getInt(std::string_view section, std::string_view key, int32_t defaultValue) const {
+int32_t ProfileDocument::getInt(const Section* section, std::string_view key, int32_t defaultValue) const {
     auto raw = rawValue(section, key);
     if (!raw) return defaultValue;
     return parseProfileInt(stripProfileQuotes(*raw)).value_or(defaultValue);
 }
 
+int32_t ProfileDocument::getInt(std::string_view section, std::string_view key, int32_t defaultValue) const {
+    return getInt(this->section(section), key, defaultValue);
+}
+
 std::vector<std::string> ProfileDocument::keys(std::string_view section) const {
     std::vector<std::string> out;
-    if (const Section* s = findSection(section))
-        for (const auto& e : s->entries)
-            if (e.hasEquals && (e.name.empty() || e.name.front() != ';')) out.push_back(e.name);
+    if (const Section* s = this->section(section))
+        for (size_t i = s->firstEntry; i < s->firstEntry + s->entryCount; ++i) {
+            const Entry& e = entries_[i];
+            if (e.hasEquals && (e.name.empty() || e.name.front() != ';')) out.emplace_back(e.name);
+        }
     return out;
 }
 
 std::vector<std::string> ProfileDocument::sections() const {
     std::vector<std::string> out;
     out.reserve(sections_.size());
-    for (const auto& s : sections_) out.push_back(s.name);
+    for (const auto& s : sections_) out.emplace_back(s.name);
     return out;
 }
 
 bool ProfileDocument::hasSection(std::string_view section) const {
-    return findSection(section) != nullptr;
+    return this->section(section) != nullptr;
 }
 
 }  // namespace kestrin

@@ -4,7 +4,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "AsciiCaseless.h"
@@ -13,26 +12,15 @@ namespace kestrin {
 
 // A profile (INI) file as the Windows profile functions read it: CR/LF runs end lines,
 // lines are trimmed, names match case-insensitively, the first of duplicate sections and
-// keys wins. Text is UTF-8 in memory; the file is Windows-1252 unless it starts with a
+// keys wins. It is parsed in one pass over one copy of the text, with no allocation per
+// entry, because hosts and the command-line tool open layouts by the thousand. Text is UTF-8 in memory; the file is Windows-1252 unless it starts with a
 // UTF-16LE byte-order mark.
 class ProfileDocument {
 public:
-    struct Entry {
-        std::string name;
-        std::string value;
-        bool hasEquals = false;
-    };
-    struct Section {
-        std::string name;
-        std::vector<Entry> entries;
-        // Name -> index of its first entry; the views point into entries.
-        std::unordered_map<std::string_view, size_t, AsciiCaselessHash, AsciiCaselessEqual> firstEntry;
-    };
-
     ProfileDocument() = default;
     ProfileDocument(ProfileDocument&&) noexcept = default;
     ProfileDocument& operator=(ProfileDocument&&) noexcept = default;
-    // The name indexes point into the document's own strings, so it is moved, never copied.
+    // Names and values are views into the document's own text, so it is moved, never copied.
     ProfileDocument(const ProfileDocument&) = delete;
     ProfileDocument& operator=(const ProfileDocument&) = delete;
 
@@ -41,15 +29,25 @@ public:
     static std::optional<ProfileDocument> load(const std::filesystem::path& file, std::string* error,
                                                uintmax_t maxBytes = kDefaultMaxBytes);
 
+    // The first section of a name, found once for many lookups; null when there is none.
+    struct Section;
+    const Section* section(std::string_view name) const;
+
     // GetPrivateProfileStringA with a buffer of bufferSize characters.
     std::string getString(std::string_view section, std::string_view key, std::string_view defaultText,
                           size_t bufferSize = 1024) const;
     // GetPrivateProfileIntA.
     int32_t getInt(std::string_view section, std::string_view key, int32_t defaultValue) const;
+    int32_t getInt(const Section* section, std::string_view key, int32_t defaultValue) const;
     // The entry's raw value (quotes kept), or nothing when there is no entry with "=".
     std::optional<std::string_view> rawValue(std::string_view section, std::string_view key) const;
+    std::optional<std::string_view> rawValue(const Section* section, std::string_view key) const;
     // Key names of the first matching section that have "=" and do not start with ";".
     std::vector<std::string> keys(std::string_view section) const;
+    // The same keys, each once (as its first entry with "="), in file order, with the value a
+    // lookup of the key gives: visit(name, rawValue or nothing).
+    template <class Visit>
+    void forEachDistinctKey(const Section* section, Visit&& visit) const;
     // Every section name in file order, duplicates included.
     std::vector<std::string> sections() const;
     bool hasSection(std::string_view section) const;
@@ -58,14 +56,51 @@ public:
 
     static constexpr uintmax_t kDefaultMaxBytes = 64u * 1024u * 1024u;
 
-private:
-    const Section* findSection(std::string_view name) const;
-    const Entry* findEntry(std::string_view section, std::string_view key) const;
+    struct Entry {
+        std::string_view name, value;
+        uint64_t hash = 0;           // of the name, letter case ignored
+        bool hasEquals = false;
+        bool distinctKey = false;    // the first entry of its name among the listed keys
+    };
+    // An open-addressing table of entry numbers by name: the first entry of a name wins.
+    class NameIndex {
+    public:
+        void build(const std::vector<Entry>& entries, size_t first, size_t count, bool markDistinct,
+                   std::vector<Entry>& marked);
+        const Entry* find(const std::vector<Entry>& entries, std::string_view name, uint64_t hash) const;
 
+    private:
+        std::vector<uint32_t> slots_;  // entry number + 1; 0 is free
+        size_t mask_ = 0;
+    };
+    struct Section {
+        std::string_view name;
+        uint64_t hash = 0;
+        size_t firstEntry = 0, entryCount = 0;
+        NameIndex index;
+    };
+
+private:
+    const Entry* findEntry(const Section* section, std::string_view key) const;
+
+    std::vector<char> text_;  // the file's text in UTF-8; a vector keeps its storage when moved
+    std::vector<Entry> entries_;
     std::vector<Section> sections_;
+    std::vector<Entry> sectionNames_;  // one per section, indexed by sectionIndex_
+    NameIndex sectionIndex_;
     size_t longestValue_ = 0;
-    std::unordered_map<std::string_view, size_t, AsciiCaselessHash, AsciiCaselessEqual> firstSection_;
 };
+
+template <class Visit>
+void ProfileDocument::forEachDistinctKey(const Section* section, Visit&& visit) const {
+    if (!section) return;
+    for (size_t i = section->firstEntry; i < section->firstEntry + section->entryCount; ++i) {
+        const Entry& e = entries_[i];
+        if (!e.distinctKey) continue;
+        const Entry* first = section->index.find(entries_, e.name, e.hash);
+        visit(e.name, first && first->hasEquals ? std::optional<std::string_view>(first->value) : std::nullopt);
+    }
+}
 
 // Whitespace as the profile functions trim it: 0x09 to 0x0D, 0x1A and the blank.
 bool isProfileSpace(char c);

@@ -1,4 +1,5 @@
 #pragma once
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -14,5 +15,7 @@ std::string quoteLayoutValue(std::string_view value);
 // 1024 characters, turn every "/@" into a double quote, then drop a leading "@#@#".
 std::string readLayoutString(const ProfileDocument& doc, std::string_view section, std::string_view key,
                              std::string_view defaultText = {});
+// The same rule on a raw value already looked up (nothing: the entry is missing).
+std::string layoutStringOf(std::optional<std::string_view> raw, std::string_view defaultText = {});
 
 }  // namespace kestrin
