@@ -70,6 +70,7 @@ public:
           multiTrack_(doc.section(S::FieldsMultiTrack)) {}
 
     RecordArray run() {
+        records_.reserve(entriesOf(encode_) + entriesOf(bitEncode_) + entriesOf(multiTrack_));
         noteLongValues();
         readCombinedParts();
         readFields();
@@ -101,6 +102,7 @@ private:
         std::string_view section, key, name, kind;
         const ItemRecord* item = nullptr;  // the item as read so far: its name, kind and place
     };
+    static size_t entriesOf(const ProfileDocument::Section* s) { return s ? s->entryCount : 0; }
     static Entry about(std::string_view section, std::string_view key, const ItemRecord& r) {
         return {section, key, {}, {}, &r};
     }

@@ -1,5 +1,6 @@
 #include "LayoutSyntax.h"
 
+#include <algorithm>
 #include <charconv>
 #include <limits>
 
@@ -60,8 +61,12 @@ std::string joinNumbers(std::initializer_list<int64_t> numbers) {
     return out;
 }
 
-std::optional<std::vector<int32_t>> parseNumberList(std::string_view text) {
-    std::vector<int32_t> out;
+namespace {
+
+// Calls add(number) for each comma-separated part; false when a part is not a plain decimal
+// integer (blanks around it allowed, a leading "+" too).
+template <class Add>
+bool forEachNumber(std::string_view text, Add&& add) {
     size_t start = 0;
     for (;;) {
         const size_t comma = text.find(',', start);
@@ -69,11 +74,19 @@ std::optional<std::vector<int32_t>> parseNumberList(std::string_view text) {
         if (!part.empty() && part.front() == '+') part.remove_prefix(1);
         int32_t v = 0;
         auto [ptr, ec] = std::from_chars(part.data(), part.data() + part.size(), v);
-        if (part.empty() || ec != std::errc() || ptr != part.data() + part.size()) return std::nullopt;
-        out.push_back(v);
-        if (comma == std::string_view::npos) return out;
+        if (part.empty() || ec != std::errc() || ptr != part.data() + part.size()) return false;
+        if (!add(v)) return false;
+        if (comma == std::string_view::npos) return true;
         start = comma + 1;
     }
+}
+
+}  // namespace
+
+std::optional<std::vector<int32_t>> parseNumberList(std::string_view text) {
+    std::vector<int32_t> out;
+    if (!forEachNumber(text, [&out](int32_t v) { return out.push_back(v), true; })) return std::nullopt;
+    return out;
 }
 
 bool fitsInt16(int64_t v) {
@@ -81,13 +94,13 @@ bool fitsInt16(int64_t v) {
 }
 
 std::optional<std::vector<int16_t>> parseShortList(std::string_view text, size_t n) {
-    auto list = parseNumberList(text);
-    if (!list || list->size() < n) return std::nullopt;
     std::vector<int16_t> out;
-    for (int32_t v : *list) {
-        if (!fitsInt16(v)) return std::nullopt;
+    out.reserve(std::max<size_t>(n, 6));
+    const bool read = forEachNumber(text, [&out](int32_t v) {
         out.push_back(static_cast<int16_t>(v));
-    }
+        return fitsInt16(v);
+    });
+    if (!read || out.size() < n) return std::nullopt;
     return out;
 }
 

@@ -109,15 +109,17 @@ ProfileDocument ProfileDocument::parse(std::string_view bytes) {
         bytes = converted;
     }
     doc.text_.assign(bytes.begin(), bytes.end());
-    const std::string_view text(doc.text_.data(), doc.text_.size());
+    doc.entries_.reserve(bytes.size() / 24);  // a layout's lines are about this long
 
-    // Lines before the first header belong to no listed section.
-    std::string_view rest = text;
-    while (!rest.empty()) {
-        const size_t end = rest.find_first_of("\r\n");
-        std::string_view line = rest.substr(0, end);
-        rest.remove_prefix(end == std::string_view::npos ? rest.size() : end);
-        while (!rest.empty() && (rest.front() == '\r' || rest.front() == '\n')) rest.remove_prefix(1);
+    // Lines end at any run of CR and LF; lines before the first header belong to no listed section.
+    const char* at = doc.text_.data();
+    const char* const end = at + doc.text_.size();
+    while (at < end) {
+        const char* lineEnd = at;
+        while (lineEnd < end && *lineEnd != '\r' && *lineEnd != '\n') ++lineEnd;
+        std::string_view line(at, static_cast<size_t>(lineEnd - at));
+        at = lineEnd;
+        while (at < end && (*at == '\r' || *at == '\n')) ++at;
 
         line = trimProfileSpace(line);
         if (line.empty()) continue;
