@@ -8,17 +8,6 @@
 
 namespace kestrin {
 
-bool isProfileSpace(char c) {
-    return (c >= 0x09 && c <= 0x0D) || c == 0x1A || c == ' ';
-}
-
-std::string_view trimProfileSpace(std::string_view text) {
-    size_t b = 0, e = text.size();
-    while (b < e && isProfileSpace(text[b])) ++b;
-    while (e > b && isProfileSpace(text[e - 1])) --e;
-    return text.substr(b, e - b);
-}
-
 std::string asciiLower(std::string_view text) {
     std::string out(text);
     for (char& c : out)
@@ -66,19 +55,19 @@ void ProfileDocument::NameIndex::build(const std::vector<Entry>& entries, size_t
                                       bool markDistinct, std::vector<Entry>& marked) {
     size_t capacity = 8;
     while (capacity < count * 2) capacity *= 2;
-    slots_.assign(capacity, 0);
+    slots_.assign(capacity, Slot{});
     mask_ = capacity - 1;
     // Beside each name's first entry: whether a listed key of that name has been seen yet.
     std::vector<bool> keyListed(markDistinct ? capacity : 0);
     for (size_t i = first; i < first + count; ++i) {
         const Entry& e = entries[i];
+        const auto high = static_cast<uint32_t>(e.hash >> 32);
         size_t slot = e.hash & mask_;
-        while (slots_[slot] != 0) {
-            const Entry& other = entries[slots_[slot] - 1];
-            if (other.hash == e.hash && AsciiCaselessEqual{}(other.name, e.name)) break;
+        while (slots_[slot].entry != 0) {
+            if (slots_[slot].hash == high && AsciiCaselessEqual{}(entries[slots_[slot].entry - 1].name, e.name)) break;
             slot = (slot + 1) & mask_;
         }
-        if (slots_[slot] == 0) slots_[slot] = static_cast<uint32_t>(i + 1);
+        if (slots_[slot].entry == 0) slots_[slot] = Slot{static_cast<uint32_t>(i + 1), high};
         const bool listed = e.hasEquals && (e.name.empty() || e.name.front() != ';');
         if (markDistinct && listed && !keyListed[slot]) {
             keyListed[slot] = true;
@@ -90,9 +79,11 @@ void ProfileDocument::NameIndex::build(const std::vector<Entry>& entries, size_t
 const ProfileDocument::Entry* ProfileDocument::NameIndex::find(const std::vector<Entry>& entries,
                                                                std::string_view name, uint64_t hash) const {
     if (slots_.empty()) return nullptr;
-    for (size_t slot = hash & mask_; slots_[slot] != 0; slot = (slot + 1) & mask_) {
-        const Entry& e = entries[slots_[slot] - 1];
-        if (e.hash == hash && AsciiCaselessEqual{}(e.name, name)) return &e;
+    const auto high = static_cast<uint32_t>(hash >> 32);
+    for (size_t slot = hash & mask_; slots_[slot].entry != 0; slot = (slot + 1) & mask_) {
+        if (slots_[slot].hash != high) continue;
+        const Entry& e = entries[slots_[slot].entry - 1];
+        if (AsciiCaselessEqual{}(e.name, name)) return &e;
     }
     return nullptr;
 }

@@ -70,7 +70,11 @@ public:
         const Entry* find(const std::vector<Entry>& entries, std::string_view name, uint64_t hash) const;
 
     private:
-        std::vector<uint32_t> slots_;  // entry number + 1; 0 is free
+        struct Slot {
+            uint32_t entry = 0;  // entry number + 1; 0 is free
+            uint32_t hash = 0;   // the high half of the name's hash, to pass other names without reading them
+        };
+        std::vector<Slot> slots_;
         size_t mask_ = 0;
     };
     struct Section {
@@ -103,8 +107,15 @@ void ProfileDocument::forEachDistinctKey(const Section* section, Visit&& visit) 
 }
 
 // Whitespace as the profile functions trim it: 0x09 to 0x0D, 0x1A and the blank.
-bool isProfileSpace(char c);
-std::string_view trimProfileSpace(std::string_view text);
+inline bool isProfileSpace(char c) {
+    return (c >= 0x09 && c <= 0x0D) || c == 0x1A || c == ' ';
+}
+inline std::string_view trimProfileSpace(std::string_view text) {
+    size_t b = 0, e = text.size();
+    while (b < e && isProfileSpace(text[b])) ++b;
+    while (e > b && isProfileSpace(text[e - 1])) --e;
+    return text.substr(b, e - b);
+}
 std::string asciiLower(std::string_view text);
 // Parses a value as GetPrivateProfileIntA does (first 29 characters, signs, 0x/0o/0b prefixes,
 // unsigned 32-bit wraparound); nothing for an empty value.
