@@ -1,7 +1,6 @@
 #include "LayoutRenderer.h"
 
 #include <unordered_map>
-#include <unordered_set>
 
 #include "LayoutSyntax.h"
 #include "ProfileDocument.h"
@@ -19,21 +18,19 @@ namespace S = layout_sections;
 
 namespace {
 
-// Field keys "Name(n)": n is the smallest number not yet written in this save.
+// Field keys "Name(n)", numbered per name (letter case ignored) from 1 in the order written.
+// Two names give two different keys, since a key's last "(" follows its name.
 class FieldKeys {
 public:
     std::string next(const std::string& name) {
-        auto it = nextNumber_.find(name);
-        if (it == nextNumber_.end()) it = nextNumber_.emplace(name, 0).first;
-        int32_t& n = it->second;  // numbers up to n are taken already
-        for (++n;; ++n) {
-            std::string key = name + "(" + std::to_string(n) + ")";
-            if (written_.insert(key).second) return key;
-        }
+        const int32_t n = ++nextNumber_.try_emplace(name, 0).first->second;
+        std::string key;
+        key.reserve(name.size() + 8);
+        key.append(name).append("(").append(std::to_string(n)).append(")");
+        return key;
     }
 
 private:
-    std::unordered_set<std::string, AsciiCaselessHash, AsciiCaselessEqual> written_;
     std::unordered_map<std::string, int32_t, AsciiCaselessHash, AsciiCaselessEqual> nextNumber_;
 };
 

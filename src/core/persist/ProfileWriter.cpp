@@ -2,6 +2,7 @@
 
 #include <charconv>
 
+#include "AsciiCaseless.h"
 #include "Cp1252.h"
 #include "ProfileDocument.h"
 
@@ -14,25 +15,75 @@ std::string profileSafeValue(std::string_view value) {
     return out;
 }
 
+size_t ProfileWriter::Index::findOrAdd(const ProfileWriter& w, std::vector<Name>& names, std::string_view name,
+                                       uint64_t hash, bool& added) {
+    if (names.size() * 2 >= slots_.size()) grow(names);
+    const size_t mask = slots_.size() - 1;
+    size_t slot = hash & mask;
+    for (; slots_[slot] != 0; slot = (slot + 1) & mask) {
+        const Name& n = names[slots_[slot] - 1];
+        if (n.hash == hash && AsciiCaselessEqual{}(w.view(n.text), name)) {
+            added = false;
+            return slots_[slot] - 1;
+        }
+    }
+    added = true;
+    slots_[slot] = static_cast<uint32_t>(names.size() + 1);
+    return names.size();
+}
+
+void ProfileWriter::Index::grow(const std::vector<Name>& names) {
+    const size_t capacity = slots_.empty() ? 16 : slots_.size() * 2;
+    slots_.assign(capacity, 0);
+    for (size_t i = 0; i < names.size(); ++i) {
+        size_t slot = names[i].hash & (capacity - 1);
+        while (slots_[slot] != 0) slot = (slot + 1) & (capacity - 1);
+        slots_[slot] = static_cast<uint32_t>(i + 1);
+    }
+}
+
+ProfileWriter::Text ProfileWriter::keep(std::string_view piece) {
+    const Text t{static_cast<uint32_t>(text_.size()), static_cast<uint32_t>(piece.size())};
+    text_.append(piece);
+    if (ascii_) ascii_ = isAscii(piece);
+    return t;
+}
+
+ProfileWriter::Text ProfileWriter::keepValue(std::string_view value) {
+    const Text t = keep(trimProfileSpace(value));
+    for (size_t i = t.at; i < t.at + t.size; ++i)
+        if (text_[i] == '\r' || text_[i] == '\n') text_[i] = ' ';
+    return t;
+}
+
+ProfileWriter::Section& ProfileWriter::sectionNamed(std::string_view name) {
+    // Writes come in runs to one section: try the last one first.
+    if (!sections_.empty() && AsciiCaselessEqual{}(view(sections_[lastSection_].name.text), name))
+        return sections_[lastSection_];
+    const uint64_t hash = AsciiCaselessHash{}(name);
+    bool added = false;
+    const size_t i = sectionIndex_.findOrAdd(*this, sectionNames_, name, hash, added);
+    if (added) {
+        sectionNames_.push_back(Name{keep(name), hash, {}});
+        sections_.push_back(Section{sectionNames_.back(), {}, {}});
+    }
+    lastSection_ = i;
+    return sections_[i];
+}
+
 void ProfileWriter::write(std::string_view section, std::string_view key, std::string_view value) {
     const std::string_view sectionName = trimProfileSpace(section);
     const std::string_view keyName = trimProfileSpace(key);
     if (sectionName.empty() || keyName.empty()) return;  // never write nameless sections or keys
 
-    auto sit = index_.find(sectionName);
-    if (sit == index_.end()) {
-        sections_.push_back(Section{std::string(sectionName), {}, {}});
-        sit = index_.emplace(std::string(sectionName), sections_.size() - 1).first;
-    }
-    Section& s = sections_[sit->second];
-
-    auto kit = s.index.find(keyName);
-    if (kit == s.index.end()) {
-        s.entries.emplace_back(std::string(keyName), profileSafeValue(value));
-        s.index.emplace(std::string(keyName), s.entries.size() - 1);
-    } else {
-        s.entries[kit->second].second = profileSafeValue(value);
-    }
+    Section& s = sectionNamed(sectionName);
+    const uint64_t hash = AsciiCaselessHash{}(keyName);
+    bool added = false;
+    const size_t i = s.index.findOrAdd(*this, s.keys, keyName, hash, added);
+    if (added)
+        s.keys.push_back(Name{keep(keyName), hash, keepValue(value)});
+    else
+        s.keys[i].value = keepValue(value);
 }
 
 void ProfileWriter::writeInt(std::string_view section, std::string_view key, int64_t value) {
@@ -44,25 +95,26 @@ void ProfileWriter::writeInt(std::string_view section, std::string_view key, int
 std::string ProfileWriter::bytes() const {
     size_t size = 0;
     for (const auto& s : sections_) {
-        size += s.name.size() + 4;
-        for (const auto& [k, v] : s.entries) size += k.size() + v.size() + 3;
+        size += s.name.text.size + 4;
+        for (const Name& k : s.keys) size += k.text.size + k.value.size + 3;
     }
     std::string out;
     out.reserve(size);
-    auto append = [&out](const std::string& text) {
-        if (isAscii(text))
-            out += text;
+    auto append = [this, &out](Text t) {
+        const std::string_view piece = view(t);
+        if (ascii_ || isAscii(piece))
+            out += piece;
         else
-            out += utf8ToCp1252(text);
+            out += utf8ToCp1252(piece);
     };
     for (const auto& s : sections_) {
         out += '[';
-        append(s.name);
+        append(s.name.text);
         out += "]\r\n";
-        for (const auto& [k, v] : s.entries) {
-            append(k);
+        for (const Name& k : s.keys) {
+            append(k.text);
             out += '=';
-            append(v);
+            append(k.value);
             out += "\r\n";
         }
     }

@@ -2,10 +2,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
-
-#include "AsciiCaseless.h"
 
 namespace kestrin {
 
@@ -13,6 +10,9 @@ namespace kestrin {
 // WritePrivateProfileStringA calls leaves in a new file: sections in the order first
 // written, keys in the order first written, a repeated key replaced in place, every
 // line "key=value" CRLF. Text is UTF-8 in memory and Windows-1252 in bytes().
+// Names and values are kept in one growing text with open-addressing indexes over them,
+// so a write costs no allocation of its own: a layout of thousands of items is built in
+// about the time its lines take to copy.
 class ProfileWriter {
 public:
     void write(std::string_view section, std::string_view key, std::string_view value);
@@ -21,14 +21,42 @@ public:
     bool empty() const { return sections_.empty(); }
 
 private:
-    using NameIndex = std::unordered_map<std::string, size_t, AsciiCaselessHash, AsciiCaselessEqual>;
-    struct Section {
-        std::string name;
-        std::vector<std::pair<std::string, std::string>> entries;
-        NameIndex index;
+    struct Text {
+        uint32_t at = 0, size = 0;  // a piece of text_
     };
+    struct Name {
+        Text text;
+        uint64_t hash = 0;
+        Text value;  // for a key; unused for a section
+    };
+    // Numbers of names by hash; the names themselves live in a vector beside it.
+    class Index {
+    public:
+        // The number of the name that equals (letter case ignored), or the number given to it now.
+        size_t findOrAdd(const ProfileWriter& w, std::vector<Name>& names, std::string_view name, uint64_t hash,
+                         bool& added);
+
+    private:
+        void grow(const std::vector<Name>& names);
+        std::vector<uint32_t> slots_;  // name number + 1; 0 is free
+    };
+    struct Section {
+        Name name;
+        std::vector<Name> keys;
+        Index index;
+    };
+
+    std::string_view view(Text t) const { return std::string_view(text_).substr(t.at, t.size); }
+    Text keep(std::string_view piece);
+    Text keepValue(std::string_view value);
+    Section& sectionNamed(std::string_view name);
+
+    std::string text_;
+    bool ascii_ = true;  // no byte of text_ above 0x7F: bytes() needs no conversion
     std::vector<Section> sections_;
-    NameIndex index_;
+    std::vector<Name> sectionNames_;
+    Index sectionIndex_;
+    size_t lastSection_ = 0;  // the section written last
 };
 
 // A value as the profile functions keep it: line breaks become blanks, and leading and
