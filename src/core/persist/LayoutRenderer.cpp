@@ -40,6 +40,7 @@ public:
         : card_(card), records_(records), fields_(fields) {}
 
     RenderedLayout run() {
+        w_.reserve(static_cast<size_t>(records_.size()) * 48);  // an item's keys and values take about this much
         writeCardDesign();
         if (!records_.empty()) {
             for (const ItemRecord& r : records_)

@@ -53,11 +53,19 @@ std::optional<ParsedFunction> parseFunctionValue(std::string_view value) {
 }
 
 std::string joinNumbers(std::initializer_list<int64_t> numbers) {
+    char buf[24 * 8];
+    char* at = buf;
+    char* const end = buf + sizeof buf;
     std::string out;
     for (int64_t n : numbers) {
-        if (!out.empty()) out += ',';
-        out += std::to_string(n);
+        if (end - at < 22) {  // more numbers than the buffer holds: flush it
+            out.append(buf, at);
+            at = buf;
+        }
+        if (at != buf || !out.empty()) *at++ = ',';
+        at = std::to_chars(at, end, n).ptr;
     }
+    out.append(buf, at);
     return out;
 }
 

@@ -1,6 +1,7 @@
 #include "ProfileWriter.h"
 
 #include <charconv>
+#include <iterator>
 
 #include "AsciiCaseless.h"
 #include "Cp1252.h"
@@ -57,9 +58,9 @@ ProfileWriter::Text ProfileWriter::keepValue(std::string_view value) {
 }
 
 ProfileWriter::Section& ProfileWriter::sectionNamed(std::string_view name) {
-    // Writes come in runs to one section: try the last one first.
-    if (!sections_.empty() && AsciiCaselessEqual{}(view(sections_[lastSection_].name.text), name))
-        return sections_[lastSection_];
+    for (const Recent& r : recent_)
+        if (r.at == name.data() && r.size == name.size() && AsciiCaselessEqual{}(view(sections_[r.section].name.text), name))
+            return sections_[r.section];
     const uint64_t hash = AsciiCaselessHash{}(name);
     bool added = false;
     const size_t i = sectionIndex_.findOrAdd(*this, sectionNames_, name, hash, added);
@@ -67,7 +68,7 @@ ProfileWriter::Section& ProfileWriter::sectionNamed(std::string_view name) {
         sectionNames_.push_back(Name{keep(name), hash, {}});
         sections_.push_back(Section{sectionNames_.back(), {}, {}});
     }
-    lastSection_ = i;
+    recent_[nextRecent_++ % std::size(recent_)] = Recent{name.data(), name.size(), i};
     return sections_[i];
 }
 

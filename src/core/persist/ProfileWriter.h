@@ -17,6 +17,8 @@ class ProfileWriter {
 public:
     void write(std::string_view section, std::string_view key, std::string_view value);
     void writeInt(std::string_view section, std::string_view key, int64_t value);
+    // Room for about this many bytes of names and values, to grow the text once.
+    void reserve(size_t bytes) { text_.reserve(bytes); }
     std::string bytes() const;
     bool empty() const { return sections_.empty(); }
 
@@ -56,7 +58,14 @@ private:
     std::vector<Section> sections_;
     std::vector<Name> sectionNames_;
     Index sectionIndex_;
-    size_t lastSection_ = 0;  // the section written last
+    // The sections written last, by where the caller keeps their names: writes come in runs
+    // over a few sections, and a hit is confirmed by comparing the names.
+    struct Recent {
+        const char* at = nullptr;
+        size_t size = 0, section = 0;
+    };
+    Recent recent_[8];
+    size_t nextRecent_ = 0;
 };
 
 // A value as the profile functions keep it: line breaks become blanks, and leading and
