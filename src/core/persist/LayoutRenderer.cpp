@@ -1,5 +1,7 @@
 #include "LayoutRenderer.h"
 
+#include <charconv>
+
 #include <unordered_map>
 
 #include "LayoutSyntax.h"
@@ -41,6 +43,7 @@ public:
 
     RenderedLayout run() {
         w_.reserve(static_cast<size_t>(records_.size()) * 48);  // an item's keys and values take about this much
+        findDistinctKeys();
         writeCardDesign();
         if (!records_.empty()) {
             for (const ItemRecord& r : records_)
@@ -53,16 +56,36 @@ public:
     }
 
 private:
-    void string(std::string_view section, const std::string& key, std::string_view value) {
-        if (!value.empty() && value.front() == '"')
-            w_.write(section, key, quoteLayoutValue(value));
+    // fresh: the key is known to be new in the section, so the writer need not look for it.
+    void string(std::string_view section, const std::string& key, std::string_view value, bool fresh = false) {
+        const std::string quoted = !value.empty() && value.front() == '"' ? quoteLayoutValue(value) : std::string();
+        if (!quoted.empty()) value = quoted;
+        if (fresh)
+            w_.writeNew(section, key, value);
         else
             w_.write(section, key, value);
     }
     // Colours and modes are remembered: a bit checksum with an unclear mode repeats the last one.
-    void integer(std::string_view section, const std::string& key, int64_t value, bool remember = false) {
-        w_.writeInt(section, key, value);
+    void integer(std::string_view section, const std::string& key, int64_t value, bool remember = false,
+                 bool fresh = false) {
+        char buf[24];
+        string(section, key, std::string_view(buf, static_cast<size_t>(std::to_chars(buf, buf + sizeof buf, value).ptr - buf)),
+               fresh);
         if (remember) lastInt_ = value;
+    }
+
+    // Keys of one field-key numbering are distinct, as the writer compares them, unless a name
+    // starts with a blank (the writer trims keys). FIELDTYPE takes the keys of both numberings,
+    // which meet when a name is used by byte-wise and bit-wise items alike.
+    void findDistinctKeys() {
+        bool byteKeys = false, bitKeys = false;
+        for (const ItemRecord& r : records_) {
+            if (r.isDbUpdate || r.isFunction || r.isBitFunction) continue;
+            (r.isBit ? bitKeys : byteKeys) = true;
+            for (const std::string& part : isCombinedField(r) ? splitCombinedName(r.name) : std::vector{r.name})
+                if (!part.empty() && isProfileSpace(part.front())) distinctKeys_ = false;
+        }
+        distinctFieldTypes_ = distinctKeys_ && !(byteKeys && bitKeys);
     }
 
     void writeCardDesign() {
@@ -112,9 +135,9 @@ private:
     void writeField(const ItemRecord& r) {
         const std::string key = byteKeys_.next(r.name);
         useKey(key);
-        string(S::Encode, key, joinNumbers({r.page, r.block, r.beginByte, r.numBytes, r.encodingCode}));
-        integer(S::ItemColor, key, r.color, true);
-        integer(S::FieldType, key, r.fieldType);
+        string(S::Encode, key, joinNumbers({r.page, r.block, r.beginByte, r.numBytes, r.encodingCode}), distinctKeys_);
+        integer(S::ItemColor, key, r.color, true, distinctKeys_);
+        integer(S::FieldType, key, r.fieldType, false, distinctFieldTypes_);
         if (r.isBinary) writeBigItem(key, r);
     }
 
@@ -122,10 +145,11 @@ private:
     // multi-track dialog offers one) its FieldsMultiTrack entry, as ENCODE has no room for
     // the bit.
     void writeBigItem(const std::string& key, const ItemRecord& r) {
-        string(S::BigItem, key, "1," + std::to_string(r.bigItemNumber));
+        string(S::BigItem, key, "1," + std::to_string(r.bigItemNumber), distinctKeys_);
         out_.bigItemNumbers.push_back(r.bigItemNumber);
         if (r.beginBit != 0)
-            string(S::FieldsMultiTrack, key, joinNumbers({r.page, r.block, r.beginByte, r.beginBit, r.numBytes}));
+            string(S::FieldsMultiTrack, key, joinNumbers({r.page, r.block, r.beginByte, r.beginBit, r.numBytes}),
+                   distinctKeys_);
     }
 
     // A combined field: every part gets its own key with a COMBINEDFIELDS entry
@@ -151,9 +175,10 @@ private:
     void writeBitField(const ItemRecord& r) {
         const std::string key = bitKeys_.next(r.name);
         useKey(key);
-        string(S::BitEncode, key, joinNumbers({r.page, r.block, r.beginByte, r.beginBit, r.numBits, r.encodingCode}));
-        integer(S::BitItemColor, key, r.color, true);
-        integer(S::FieldType, key, r.fieldType);
+        string(S::BitEncode, key, joinNumbers({r.page, r.block, r.beginByte, r.beginBit, r.numBits, r.encodingCode}),
+               distinctKeys_);
+        integer(S::BitItemColor, key, r.color, true, distinctKeys_);
+        integer(S::FieldType, key, r.fieldType, false, distinctFieldTypes_);
     }
 
     void writeDatabaseUpdate(const ItemRecord& r) {
@@ -211,6 +236,8 @@ private:
     int combined_ = 0;
     int dbUpdate_ = 0;
     int64_t lastInt_ = 0;
+    bool distinctKeys_ = true;
+    bool distinctFieldTypes_ = true;
 };
 
 }  // namespace

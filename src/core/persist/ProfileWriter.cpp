@@ -18,7 +18,7 @@ std::string profileSafeValue(std::string_view value) {
 
 size_t ProfileWriter::Index::findOrAdd(const ProfileWriter& w, std::vector<Name>& names, std::string_view name,
                                        uint64_t hash, bool& added) {
-    if (names.size() * 2 >= slots_.size()) grow(names);
+    if ((size_ + 1) * 2 > slots_.size()) grow(names);
     const size_t mask = slots_.size() - 1;
     size_t slot = hash & mask;
     for (; slots_[slot] != 0; slot = (slot + 1) & mask) {
@@ -30,17 +30,29 @@ size_t ProfileWriter::Index::findOrAdd(const ProfileWriter& w, std::vector<Name>
     }
     added = true;
     slots_[slot] = static_cast<uint32_t>(names.size() + 1);
+    ++size_;
     return names.size();
 }
 
-void ProfileWriter::Index::grow(const std::vector<Name>& names) {
-    const size_t capacity = slots_.empty() ? 16 : slots_.size() * 2;
-    slots_.assign(capacity, 0);
-    for (size_t i = 0; i < names.size(); ++i) {
-        size_t slot = names[i].hash & (capacity - 1);
-        while (slots_[slot] != 0) slot = (slot + 1) & (capacity - 1);
-        slots_[slot] = static_cast<uint32_t>(i + 1);
+void ProfileWriter::Index::addDistinct(const ProfileWriter& w, std::vector<Name>& names, size_t first) {
+    for (size_t i = first; i < names.size(); ++i) {
+        names[i].hash = AsciiCaselessHash{}(w.view(names[i].text));
+        if ((size_ + 1) * 2 > slots_.size()) grow(names);
+        insert(names, i);
+        ++size_;
     }
+}
+
+void ProfileWriter::Index::insert(const std::vector<Name>& names, size_t number) {
+    const size_t mask = slots_.size() - 1;
+    size_t slot = names[number].hash & mask;
+    while (slots_[slot] != 0) slot = (slot + 1) & mask;
+    slots_[slot] = static_cast<uint32_t>(number + 1);
+}
+
+void ProfileWriter::Index::grow(const std::vector<Name>& names) {
+    slots_.assign(slots_.empty() ? 16 : slots_.size() * 2, 0);
+    for (size_t i = 0; i < size_; ++i) insert(names, i);
 }
 
 ProfileWriter::Text ProfileWriter::keep(std::string_view piece) {
@@ -78,13 +90,27 @@ void ProfileWriter::write(std::string_view section, std::string_view key, std::s
     if (sectionName.empty() || keyName.empty()) return;  // never write nameless sections or keys
 
     Section& s = sectionNamed(sectionName);
+    if (s.indexed < s.keys.size()) {  // keys written as new are searched from now on
+        s.index.addDistinct(*this, s.keys, s.indexed);
+        s.indexed = s.keys.size();
+    }
     const uint64_t hash = AsciiCaselessHash{}(keyName);
     bool added = false;
     const size_t i = s.index.findOrAdd(*this, s.keys, keyName, hash, added);
-    if (added)
+    if (added) {
         s.keys.push_back(Name{keep(keyName), hash, keepValue(value)});
-    else
+        s.indexed = s.keys.size();
+    } else {
         s.keys[i].value = keepValue(value);
+    }
+}
+
+void ProfileWriter::writeNew(std::string_view section, std::string_view key, std::string_view value) {
+    const std::string_view sectionName = trimProfileSpace(section);
+    if (sectionName.empty() || key.empty() || trimProfileSpace(key).size() != key.size())
+        return write(section, key, value);
+    Section& s = sectionNamed(sectionName);
+    s.keys.push_back(Name{keep(key), 0, keepValue(value)});
 }
 
 void ProfileWriter::writeInt(std::string_view section, std::string_view key, int64_t value) {

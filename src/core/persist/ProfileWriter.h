@@ -17,6 +17,9 @@ class ProfileWriter {
 public:
     void write(std::string_view section, std::string_view key, std::string_view value);
     void writeInt(std::string_view section, std::string_view key, int64_t value);
+    // A write of a key that no earlier write to the section used, as the caller knows: it
+    // skips the search for an entry to replace. The key must be trimmed and not empty.
+    void writeNew(std::string_view section, std::string_view key, std::string_view value);
     // Room for about this many bytes of names and values, to grow the text once.
     void reserve(size_t bytes) { text_.reserve(bytes); }
     std::string bytes() const;
@@ -37,15 +40,20 @@ private:
         // The number of the name that equals (letter case ignored), or the number given to it now.
         size_t findOrAdd(const ProfileWriter& w, std::vector<Name>& names, std::string_view name, uint64_t hash,
                          bool& added);
+        // Takes in the names from first on, known to be distinct from each other and the rest.
+        void addDistinct(const ProfileWriter& w, std::vector<Name>& names, size_t first);
 
     private:
         void grow(const std::vector<Name>& names);
+        void insert(const std::vector<Name>& names, size_t number);
         std::vector<uint32_t> slots_;  // name number + 1; 0 is free
+        size_t size_ = 0;              // names in slots_
     };
     struct Section {
         Name name;
         std::vector<Name> keys;
         Index index;
+        size_t indexed = 0;  // keys written before this many are in the index
     };
 
     std::string_view view(Text t) const { return std::string_view(text_).substr(t.at, t.size); }
