@@ -2,7 +2,6 @@
 
 #include <charconv>
 
-#include <unordered_map>
 
 #include "LayoutSyntax.h"
 #include "ProfileDocument.h"
@@ -21,19 +20,51 @@ namespace S = layout_sections;
 namespace {
 
 // Field keys "Name(n)", numbered per name (letter case ignored) from 1 in the order written.
-// Two names give two different keys, since a key's last "(" follows its name.
+// Two names give two different keys, since a key's last "(" follows its name. The names
+// are kept in one text with an open-addressing index: thousands of items, one name each.
 class FieldKeys {
 public:
-    std::string next(const std::string& name) {
-        const int32_t n = ++nextNumber_.try_emplace(name, 0).first->second;
+    std::string next(std::string_view name) {
+        if ((names_.size() + 1) * 2 > slots_.size()) grow();
+        const uint64_t hash = AsciiCaselessHash{}(name);
+        const size_t mask = slots_.size() - 1;
+        size_t slot = hash & mask;
+        while (slots_[slot] != 0 && !sameName(names_[slots_[slot] - 1], hash, name)) slot = (slot + 1) & mask;
+        if (slots_[slot] == 0) {
+            names_.push_back(Name{text_.size(), name.size(), hash, 0});
+            text_.append(name);
+            slots_[slot] = static_cast<uint32_t>(names_.size());
+        }
+        const int32_t n = ++names_[slots_[slot] - 1].count;
+        char number[16];
+        char* end = std::to_chars(number, number + sizeof number, n).ptr;
         std::string key;
-        key.reserve(name.size() + 8);
-        key.append(name).append("(").append(std::to_string(n)).append(")");
+        key.reserve(name.size() + 2 + static_cast<size_t>(end - number));
+        key.append(name).append(1, '(').append(number, static_cast<size_t>(end - number)).append(1, ')');
         return key;
     }
 
 private:
-    std::unordered_map<std::string, int32_t, AsciiCaselessHash, AsciiCaselessEqual> nextNumber_;
+    struct Name {
+        size_t at, size;
+        uint64_t hash;
+        int32_t count;
+    };
+    bool sameName(const Name& n, uint64_t hash, std::string_view name) const {
+        return n.hash == hash && AsciiCaselessEqual{}(std::string_view(text_).substr(n.at, n.size), name);
+    }
+    void grow() {
+        slots_.assign(slots_.empty() ? 64 : slots_.size() * 2, 0);
+        const size_t mask = slots_.size() - 1;
+        for (size_t i = 0; i < names_.size(); ++i) {
+            size_t slot = names_[i].hash & mask;
+            while (slots_[slot] != 0) slot = (slot + 1) & mask;
+            slots_[slot] = static_cast<uint32_t>(i + 1);
+        }
+    }
+    std::string text_;
+    std::vector<Name> names_;
+    std::vector<uint32_t> slots_;  // name number + 1; 0 is free
 };
 
 class Renderer {

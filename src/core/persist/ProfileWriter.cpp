@@ -63,15 +63,22 @@ ProfileWriter::Text ProfileWriter::keep(std::string_view piece) {
 }
 
 ProfileWriter::Text ProfileWriter::keepValue(std::string_view value) {
-    const Text t = keep(trimProfileSpace(value));
-    for (size_t i = t.at; i < t.at + t.size; ++i)
-        if (text_[i] == '\r' || text_[i] == '\n') text_[i] = ' ';
+    value = trimProfileSpace(value);
+    const Text t{static_cast<uint32_t>(text_.size()), static_cast<uint32_t>(value.size())};
+    text_.append(value);
+    unsigned char high = 0;
+    for (size_t i = t.at; i < t.at + t.size; ++i) {
+        char& c = text_[i];
+        high |= static_cast<unsigned char>(c);
+        if (c == '\r' || c == '\n') c = ' ';
+    }
+    if (high & 0x80) ascii_ = false;
     return t;
 }
 
 ProfileWriter::Section& ProfileWriter::sectionNamed(std::string_view name) {
     for (const Recent& r : recent_)
-        if (r.at == name.data() && r.size == name.size() && AsciiCaselessEqual{}(view(sections_[r.section].name.text), name))
+        if (r.at == name.data() && r.size == name.size() && view(sections_[r.section].name.text) == name)
             return sections_[r.section];
     const uint64_t hash = AsciiCaselessHash{}(name);
     bool added = false;
