@@ -113,18 +113,23 @@ def line_mutants(path: str, no: int, line: str):
             yield Mutant(path, no, line, r.group(1) + replacement + ";\n", "return")
 
 
+def linux_sources():
+    """The sources this platform's build compiles (the Windows-only files are left out)."""
+    return [f for folder in SOURCES for f in sorted((ROOT / folder).rglob("*.cpp"))
+            if not f.name.endswith("Windows.cpp")]
+
+
 def all_mutants():
     found = []
-    for folder in SOURCES:
-        for file in sorted((ROOT / folder).rglob("*.cpp")):
-            rel = file.relative_to(ROOT).as_posix()
-            seen = {}
-            for no, line in enumerate(file.read_text(encoding="utf-8").splitlines(keepends=True), 1):
-                for m in line_mutants(rel, no, line if line.endswith("\n") else line + "\n"):
-                    base = f"{rel}\0{m.original.strip()}\0{m.kind}\0{m.mutated.strip()}"
-                    seen[base] = seen.get(base, 0) + 1
-                    m.ident = f"{base}\0{seen[base]}"
-                    found.append(m)
+    for file in linux_sources():
+        rel = file.relative_to(ROOT).as_posix()
+        seen = {}
+        for no, line in enumerate(file.read_text(encoding="utf-8").splitlines(keepends=True), 1):
+            for m in line_mutants(rel, no, line if line.endswith("\n") else line + "\n"):
+                base = f"{rel}\0{m.original.strip()}\0{m.kind}\0{m.mutated.strip()}"
+                seen[base] = seen.get(base, 0) + 1
+                m.ident = f"{base}\0{seen[base]}"
+                found.append(m)
     return found
 
 
