@@ -34,8 +34,5 @@ std::string_view chipTypeName(IClassType type) {
     return {};
 }
 
-bool isKnownChipType(int32_t value) {
-    return value >= iSmallOnePage && value <= iBigEightPages;
-}
 
 }  // namespace kestrin

@@ -40,6 +40,5 @@ int32_t pageCountOf(IClassType type);
 std::string_view sizeTextOf(IClassType type);
 // Display name of a chip type ("iSmallOnePage" ...); empty for an unknown value.
 std::string_view chipTypeName(IClassType type);
-bool isKnownChipType(int32_t value);
 
 }  // namespace kestrin

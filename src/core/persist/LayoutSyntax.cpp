@@ -129,7 +129,7 @@ std::pair<std::string, int32_t> splitFieldKey(std::string_view key) {
 std::optional<int32_t> numberedKey(std::string_view key, std::string_view suffix) {
     if (key.size() <= suffix.size()) return std::nullopt;
     const std::string_view tail = key.substr(key.size() - suffix.size());
-    if (asciiLower(tail) != asciiLower(suffix)) return std::nullopt;
+    if (!AsciiCaselessEqual{}(tail, suffix)) return std::nullopt;
     const std::string_view digits = key.substr(0, key.size() - suffix.size());
     int32_t n = 0;
     auto [ptr, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), n);

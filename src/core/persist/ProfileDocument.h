@@ -116,7 +116,6 @@ inline std::string_view trimProfileSpace(std::string_view text) {
     while (e > b && isProfileSpace(text[e - 1])) --e;
     return text.substr(b, e - b);
 }
-std::string asciiLower(std::string_view text);
 // Parses a value as GetPrivateProfileIntA does (first 29 characters, signs, 0x/0o/0b prefixes,
 // unsigned 32-bit wraparound); nothing for an empty value.
 std::optional<int32_t> parseProfileInt(std::string_view value);

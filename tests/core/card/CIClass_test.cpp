@@ -121,11 +121,21 @@ TEST(CIClass, SetBoundariesOnOnePageCardRaisesSubscriptErrorAndKeepsZero) {
     }
 }
 
-TEST(CIClass, SetBoundariesRejectsTextThatIsNoNumberWithoutChangingPages) {
-    CIClass card;
-    card.setChipSize(iBigEightPages);
-    EXPECT_THROW(card.SetBoundaries("10|11|x|13|14|15|16|17"), KestrinError);
-    EXPECT_EQ(card.GetBoundary(0), 18);
+// A part that is no number raises a type mismatch (13), one beyond 32 bits an overflow (6);
+// either way no page changes.
+TEST(CIClass, SetBoundariesRejectsWhatIsNoBoundaryWithoutChangingPages) {
+    for (const auto& [text, error] : {std::pair{"10|11|x|13|14|15|16|17", 13}, {"-3000000000|1|2|3|4|5|6|7", 6},
+                                      {"1|2|3|4|5|6|7|3000000000", 6}}) {
+        CIClass card;
+        card.setChipSize(iBigEightPages);
+        try {
+            card.SetBoundaries(text);
+            ADD_FAILURE() << text;
+        } catch (const KestrinError& e) {
+            EXPECT_EQ(e.number(), error) << text;
+        }
+        EXPECT_EQ(card.GetBoundary(0), 18);
+    }
 }
 
 TEST(CIClass, GetBoundaryLimits) {

@@ -33,6 +33,7 @@ TEST(InputLimits, ItemsBeyondTheLimitAreLeftOutAndTold) {
         const LayoutReadResult result = readLayoutBytes(layoutWithFields(c.items), card, records, prompter);
         ASSERT_TRUE(result.opened);
         EXPECT_EQ(records.size(), c.kept);
+        EXPECT_EQ(result.dropped.size(), static_cast<size_t>(c.items - c.kept));  // a check lists each
         ASSERT_EQ(prompter.messages.size(), c.told ? 1u : 0u) << c.items;
         if (c.told) {
             EXPECT_NE(prompter.messages[0].text.find("more than 32767 items; 33 were left out"), std::string::npos);

@@ -438,10 +438,15 @@ private:
 
 // The name under which a record's field type is kept (FIELDTYPE "Name(n)"), and whether that
 // key is counted among the bit fields; nothing for records without a field type entry.
+std::string lowerCase(std::string text) {
+    for (char& c : text) c = asciiFold(c);
+    return text;
+}
+
 std::optional<std::pair<std::string, bool>> fieldTypeKeyName(const ItemRecord& r) {
     if (r.isDbUpdate || r.isFunction || r.isBitFunction || r.isSimpleBitFunction) return std::nullopt;
-    if (r.isBit) return std::make_pair(asciiLower(r.name), true);
-    return std::make_pair(asciiLower(r.name.substr(0, r.name.find(kCombinedFieldSeparator))), false);
+    if (r.isBit) return std::make_pair(lowerCase(r.name), true);
+    return std::make_pair(lowerCase(r.name.substr(0, r.name.find(kCombinedFieldSeparator))), false);
 }
 
 // Byte-wise fields and bit fields number their keys separately but share the FIELDTYPE

@@ -132,6 +132,7 @@ INSTANTIATE_TEST_SUITE_P(
         RuleCase{"BitParity2", iSmallOnePage, functionAt("Checksum", kModeBitFunction, kChecksumParity, 2),
                  kTextNotExactly, EditorBox::NrBytes},
         RuleCase{"BitCrcOk", iSmallOnePage, kBitCrc, 0},
+        RuleCase{"BitCrcStartZero", iSmallOnePage, with(kBitCrc, [](auto& q) { q.startValueText = "0"; }), 0},
         RuleCase{"BitCrc9Bits", iSmallOnePage, with(kBitCrc, [](auto& q) { q.nrBytesText = "9"; }), kTextOutOfRange,
                  EditorBox::NrBytes},
         RuleCase{"BitCrcPolynomialTooSmall", iSmallOnePage, with(kBitCrc, [](auto& q) { q.polynomText = "16"; }),
