@@ -28,8 +28,11 @@ TEST(DBUpdate, OkWritesTheChosenFieldAndFunctionAsOneRecord) {
     d.clickField(1);
     EXPECT_EQ(d.text("txtSelectedField"), "NUMBER");
     d.function(1);
+    // Only the boxes of the chosen function show, with their labels.
     EXPECT_FALSE(d.child<QLineEdit>("txtConstantValue")->isVisible());
+    EXPECT_FALSE(d.child<QWidget>("lblConstantValue")->isVisible());
     EXPECT_TRUE(d.child<QLineEdit>("txtCountStep")->isVisible());
+    EXPECT_TRUE(d.child<QWidget>("lblCountStep")->isVisible());
     d.type("txtCountNumber", "1a0");
     d.type("txtCountStep", "255");
     d.click("cmdOK");

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <tuple>
 
 #include "rules/FunctionProperties.h"
 #include "frmEditiClass_test.h"
@@ -92,15 +93,23 @@ INSTANTIATE_TEST_SUITE_P(
                      }}),
     [](const ::testing::TestParamInfo<FunctionCase>& param) { return std::string(param.param.name); });
 
-TEST(EditiClassFunctionBoxes, AStepOutOfRangeIsRefusedOnLeavingAndKeepsTheFocus) {
-    Editor ed;
-    frmEditiClass& form = ed.open(kModeFunction);
-    ed.click("optFunction(1)");
-    ed.type("txtCountStep", "256");
-    ed.leave("txtCountStep");
-    ASSERT_EQ(ed.prompter.messages.size(), 1u);
-    EXPECT_NE(ed.prompter.messages[0].text.find(" 0 & 255!"), std::string::npos) << ed.prompter.messages[0].text;
-    EXPECT_EQ(form.focusWidget(), ed.child<QLineEdit>("txtCountStep"));
+// Each value box is checked against its own limits when it is left, and keeps the focus.
+TEST(EditiClassFunctionBoxes, AValueOutOfRangeIsRefusedOnLeavingAndKeepsTheFocus) {
+    const std::tuple<const char*, const char*, const char*, const char*> cases[] = {
+        {"optFunction(1)", "txtCountStep", "256", " 0 & 255!"},
+        {"optFunction(3)", "txtPolynom", "1000", " 257 & 511!"},
+    };
+    for (const auto& [function, box, typed, limits] : cases) {
+        Editor ed;
+        frmEditiClass& form = ed.open(kModeFunction);
+        ed.click(function);
+        if (std::string(box) == "txtPolynom") ed.click("optProperty(2)");
+        ed.type(box, typed);
+        ed.leave(box);
+        ASSERT_EQ(ed.prompter.messages.size(), 1u) << box;
+        EXPECT_NE(ed.prompter.messages[0].text.find(limits), std::string::npos) << ed.prompter.messages[0].text;
+        EXPECT_EQ(form.focusWidget(), ed.child<QLineEdit>(box));
+    }
 }
 
 struct RefusedCase {
@@ -161,6 +170,21 @@ TEST(EditiClassFunctionBoxes, EditingAChecksumPresetsItsValuesAndReplacesIt) {
     ASSERT_EQ(ed.records().size(), 1);
     EXPECT_EQ(functionInputOf(ed.records()[0]).startValueText, "9");
     EXPECT_EQ(ed.records()[0].color, 0x00909090);
+}
+
+TEST(EditiClassFunctionBoxes, EditingACountPresetsItsNumberAndStep) {
+    ItemRecord old = function("Count", "", "", "", 0, 25, 0, 2);
+    FunctionInput in;
+    in.kind = FunctionKind::Count, in.countNumberText = "7", in.countStepText = "3";
+    applyFunctionValues(in, kModeFunction, old);
+    Editor ed({old});
+    EditorRecord e;
+    e.editing = true, e.page = 0, e.name = "Count", e.block = 25, e.numBytes = 2, e.kindCode = 1;
+    e.kindWord = "Function";
+    ed.open(kModeFunction, e);
+    EXPECT_TRUE(ed.child<QRadioButton>("optFunction(1)")->isChecked());
+    EXPECT_EQ(ed.text("txtCountNumber"), "7");
+    EXPECT_EQ(ed.text("txtCountStep"), "3");
 }
 
 }  // namespace

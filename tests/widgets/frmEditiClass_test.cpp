@@ -14,6 +14,7 @@ TEST(EditiClassFields, AddsAFieldWithItsPositionCodeAndALightColour) {
     frmEditiClass& form = ed.open(kModeField);
     ed.clickField(0);
     EXPECT_EQ(ed.text("txtSelectedField"), "NAME");
+    EXPECT_TRUE(ed.applyEnabled());  // choosing a field is a change to apply
     ed.place(20, 2, "4");
     ASSERT_TRUE(ed.applyEnabled());
     ed.click("cmdApply");
