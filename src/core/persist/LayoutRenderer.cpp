@@ -73,7 +73,6 @@ public:
         : card_(card), records_(records), fields_(fields) {}
 
     RenderedLayout run() {
-        w_.reserve(static_cast<size_t>(records_.size()) * 48);  // an item's keys and values take about this much
         findDistinctKeys();
         writeCardDesign();
         if (!records_.empty()) {

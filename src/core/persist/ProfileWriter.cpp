@@ -16,79 +16,72 @@ std::string profileSafeValue(std::string_view value) {
     return out;
 }
 
-size_t ProfileWriter::Index::findOrAdd(const ProfileWriter& w, std::vector<Name>& names, std::string_view name,
-                                       uint64_t hash, bool& added) {
-    if ((size_ + 1) * 2 > slots_.size()) grow(names);
-    const size_t mask = slots_.size() - 1;
-    size_t slot = hash & mask;
-    for (; slots_[slot] != 0; slot = (slot + 1) & mask) {
-        const Name& n = names[slots_[slot] - 1];
-        if (n.hash == hash && AsciiCaselessEqual{}(w.view(n.text), name)) {
-            added = false;
-            return slots_[slot] - 1;
-        }
-    }
-    added = true;
-    slots_[slot] = static_cast<uint32_t>(names.size() + 1);
-    ++size_;
-    return names.size();
-}
-
-void ProfileWriter::Index::addDistinct(const ProfileWriter& w, std::vector<Name>& names, size_t first) {
-    for (size_t i = first; i < names.size(); ++i) {
-        names[i].hash = AsciiCaselessHash{}(w.view(names[i].text));
-        if ((size_ + 1) * 2 > slots_.size()) grow(names);
-        insert(names, i);
-        ++size_;
+void ProfileWriter::Section::growIndex() {
+    slots.assign(slots.empty() ? 16 : slots.size() * 2, 0);
+    const size_t mask = slots.size() - 1;
+    for (size_t i = 0; i < indexed; ++i) {
+        size_t slot = keys[i].hash & mask;
+        while (slots[slot] != 0) slot = (slot + 1) & mask;
+        slots[slot] = static_cast<uint32_t>(i + 1);
     }
 }
 
-void ProfileWriter::Index::insert(const std::vector<Name>& names, size_t number) {
-    const size_t mask = slots_.size() - 1;
-    size_t slot = names[number].hash & mask;
-    while (slots_[slot] != 0) slot = (slot + 1) & mask;
-    slots_[slot] = static_cast<uint32_t>(number + 1);
-}
-
-void ProfileWriter::Index::grow(const std::vector<Name>& names) {
-    slots_.assign(slots_.empty() ? 16 : slots_.size() * 2, 0);
-    for (size_t i = 0; i < size_; ++i) insert(names, i);
-}
-
-ProfileWriter::Text ProfileWriter::keep(std::string_view piece) {
-    const Text t{static_cast<uint32_t>(text_.size()), static_cast<uint32_t>(piece.size())};
-    text_.append(piece);
-    if (ascii_) ascii_ = isAscii(piece);
-    return t;
-}
-
-ProfileWriter::Text ProfileWriter::keepValue(std::string_view value) {
-    value = trimProfileSpace(value);
-    const Text t{static_cast<uint32_t>(text_.size()), static_cast<uint32_t>(value.size())};
-    text_.append(value);
-    unsigned char high = 0;
-    for (size_t i = t.at; i < t.at + t.size; ++i) {
-        char& c = text_[i];
-        high |= static_cast<unsigned char>(c);
-        if (c == '\r' || c == '\n') c = ' ';
+// Keys written as new join the index only when a search needs it.
+void ProfileWriter::Section::indexTo(size_t count) {
+    for (; indexed < count; ++indexed) {
+        Key& k = keys[indexed];
+        k.hash = AsciiCaselessHash{}(keyText(k));
+        if ((indexed + 1) * 2 > slots.size()) growIndex();
+        const size_t mask = slots.size() - 1;
+        size_t slot = k.hash & mask;
+        while (slots[slot] != 0) slot = (slot + 1) & mask;
+        slots[slot] = static_cast<uint32_t>(indexed + 1);
     }
-    if (high & 0x80) ascii_ = false;
-    return t;
+}
+
+size_t ProfileWriter::Section::find(std::string_view key, uint64_t hash) const {
+    if (slots.empty()) return keys.size();
+    const size_t mask = slots.size() - 1;
+    for (size_t slot = hash & mask; slots[slot] != 0; slot = (slot + 1) & mask) {
+        const Key& k = keys[slots[slot] - 1];
+        if (k.hash == hash && AsciiCaselessEqual{}(keyText(k), key)) return slots[slot] - 1;
+    }
+    return keys.size();
 }
 
 ProfileWriter::Section& ProfileWriter::sectionNamed(std::string_view name) {
     for (const Recent& r : recent_)
-        if (r.at == name.data() && r.size == name.size() && view(sections_[r.section].name.text) == name)
+        if (r.at == name.data() && r.size == name.size() && sections_[r.section].name == name)
             return sections_[r.section];
-    const uint64_t hash = AsciiCaselessHash{}(name);
-    bool added = false;
-    const size_t i = sectionIndex_.findOrAdd(*this, sectionNames_, name, hash, added);
-    if (added) {
-        sectionNames_.push_back(Name{keep(name), hash, {}});
-        sections_.push_back(Section{sectionNames_.back(), {}, {}});
+    size_t i = 0;
+    while (i < sections_.size() && !AsciiCaselessEqual{}(sections_[i].name, name)) ++i;
+    if (i == sections_.size()) {
+        sections_.emplace_back();
+        sections_.back().name = name;
+        if (!isAscii(name)) ascii_ = false;
     }
     recent_[nextRecent_++ % std::size(recent_)] = Recent{name.data(), name.size(), i};
     return sections_[i];
+}
+
+// Adds "key=value" CRLF to the section's lines, the value trimmed and without line breaks.
+void ProfileWriter::append(Section& s, std::string_view key, std::string_view value) {
+    value = trimProfileSpace(value);
+    Key k;
+    k.at = static_cast<uint32_t>(s.lines.size());
+    k.size = static_cast<uint32_t>(key.size());
+    k.valueAt = k.at + k.size + 1;
+    k.valueSize = static_cast<uint32_t>(value.size());
+    s.lines.append(key).append(1, '=').append(value).append("\r\n");
+    unsigned char high = 0;
+    for (char c : key) high |= static_cast<unsigned char>(c);
+    for (size_t i = k.valueAt; i < k.valueAt + k.valueSize; ++i) {
+        char& c = s.lines[i];
+        high |= static_cast<unsigned char>(c);
+        if (c == '\r' || c == '\n') c = ' ';
+    }
+    if (high & 0x80) ascii_ = false;
+    s.keys.push_back(k);
 }
 
 void ProfileWriter::write(std::string_view section, std::string_view key, std::string_view value) {
@@ -97,27 +90,30 @@ void ProfileWriter::write(std::string_view section, std::string_view key, std::s
     if (sectionName.empty() || keyName.empty()) return;  // never write nameless sections or keys
 
     Section& s = sectionNamed(sectionName);
-    if (s.indexed < s.keys.size()) {  // keys written as new are searched from now on
-        s.index.addDistinct(*this, s.keys, s.indexed);
-        s.indexed = s.keys.size();
-    }
+    s.indexTo(s.keys.size());
     const uint64_t hash = AsciiCaselessHash{}(keyName);
-    bool added = false;
-    const size_t i = s.index.findOrAdd(*this, s.keys, keyName, hash, added);
-    if (added) {
-        s.keys.push_back(Name{keep(keyName), hash, keepValue(value)});
-        s.indexed = s.keys.size();
-    } else {
-        s.keys[i].value = keepValue(value);
+    const size_t i = s.find(keyName, hash);
+    if (i == s.keys.size()) {
+        append(s, keyName, value);
+        s.indexTo(s.keys.size());
+        return;
     }
+    // The key keeps its place; its new value is kept aside and put in when the file is built.
+    const std::string safe = profileSafeValue(value);
+    if (!isAscii(safe)) ascii_ = false;
+    Key& k = s.keys[i];
+    k.replaced = true;
+    k.valueAt = static_cast<uint32_t>(s.replacedValues.size());
+    k.valueSize = static_cast<uint32_t>(safe.size());
+    s.replacedValues += safe;
+    s.anyReplaced = true;
 }
 
 void ProfileWriter::writeNew(std::string_view section, std::string_view key, std::string_view value) {
     const std::string_view sectionName = trimProfileSpace(section);
     if (sectionName.empty() || key.empty() || trimProfileSpace(key).size() != key.size())
         return write(section, key, value);
-    Section& s = sectionNamed(sectionName);
-    s.keys.push_back(Name{keep(key), 0, keepValue(value)});
+    append(sectionNamed(sectionName), key, value);
 }
 
 void ProfileWriter::writeInt(std::string_view section, std::string_view key, int64_t value) {
@@ -128,14 +124,10 @@ void ProfileWriter::writeInt(std::string_view section, std::string_view key, int
 
 std::string ProfileWriter::bytes() const {
     size_t size = 0;
-    for (const auto& s : sections_) {
-        size += s.name.text.size + 4;
-        for (const Name& k : s.keys) size += k.text.size + k.value.size + 3;
-    }
+    for (const auto& s : sections_) size += s.name.size() + 4 + s.lines.size() + s.replacedValues.size();
     std::string out;
     out.reserve(size);
-    auto append = [this, &out](Text t) {
-        const std::string_view piece = view(t);
+    auto append = [this, &out](std::string_view piece) {
         if (ascii_ || isAscii(piece))
             out += piece;
         else
@@ -143,12 +135,16 @@ std::string ProfileWriter::bytes() const {
     };
     for (const auto& s : sections_) {
         out += '[';
-        append(s.name.text);
+        append(s.name);
         out += "]\r\n";
-        for (const Name& k : s.keys) {
-            append(k.text);
+        if (ascii_ && !s.anyReplaced) {
+            out += s.lines;  // the lines as they stand
+            continue;
+        }
+        for (const Key& k : s.keys) {
+            append(s.keyText(k));
             out += '=';
-            append(k.value);
+            append(s.valueText(k));
             out += "\r\n";
         }
     }

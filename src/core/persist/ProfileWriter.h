@@ -10,9 +10,9 @@ namespace kestrin {
 // WritePrivateProfileStringA calls leaves in a new file: sections in the order first
 // written, keys in the order first written, a repeated key replaced in place, every
 // line "key=value" CRLF. Text is UTF-8 in memory and Windows-1252 in bytes().
-// Names and values are kept in one growing text with open-addressing indexes over them,
-// so a write costs no allocation of its own: a layout of thousands of items is built in
-// about the time its lines take to copy.
+// Each section keeps its lines as the file will hold them, with an open-addressing index
+// over its keys, so a write costs no allocation of its own and bytes() mostly copies whole
+// sections: a layout of thousands of items is built in little more than its lines take to copy.
 class ProfileWriter {
 public:
     void write(std::string_view section, std::string_view key, std::string_view value);
@@ -20,52 +20,40 @@ public:
     // A write of a key that no earlier write to the section used, as the caller knows: it
     // skips the search for an entry to replace. The key must be trimmed and not empty.
     void writeNew(std::string_view section, std::string_view key, std::string_view value);
-    // Room for about this many bytes of names and values, to grow the text once.
-    void reserve(size_t bytes) { text_.reserve(bytes); }
     std::string bytes() const;
     bool empty() const { return sections_.empty(); }
 
 private:
-    struct Text {
-        uint32_t at = 0, size = 0;  // a piece of text_
-    };
-    struct Name {
-        Text text;
-        uint64_t hash = 0;
-        Text value;  // for a key; unused for a section
-    };
-    // Numbers of names by hash; the names themselves live in a vector beside it.
-    class Index {
-    public:
-        // The number of the name that equals (letter case ignored), or the number given to it now.
-        size_t findOrAdd(const ProfileWriter& w, std::vector<Name>& names, std::string_view name, uint64_t hash,
-                         bool& added);
-        // Takes in the names from first on, known to be distinct from each other and the rest.
-        void addDistinct(const ProfileWriter& w, std::vector<Name>& names, size_t first);
-
-    private:
-        void grow(const std::vector<Name>& names);
-        void insert(const std::vector<Name>& names, size_t number);
-        std::vector<uint32_t> slots_;  // name number + 1; 0 is free
-        size_t size_ = 0;              // names in slots_
+    struct Key {
+        uint32_t at = 0, size = 0;             // the key in its section's lines
+        uint32_t valueAt = 0, valueSize = 0;   // the value: in the lines, or in the replaced values
+        uint64_t hash = 0;                     // of the key, letter case ignored; 0 until indexed
+        bool replaced = false;
     };
     struct Section {
-        Name name;
-        std::vector<Name> keys;
-        Index index;
-        size_t indexed = 0;  // keys written before this many are in the index
+        std::string name;
+        std::string lines;           // "key=value\r\n" for each key, as first written
+        std::string replacedValues;  // values written over earlier ones
+        std::vector<Key> keys;
+        std::vector<uint32_t> slots;  // key number + 1 by hash; 0 is free
+        size_t indexed = 0;           // keys before this one are in slots
+        bool anyReplaced = false;
+
+        std::string_view keyText(const Key& k) const { return std::string_view(lines).substr(k.at, k.size); }
+        std::string_view valueText(const Key& k) const {
+            return std::string_view(k.replaced ? replacedValues : lines).substr(k.valueAt, k.valueSize);
+        }
+        void indexTo(size_t count);
+        void growIndex();
+        // The number of the key equal to this one (letter case ignored), or keys.size() when none is.
+        size_t find(std::string_view key, uint64_t hash) const;
     };
 
-    std::string_view view(Text t) const { return std::string_view(text_).substr(t.at, t.size); }
-    Text keep(std::string_view piece);
-    Text keepValue(std::string_view value);
     Section& sectionNamed(std::string_view name);
+    void append(Section& s, std::string_view key, std::string_view value);
 
-    std::string text_;
-    bool ascii_ = true;  // no byte of text_ above 0x7F: bytes() needs no conversion
     std::vector<Section> sections_;
-    std::vector<Name> sectionNames_;
-    Index sectionIndex_;
+    bool ascii_ = true;  // nothing above 0x7F written: bytes() needs no conversion
     // The sections written last, by where the caller keeps their names: writes come in runs
     // over a few sections, and a hit is confirmed by comparing the names.
     struct Recent {
