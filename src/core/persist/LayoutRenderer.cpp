@@ -108,14 +108,20 @@ private:
     // starts with a blank (the writer trims keys). FIELDTYPE takes the keys of both numberings,
     // which meet when a name is used by byte-wise and bit-wise items alike.
     void findDistinctKeys() {
-        bool byteKeys = false, bitKeys = false;
+        size_t byteKeys = 0, bitKeys = 0;
         for (const ItemRecord& r : records_) {
             if (r.isDbUpdate || r.isFunction || r.isBitFunction) continue;
-            (r.isBit ? bitKeys : byteKeys) = true;
+            ++(r.isBit ? bitKeys : byteKeys);
             for (const std::string& part : isCombinedField(r) ? splitCombinedName(r.name) : std::vector{r.name})
                 if (!part.empty() && isProfileSpace(part.front())) distinctKeys_ = false;
         }
         distinctFieldTypes_ = distinctKeys_ && !(byteKeys && bitKeys);
+        // A field's lines take about this many bytes: "F0001(1)=0,19,0,1,0".
+        constexpr size_t kLineBytes = 24;
+        for (auto [section, keys] : {std::pair{S::Encode, byteKeys}, {S::ItemColor, byteKeys},
+                                     {S::BitEncode, bitKeys}, {S::BitItemColor, bitKeys},
+                                     {S::FieldType, byteKeys + bitKeys}})
+            if (keys > 0) w_.expect(section, keys, keys * kLineBytes);
     }
 
     void writeCardDesign() {

@@ -56,9 +56,14 @@ ProfileWriter::Section& ProfileWriter::sectionNamed(std::string_view name) {
     size_t i = 0;
     while (i < sections_.size() && !AsciiCaselessEqual{}(sections_[i].name, name)) ++i;
     if (i == sections_.size()) {
-        sections_.emplace_back();
-        sections_.back().name = name;
+        Section& s = sections_.emplace_back();
+        s.name = name;
         if (!isAscii(name)) ascii_ = false;
+        for (const Expected& e : expected_)
+            if (AsciiCaselessEqual{}(e.section, name)) {
+                s.keys.reserve(e.keys);
+                s.lines.reserve(e.lineBytes);
+            }
     }
     recent_[nextRecent_++ % std::size(recent_)] = Recent{name.data(), name.size(), i};
     return sections_[i];
@@ -114,6 +119,10 @@ void ProfileWriter::writeNew(std::string_view section, std::string_view key, std
     if (sectionName.empty() || key.empty() || trimProfileSpace(key).size() != key.size())
         return write(section, key, value);
     append(sectionNamed(sectionName), key, value);
+}
+
+void ProfileWriter::expect(std::string_view section, size_t keys, size_t lineBytes) {
+    expected_.push_back(Expected{std::string(trimProfileSpace(section)), keys, lineBytes});
 }
 
 void ProfileWriter::writeInt(std::string_view section, std::string_view key, int64_t value) {

@@ -22,6 +22,9 @@ public:
     void writeNew(std::string_view section, std::string_view key, std::string_view value);
     std::string bytes() const;
     bool empty() const { return sections_.empty(); }
+    // Room for about this many keys and bytes of lines once the section is first written, so
+    // that a large section grows once; it does not create the section.
+    void expect(std::string_view section, size_t keys, size_t lineBytes);
 
 private:
     struct Key {
@@ -62,6 +65,11 @@ private:
     };
     Recent recent_[8];
     size_t nextRecent_ = 0;
+    struct Expected {
+        std::string section;
+        size_t keys, lineBytes;
+    };
+    std::vector<Expected> expected_;
 };
 
 // A value as the profile functions keep it: line breaks become blanks, and leading and
