@@ -1,89 +1,98 @@
+// The host project's fields as read from its project file, and the chip encode file that
+// names the ones a layout uses.
 #include <gtest/gtest.h>
 
+#include "persist/ChipEncodeFile.h"
 #include "persist/HostFields.h"
 #include "support/TestSupport.h"
 
 using namespace kestrin;
 using namespace kestrin::test;
+namespace fs = std::filesystem;
 
 namespace {
 
-class HostFieldsTest : public ::testing::Test {
-protected:
-    std::vector<std::string> fetch(const std::string& text) {
-        writeBytes(dir / "P.ini", text);
-        std::vector<std::string> warnings;
-        list.fetch(dir / "P.ini", &warnings);
-        return warnings;
-    }
+std::string listed(const HostFieldList& list) {
+    std::string out;
+    for (const HostField& f : list.fields())
+        out += f.dbField + "/" + f.name + "/" + f.fieldType + "/" + std::to_string(f.fieldSize) + "/" +
+               std::to_string(f.column) + " ";
+    for (const std::string& t : list.imageTypes()) out += "image " + t + " ";
+    return out;
+}
+
+// The tag field and columns out of the project are left out; a count out of the 16-bit range
+// ends the reading with a warning; each reading replaces the fields, and the image types when
+// it names one.
+TEST(HostFields, ProjectFilesAreReadAsTheHostWritesThem) {
+    const struct {
+        std::vector<std::string> lines;  // nothing: the file is missing
+        std::string fields;
+        size_t warnings;
+    } cases[] = {
+        {{"[DATABASE]", "NUMCOLUMNS=4", "TagField=ID", "[COLUMN1]", "DbFIELD=FIRST", "NAME=First", "FIELDTYPE=Character",
+          "FIELDSIZE=20", "[COLUMN2]", "DbFIELD=ID", "NAME=Id", "[COLUMN3]", "DbFIELD=@#@#\"Q\"", "NAME=Quoted /@x/@",
+          "FIELDTYPE=Number", "FIELDSIZE=5", "InProject=1", "[COLUMN4]", "DbFIELD=HIDDEN", "InProject=0",
+          "[ImageTypes]", "Count=2", "1=Photo", "2=Logo"},
+         "FIRST/First/Character/20/0 \"Q\"/Quoted \"x\"/Number/5/2 image Photo image Logo ", 0},
+        {{"[DATABASE]", "NUMCOLUMNS=2", "[COLUMN2]", "DbFIELD=B", "NAME=B"}, "B/B//0/1 ", 0},  // no image count: none,
+        {{"[DATABASE]", "NUMCOLUMNS=32767", "[COLUMN1]", "DbFIELD=A", "[ImageTypes]", "Count=1", "1=Sign"},
+         "A///0/0 image Sign ", 0},
+        {{"[DATABASE]", "NUMCOLUMNS=32768"}, "A///0/0 image Sign ", 1},
+        {{"[DATABASE]", "NUMCOLUMNS=-32769"}, "A///0/0 image Sign ", 1},
+        {{"[DATABASE]", "NUMCOLUMNS=2", "[COLUMN1]", "DbFIELD=A", "[COLUMN2]", "DbFIELD=B", "FIELDSIZE=40000"},
+         "A///0/0 image Sign ", 1},
+        {{"[DATABASE]", "NUMCOLUMNS=1", "[COLUMN1]", "DbFIELD=A", "[ImageTypes]", "Count=70000"}, "A///0/0 image Sign ", 1},
+        {{"[DATABASE]", "NUMCOLUMNS=-1", "[ImageTypes]", "Count=0", "1=Photo"}, "", 0},
+        {{}, "", 1},
+    };
     TempDir dir;
     HostFieldList list;
-};
-
-TEST_F(HostFieldsTest, TagFieldAndColumnsOutOfProjectAreSkipped) {
-    fetch(crlf({"[DATABASE]", "NUMCOLUMNS=4", "TagField=ID", "[COLUMN1]", "DbFIELD=FIRST", "NAME=First",
-                "FIELDTYPE=Character", "FIELDSIZE=20", "[COLUMN2]", "DbFIELD=ID", "NAME=Id", "[COLUMN3]",
-                "DbFIELD=@#@#\"Q\"", "NAME=Quoted /@x/@", "FIELDTYPE=Number", "FIELDSIZE=5", "InProject=1", "[COLUMN4]",
-                "DbFIELD=HIDDEN", "InProject=0", "[ImageTypes]", "Count=2", "1=Photo", "2=Logo"}));
-    ASSERT_EQ(list.count(), 2);
-    EXPECT_EQ(list.highestIndex(), 1);
-    EXPECT_EQ(list.fields()[0].name, "First");
-    EXPECT_EQ(list.fields()[0].column, 0);
-    EXPECT_EQ(list.fields()[0].fieldSize, 20);
-    EXPECT_EQ(list.fields()[1].dbField, "\"Q\"");
-    EXPECT_EQ(list.fields()[1].name, "Quoted \"x\"");
-    EXPECT_EQ(list.fields()[1].column, 2);
-    EXPECT_EQ(list.imageTypes(), (std::vector<std::string>{"Photo", "Logo"}));
-    EXPECT_EQ(list.byColumn(2)->name, "Quoted \"x\"");
-    EXPECT_EQ(list.byDbField("FIRST")->column, 0);
-    EXPECT_EQ(list.byDbField("NONE"), nullptr);
+    for (const auto& c : cases) {
+        std::string text;
+        for (const auto& l : c.lines) text += l + "\r\n";
+        fs::remove(dir / "P.ini");
+        if (!c.lines.empty()) writeBytes(dir / "P.ini", text);
+        std::vector<std::string> warnings;
+        list.fetch(dir / "P.ini", &warnings);
+        EXPECT_EQ(listed(list), c.fields) << text;
+        EXPECT_EQ(warnings.size(), c.warnings) << text;
+        EXPECT_EQ(list.highestIndex(), list.count() - 1);
+    }
+    list.fetchFromBytes(crlf({"[DATABASE]", "NUMCOLUMNS=2", "[COLUMN1]", "DbFIELD=A", "[COLUMN2]", "DbFIELD=A", "NAME=x"}));
+    EXPECT_EQ(list.byDbField("A")->column, 0);  // the first of two alike
+    EXPECT_EQ(list.byColumn(1)->name, "x");
+    EXPECT_EQ(list.byDbField("a"), nullptr);
+    EXPECT_EQ(list.byColumn(2), nullptr);
+    const std::pair<const char*, int16_t> types[] = {{"Character", 0}, {"Number", 1}, {"Numeric", 1}, {"Date", 2},
+                                                     {"Binary", 3},    {"number", -1}, {"Memo", -1}};
+    for (const auto& [text, code] : types) EXPECT_EQ(fieldTypeCode(text), code) << text;
 }
 
-TEST_F(HostFieldsTest, MissingColumnSectionMatchesAnEmptyTagField) {
-    fetch(crlf({"[DATABASE]", "NUMCOLUMNS=2", "[COLUMN2]", "DbFIELD=B", "NAME=B"}));
-    ASSERT_EQ(list.count(), 1);
-    EXPECT_EQ(list.fields()[0].column, 1);
-}
-
-TEST_F(HostFieldsTest, ImageCountZeroKeepsOnlyTheCountAtZero) {
-    fetch(crlf({"[ImageTypes]", "Count=1", "1=Photo"}));
-    EXPECT_EQ(list.imageTypeCount(), 1);
-    fetch(crlf({"[DATABASE]", "NUMCOLUMNS=0", "[ImageTypes]", "Count=0"}));
-    EXPECT_EQ(list.imageTypeCount(), 0);
-    EXPECT_TRUE(list.imageTypes().empty());
-}
-
-TEST_F(HostFieldsTest, FieldListIsReplacedByEveryFetch) {
-    fetch(crlf({"[DATABASE]", "NUMCOLUMNS=1", "[COLUMN1]", "DbFIELD=A", "NAME=A"}));
-    ASSERT_EQ(list.count(), 1);
-    fetch(crlf({"[DATABASE]", "NUMCOLUMNS=0"}));
-    EXPECT_EQ(list.count(), 0);
-    EXPECT_EQ(list.highestIndex(), -1);
-}
-
-TEST_F(HostFieldsTest, AbsurdCountsEndQuietlyWithAWarning) {
-    fetch(crlf({"[DATABASE]", "NUMCOLUMNS=1", "[COLUMN1]", "DbFIELD=A", "NAME=A"}));
-    const auto warnings = fetch(crlf({"[DATABASE]", "NUMCOLUMNS=4000000000"}));
-    EXPECT_EQ(warnings.size(), 1u);
-    EXPECT_EQ(list.count(), 1);  // the reading ended before the list was touched
-    EXPECT_EQ(fetch(crlf({"[DATABASE]", "NUMCOLUMNS=-5"})).size(), 0u);
-    EXPECT_EQ(list.count(), 0);
-}
-
-TEST_F(HostFieldsTest, MissingProjectFileGivesEmptyLists) {
-    std::vector<std::string> warnings;
-    list.fetch(dir / "none.ini", &warnings);
-    EXPECT_EQ(list.count(), 0);
-    EXPECT_EQ(warnings.size(), 1u);
-}
-
-TEST(FieldTypeCode, TypeTextsAreComparedLiterally) {
-    EXPECT_EQ(fieldTypeCode("Character"), 0);
-    EXPECT_EQ(fieldTypeCode("Number"), 1);
-    EXPECT_EQ(fieldTypeCode("Numeric"), 1);
-    EXPECT_EQ(fieldTypeCode("Date"), 2);
-    EXPECT_EQ(fieldTypeCode("Binary"), 3);
-    EXPECT_EQ(fieldTypeCode("number"), -1);
+// The chip encode file names each used host field once, in the project's order, under the
+// name the items use; a name is found only as a whole key.
+TEST(ChipEncodeFile, NamesTheUsedFieldsInProjectOrder) {
+    HostFieldList fields;
+    fields.setFields({{"Name", "LAST", "Character", 10, 0, true}, {"FirstName", "FIRST", "Character", 10, 1, true},
+                      {"Names", "NAMES", "Character", 10, 2, true}, {"Weight (kg)", "KG", "Number", 10, 3, true},
+                      {"Start", "START", "Number", 10, 4, true}});
+    const std::pair<const char*, std::vector<std::string>> cases[] = {
+        {"", {}},
+        {"FirstName(1)", {"FirstName"}},
+        {"Names(1)", {"Names"}},
+        {"FirstName(1)Name(1)", {"Name", "FirstName"}},
+        {"Name(1)Name(2)LAST(3)", {"Name"}},
+        {"LAST(1)FIRST(1)", {"LAST", "FIRST"}},
+        {"Start()", {"Start"}},
+        {"Weight (kg)(1)", {}},  // a name with a bracket never stands alone between ")" and "("
+    };
+    for (const auto& [list, used] : cases) EXPECT_EQ(usedHostFields(list, fields), used) << list;
+    EXPECT_EQ(renderChipEncodeFile("Names(1)Name(1)", {4, -2}, fields),
+              crlf({"[ChipEncode]", "LK_Version=7.0.0", "Images=4,-2", "DllName=MORVATH.DLL", "ChipType=1", "[1Field]",
+                    "Type=DataField", "Data=Name", "[2Field]", "Type=DataField", "Data=Names", "[Track1]",
+                    "FieldCount=2"}));
+    EXPECT_EQ(renderChipEncodeFile("", {}, fields),
+              crlf({"[ChipEncode]", "LK_Version=7.0.0", "DllName=MORVATH.DLL", "ChipType=1", "[Track1]", "FieldCount=0"}));
 }
 
 }  // namespace

@@ -1,12 +1,15 @@
 #include <gtest/gtest.h>
 
-#include <filesystem>
+#include <algorithm>
 
 #include "card/CIClass.h"
 #include "items/RecordArray.h"
+#include "persist/FileSystem.h"
 #include "persist/HostFields.h"
+#include "persist/LayoutReader.h"
 #include "persist/LayoutSaver.h"
 #include "support/Records.h"
+#include "support/SavedFiles.h"
 #include "support/TestSupport.h"
 #include "text/Translator.h"
 
@@ -16,15 +19,29 @@ namespace fs = std::filesystem;
 
 namespace {
 
-class LayoutSaverTest : public ::testing::Test {
-protected:
-    LayoutSaverTest() {
-        records.add(field("Name", 0, 19, 0, 8));
-        fields.setFields({{"Name", "NAME", "Character", 8, 0, true}});
-    }
-    SaveOutcome save(const fs::path& file) { return saveLayout(file, &card, records, fields, prompter, translator); }
+fs::path utf8Path(const std::string& text) { return fs::path(std::u8string(text.begin(), text.end())); }
 
+std::vector<std::string> namesIn(const fs::path& folder) {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(folder)) names.push_back(pathText(entry.path().filename()));
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+void makeReadOnly(const fs::path& file) {
+    fs::permissions(file, fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
+                    fs::perm_options::remove);
+}
+
+class LayoutSaver : public ::testing::Test {
+protected:
+    LayoutSaver() { records.add(field("Name", 0, 19, 0, 8)); }
+    SaveOutcome save(const fs::path& encodeFolder = {}) {
+        prompter.messages.clear();
+        return saveLayout(layout, &card, records, fields, prompter, translator, encodeFolder);
+    }
     TempDir dir;
+    fs::path layout = dir / "Card.IIF";
     CIClass card;
     RecordArray records;
     HostFieldList fields;
@@ -32,102 +49,209 @@ protected:
     Translator translator;
 };
 
-TEST_F(LayoutSaverTest, FirstSaveWritesLayoutAndEncodeFileWithoutBackup) {
-    const auto out = save(dir / "Card.IIF");
-    ASSERT_TRUE(out.saved) << out.message;
-    EXPECT_TRUE(fs::exists(dir / "Card.IIF"));
-    EXPECT_EQ(out.chipEncodeFile, dir / "Card.CHP");
+TEST_F(LayoutSaver, TheLayoutBeforeEachSaveBecomesTheBackup) {
+    fields.setFields({{"Name", "NAME", "Character", 8, 0, true}});
+    const SaveOutcome first = save();
+    ASSERT_TRUE(first.saved) << first.message;
+    EXPECT_EQ(first.chipEncodeFile, dir / "Card.CHP");
     EXPECT_NE(readBytes(dir / "Card.CHP").find("Data=Name\r\n"), std::string::npos);
-    EXPECT_FALSE(fs::exists(dir / "Card.IIF.BAK"));
-    EXPECT_TRUE(prompter.messages.empty());
-}
-
-TEST_F(LayoutSaverTest, SavingTwiceKeepsTheFirstSaveAsBackup) {
-    ASSERT_TRUE(save(dir / "Card.IIF").saved);
-    const std::string first = readBytes(dir / "Card.IIF");
+    EXPECT_EQ(namesIn(dir.path()), (std::vector<std::string>{"Card.CHP", "Card.IIF"}));
+    const std::string one = readBytes(layout);
     records.add(field("Name", 0, 20, 0, 8));
-    ASSERT_TRUE(save(dir / "Card.IIF").saved);
-    EXPECT_EQ(readBytes(dir / "Card.IIF.BAK"), first);
-    EXPECT_NE(readBytes(dir / "Card.IIF"), first);
-    ASSERT_TRUE(save(dir / "Card.IIF").saved);
-    EXPECT_NE(readBytes(dir / "Card.IIF.BAK"), first);  // one generation only
-    for (const auto& entry : fs::directory_iterator(dir.path()))
-        EXPECT_EQ(entry.path().extension() == ".tmp", false) << entry.path();
+    ASSERT_TRUE(save().saved);
+    const std::string two = readBytes(layout);
+    EXPECT_NE(two, one);
+    EXPECT_EQ(readBytes(dir / "Card.IIF.BAK"), one);
+    records.add(field("Name", 0, 21, 0, 8));
+    ASSERT_TRUE(save().saved);
+    EXPECT_EQ(readBytes(dir / "Card.IIF.BAK"), two);  // one generation only
+    EXPECT_TRUE(prompter.messages.empty());
+    EXPECT_EQ(namesIn(dir.path()), (std::vector<std::string>{"Card.CHP", "Card.IIF", "Card.IIF.BAK"}));
 }
 
-TEST_F(LayoutSaverTest, LayoutWithoutEncodeFileIsRefusedUntouched) {
-    writeBytes(dir / "Card.IIF", "old");
-    const auto out = save(dir / "Card.IIF");
-    EXPECT_FALSE(out.saved);
-    ASSERT_EQ(prompter.messages.size(), 1u);
-    EXPECT_EQ(prompter.messages[0].icon, Icon::Exclamation);
-    EXPECT_EQ(prompter.messages[0].text, translator.text(kTextEncodeFileMissing, out.message));
-    EXPECT_EQ(readBytes(dir / "Card.IIF"), "old");
-    EXPECT_FALSE(fs::exists(dir / "Card.CHP"));
+// Refused saves tell the operator once and leave the files as they were.
+TEST_F(LayoutSaver, RefusedSavesTellWhyAndChangeNothing) {
+    const struct {
+        const char* name;
+        bool encodeThere;
+        const char* readOnlyFile;
+        const char* message;
+    } cases[] = {
+        {"layout without its chip encode file", false, nullptr,
+         "<The layout was not saved: its chip encode file is missing beside it.>"},
+        {"read-only layout", true, "Card.IIF", "<The> iClass Encode File <is read-only and cannot be overwritten.>"},
+        {"read-only chip encode file", true, "Card.CHP", "<The> Chip Encode File <is read-only and cannot be overwritten.>"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        TempDir folder;
+        layout = folder / "Card.IIF";
+        writeBytes(layout, "old layout");
+        if (c.encodeThere) writeBytes(folder / "Card.CHP", "old encode");
+        if (c.readOnlyFile) makeReadOnly(folder / c.readOnlyFile);
+        const SavedFiles old = SavedFiles::read(folder.path(), "Card");
+        const SaveOutcome out = save();
+        EXPECT_FALSE(out.saved);
+        ASSERT_EQ(prompter.messages.size(), 1u);
+        EXPECT_EQ(prompter.messages[0].icon, Icon::Exclamation);
+        EXPECT_EQ(prompter.messages[0].text, c.message);
+        const SavedFiles now = SavedFiles::read(folder.path(), "Card");
+        EXPECT_TRUE(now.layout == old.layout && now.encode == old.encode && !now.backup);
+    }
+    EXPECT_FALSE(saveLayout(dir / "None.IIF", nullptr, records, fields, prompter, translator).saved);
+    EXPECT_TRUE(namesIn(dir.path()).empty());
 }
 
-struct ReadOnlyCase {
-    const char* file;
-    const char* kind;
-};
-
-class ReadOnly : public LayoutSaverTest, public ::testing::WithParamInterface<ReadOnlyCase> {};
-
-TEST_P(ReadOnly, ReadOnlyFilesAreRefusedNamingTheirKind) {
-    writeBytes(dir / "Card.IIF", "old layout");
-    writeBytes(dir / "Card.CHP", "old encode");
-    fs::permissions(dir / GetParam().file, fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
-                    fs::perm_options::remove);
-    const auto out = save(dir / "Card.IIF");
-    EXPECT_FALSE(out.saved);
-    ASSERT_EQ(prompter.messages.size(), 1u);
-    EXPECT_EQ(prompter.messages[0].text,
-              translator.text(kTextReadOnlyBefore, "<The>") + " " + GetParam().kind + " " +
-                  translator.text(kTextReadOnlyAfter, "<is read-only and cannot be overwritten.>"));
-    EXPECT_EQ(readBytes(dir / "Card.IIF"), "old layout");
-    EXPECT_EQ(readBytes(dir / "Card.CHP"), "old encode");
-    EXPECT_FALSE(fs::exists(dir / "Card.IIF.BAK"));
-}
-
-INSTANTIATE_TEST_SUITE_P(Files, ReadOnly,
-                         ::testing::Values(ReadOnlyCase{"Card.IIF", "iClass Encode File"},
-                                           ReadOnlyCase{"Card.CHP", "Chip Encode File"}));
-
-TEST_F(LayoutSaverTest, UnwritableFolderFailsWithAMessageAndLeavesFilesComplete) {
-    ASSERT_TRUE(save(dir / "Card.IIF").saved);
-    const std::string layout = readBytes(dir / "Card.IIF");
-    // A path below a regular file cannot be created by anyone, root included.
-    const auto out = save(dir / "Card.IIF" / "Nested.IIF");
-    EXPECT_FALSE(out.saved);
-    ASSERT_EQ(prompter.messages.size(), 1u);
-    EXPECT_NE(prompter.messages[0].text.find("could not be saved"), std::string::npos);
-    EXPECT_EQ(readBytes(dir / "Card.IIF"), layout);
-}
-
-TEST_F(LayoutSaverTest, FailedEncodeFileLeavesTheOldLayoutAndBackup) {
-    ASSERT_TRUE(save(dir / "Card.IIF").saved);
-    ASSERT_TRUE(save(dir / "Card.IIF").saved);
-    const std::string layout = readBytes(dir / "Card.IIF");
-    const std::string backup = readBytes(dir / "Card.IIF.BAK");
-    // The encode file cannot be written into a folder that does not exist: the layout
-    // was already staged and must not change, nor its backup.
-    const auto out = saveLayout(dir / "Card.IIF", &card, records, fields, prompter, translator, dir / "missing");
-    EXPECT_FALSE(out.saved);
-    EXPECT_EQ(readBytes(dir / "Card.IIF"), layout);
-    EXPECT_EQ(readBytes(dir / "Card.IIF.BAK"), backup);
-    EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), fs::directory_iterator()), 3);
-}
-
-TEST_F(LayoutSaverTest, EncodeFileCanGoToItsOwnFolder) {
+// The chip encode file may go to its own folder. A save removes the temporary files earlier
+// saves left beside its three files, and nothing else; it also copes with a backup that a
+// failed save left as a second name of the layout file.
+TEST_F(LayoutSaver, LeftoversOfEarlierSavesAreRemovedAndNothingElse) {
     fs::create_directories(dir / "encode");
-    const auto out = saveLayout(dir / "Card.IIF", &card, records, fields, prompter, translator, dir / "encode");
-    ASSERT_TRUE(out.saved);
-    EXPECT_TRUE(fs::exists(dir / "encode" / "Card.CHP"));
+    ASSERT_TRUE(save(dir / "encode").saved);
+    fs::remove(dir / "Card.IIF.BAK");
+    fs::create_hard_link(layout, dir / "Card.IIF.BAK");
+    const std::vector<std::pair<std::string, bool>> leftovers = {
+        {".Card.IIF.123456.tmp", true}, {".Card.IIF.0.tmp", true},        {".Card.IIF.BAK.42.tmp", true},
+        {".Card.IIF.BAK.link.tmp", true}, {".Card.IIF.tmp", false},       {".Card.IIF..tmp", false},
+        {".Card.IIF.12a.tmp", false},   {".Card.IIF.BAK.notes.tmp", false}, {"Card.IIF.123.tmp", false},
+        {".card.IIF.123.tmp", false},   {".Other.IIF.123.tmp", false},    {".Card.CHP.77.tmp", false},
+        {".Card.IIF.123.tmp.keep", false}};
+    std::vector<std::string> kept = {"Card.IIF", "Card.IIF.BAK", "encode"};
+    for (const auto& [name, removed] : leftovers) {
+        writeBytes(dir / name, "x");
+        if (!removed) kept.push_back(name);
+    }
+    writeBytes(dir / "encode" / ".Card.CHP.77.tmp", "x");
+    writeBytes(dir / "encode" / ".Card.IIF.88.tmp", "x");
+    const std::string previous = readBytes(layout);
+    records.add(field("Other", 0, 20, 0, 8));
+    ASSERT_TRUE(save(dir / "encode").saved);
+    std::sort(kept.begin(), kept.end());
+    EXPECT_EQ(namesIn(dir.path()), kept);
+    EXPECT_EQ(namesIn(dir / "encode"), (std::vector<std::string>{".Card.IIF.88.tmp", "Card.CHP"}));
+    EXPECT_EQ(readBytes(dir / "Card.IIF.BAK"), previous);
 }
 
-TEST_F(LayoutSaverTest, NoCardNoSave) {
-    EXPECT_FALSE(saveLayout(dir / "Card.IIF", nullptr, records, fields, prompter, translator).saved);
-    EXPECT_FALSE(fs::exists(dir / "Card.IIF"));
+// The chip encode file is the folder, the separator, the layout's name and ".CHP"; names the
+// code page cannot hold keep every character.
+TEST_F(LayoutSaver, FilesAreNamedAfterTheLayout) {
+    const struct {
+        std::string layout, encodeFolder, chipEncode, backup;
+    } cases[] = {
+#ifdef _WIN32
+        {"C:\\Cards\\Staff.IIF", "", "C:\\Cards\\Staff.CHP", "C:\\Cards\\Staff.IIF.BAK"},
+        {"C:/Cards/Staff.IIF", "", "C:/Cards\\Staff.CHP", "C:/Cards\\Staff.IIF.BAK"},
+        {"C:\\Cards\\Staff.IIF", "D:\\Encode", "D:\\Encode\\Staff.CHP", "C:\\Cards\\Staff.IIF.BAK"},
+        {"\\\\server\\share\\Staff.IIF", "", "\\\\server\\share\\Staff.CHP", "\\\\server\\share\\Staff.IIF.BAK"},
+        {"C:Staff.IIF", "", "C:Staff.CHP", "C:Staff.IIF.BAK"},
+#else
+        {"/cards/Staff.IIF", "", "/cards/Staff.CHP", "/cards/Staff.IIF.BAK"},
+        {"/cards/Staff.IIF", "/encode", "/encode/Staff.CHP", "/cards/Staff.IIF.BAK"},
+        {"C:\\Cards\\Staff.IIF", "", "C:\\Cards\\Staff.CHP", "C:\\Cards\\Staff.IIF.BAK"},  // one name on Linux
+#endif
+        {"Staff.IIF", "", "Staff.CHP", "Staff.IIF.BAK"},
+        {"Staff.v2.iif", "", "Staff.v2.CHP", "Staff.v2.IIF.BAK"},
+        {"Gr\xC3\xB6\xC3\x9F" "e \xE2\x82\xAC.IIF", "", "Gr\xC3\xB6\xC3\x9F" "e \xE2\x82\xAC.CHP",
+         "Gr\xC3\xB6\xC3\x9F" "e \xE2\x82\xAC.IIF.BAK"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(pathText(chipEncodePathFor(utf8Path(c.layout), utf8Path(c.encodeFolder))), c.chipEncode);
+        EXPECT_EQ(pathText(backupPathFor(utf8Path(c.layout))), c.backup);
+    }
+    const std::string greek = "\xCE\x9A\xCE\xAC\xCF\x81\xCF\x84\xCE\xB1 \xE2\x82\xAC";
+    layout = dir.path() / utf8Path(greek + ".IIF");
+    ASSERT_TRUE(save().saved && save().saved);
+    EXPECT_EQ(namesIn(dir.path()), (std::vector<std::string>{greek + ".CHP", greek + ".IIF", greek + ".IIF.BAK"}));
+}
+
+// A name or value the file cannot hold as it is refuses the whole save, naming it; what it
+// can hold (quotes, brackets inside, Windows-1252 letters, control characters) reads back.
+TEST_F(LayoutSaver, ItemsAreSavedOnlyWhenTheyReadBackTheSame) {
+    auto constant = [](const std::string& value) { return function("Constant", value, "", "", 0, 20, 0, 8); };
+    const struct {
+        ItemRecord item;
+        const char* refusal;  // a part of the message; nullptr: saved
+    } cases[] = {
+        {field("Caf\xC3\xA9 \xE2\x82\xAC", 0, 19, 0, 8), nullptr}, {field("Say \"hi\"", 0, 19, 0, 8), nullptr},
+        {field("O'Neil", 0, 19, 0, 8), nullptr},   {field("a]b", 0, 19, 0, 8), nullptr},
+        {field("x[1]", 0, 19, 0, 8), nullptr},     {field("Ctl\x01\x1F", 0, 19, 0, 8), nullptr},
+        {constant("\"quoted\""), nullptr},        {constant("a;b=c[d]"), nullptr},
+        {constant("\xE2\x82\xAC 5"), nullptr},     {constant(""), nullptr},
+        {field("", 0, 19, 0, 8), "has no name"},   {field("  ", 0, 19, 0, 8), "has no name"},
+        {field(" Name", 0, 19, 0, 8), "\" Name\" starts or ends with a blank"},
+        {field("Name\t", 0, 19, 0, 8), "starts or ends with a blank"},
+        {field("[Name]", 0, 19, 0, 8), "starts with \"[\""}, {field(";Name", 0, 19, 0, 8), "starts with \";\""},
+        {field("A=B", 0, 19, 0, 8), "\"A=B\" holds \"=\""},
+        {field("Line\nEnd", 0, 19, 0, 8), "holds a line break"},
+        {field("\xE4\xB8\xAD", 0, 19, 0, 8), "outside Windows-1252"},
+        {field("bad\xFFutf8", 0, 19, 0, 8), "outside Windows-1252"},
+        {field("First [+] ;Last", 0, 19, 0, 8), "\";Last\""},
+        {bitField("[Bits", 0, 19, 0, 0, 3), "\"[Bits\""},
+        {constant("a/@b"), "holds \"/@\""},       {constant("one\rtwo"), "line break"},
+        {constant("\xF0\x9F\x98\x80"), "outside Windows-1252"},
+        {dbUpdate("NAME", "Count", "1", "line\nbreak"), "line break"},
+        {field("Checksum", 0, 19, 0, 8), "\"Checksum\" belongs to checksum functions"},
+        {bitField("Checksum", 0, 19, 0, 0, 3), "\"Checksum\" belongs to checksum functions"},
+    };
+    card.setEnableBitwise(true);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.refusal ? c.refusal : c.item.name + " " + c.item.param1);
+        records = RecordArray();
+        records.add(field("Fine", 0, 21, 0, 8));
+        records.add(c.item);
+        const std::string before = fs::exists(layout) ? readBytes(layout) : "";
+        const SaveOutcome out = save();
+        ASSERT_EQ(out.saved, c.refusal == nullptr) << out.message;
+        if (c.refusal) {
+            ASSERT_EQ(prompter.messages.size(), 1u);
+            EXPECT_EQ(out.message.rfind("The layout was not saved: ", 0), 0u) << out.message;
+            EXPECT_NE(out.message.find(c.refusal), std::string::npos) << out.message;
+            EXPECT_EQ(fs::exists(layout) ? readBytes(layout) : "", before);
+            continue;
+        }
+        CIClass opened;
+        RecordArray read;
+        ASSERT_TRUE(readLayout(layout, opened, read, prompter).opened);
+        ASSERT_EQ(read.size(), 2);
+        EXPECT_EQ(read[1], c.item);
+    }
+}
+
+// The operating system's file system tells a missing file (also below a missing folder or a
+// file) from one that cannot be looked at, and its copy never overwrites.
+TEST(SystemFileSystem, StatusAndCopy) {
+    TempDir dir;
+    writeBytes(dir / "file", "x");
+    writeBytes(dir / "readonly", "x");
+    makeReadOnly(dir / "readonly");
+    const struct {
+        std::string path;
+        bool error, exists, readOnly;
+    } cases[] = {
+        {"file", false, true, false},          {"readonly", false, true, true},
+        {"missing", false, false, false},      {"missing/file", false, false, false},
+        {"file/inner", false, false, false},
+#ifdef _WIN32
+        {"bad<name", true, false, false},  // Wine reports an overlong name as missing
+#else
+        {std::string(300, 'n'), true, false, false},
+#endif
+    };
+    FileSystem& files = systemFileSystem();
+    for (const auto& c : cases) {
+        FileStatus status{true, true};
+        EXPECT_EQ(static_cast<bool>(files.status(dir / c.path, status)), c.error) << c.path;
+        EXPECT_EQ(status.exists, c.exists) << c.path;
+        EXPECT_EQ(status.readOnly, c.readOnly) << c.path;
+    }
+    const std::string content(200000, 'c');
+    writeBytes(dir / "source", content);
+    EXPECT_FALSE(files.copy(dir / "source", dir / "copy"));
+    EXPECT_EQ(readBytes(dir / "copy"), content);
+    EXPECT_EQ(files.copy(dir / "source", dir / "file"), std::errc::file_exists);
+    EXPECT_EQ(readBytes(dir / "file"), "x");
+    EXPECT_EQ(files.copy(dir / "missing", dir / "other"), std::errc::no_such_file_or_directory);
+    EXPECT_FALSE(fs::exists(dir / "other"));
 }
 
 }  // namespace

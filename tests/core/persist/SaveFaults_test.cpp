@@ -1,10 +1,10 @@
+// Every file system call of a save fails in turn, with each error that call can meet: the
+// layout and chip encode files stay the old or become the complete new ones, the backup holds
+// a complete layout, a refused save tells the operator once, and no temporary file stays.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <filesystem>
-#include <string>
-#include <vector>
 
 #include "card/CIClass.h"
 #include "items/RecordArray.h"
@@ -22,54 +22,24 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr const char* kStem = "Card";
-// A temporary file a crashed save left beside the layout.
-constexpr const char* kLeftover = ".Card.IIF.777.tmp";
+constexpr const char* kLeftover = ".Card.IIF.777.tmp";  // left by a crashed save
 
-// Fields, a date, a big item, a bit field, a combined field, functions, checksums, bit
-// functions and a database update.
-RecordArray everyKind() {
-    RecordArray records;
-    records.add(field("Name", 0, 19, 0, 16, 0, 0x00E0C0A0));
-    records.add(field("Valid", 0, 21, 0, 4, 10, 0x00A0E0C0));
-    ItemRecord photo = field("Photo", 0, 22, 0, 24, 0, 0x00C0C0C0);
-    photo.isBinary = true;
-    photo.bigItemNumber = 2;
-    records.add(photo);
-    records.add(bitField("Flag", 0, 26, 0, 3, 4, 0x00B0B0E0));
-    records.add(field("First [+] Last", 0, 27, 0, 8, 0, 0x00D0D0D0));
-    records.add(function("Count", "1", "1000", "0", 0, 28, 0, 4, 0x00C8C8FF));
-    records.add(function("Constant", "\"text\" constant", "", "", 0, 28, 4, 4, 0x00E0E0FF));
-    ItemRecord sum = function("Checksum", "2", "", "", 0, 29, 0, 1, 0x00FFC8C8);
-    sum.range = {0, 19, 0, 64, 0};
-    sum.polynomial = {263, 0};
-    records.add(sum);
-    records.add(bitFunction("CardSnNr", "3", 0, 30, 0, 0, 7, 0x00C8FFC8));
-    records.add(dbUpdate("LEVEL", "Count", "5", "1"));
-    return records;
-}
-
-// One failing call's errors: what a full disk, a failing disk, a missing permission, a file
-// system without hard links or a name taken meanwhile make that call return.
+// What a full disk, a failing disk, a missing permission, a file system without hard links or
+// a name taken meanwhile make each call return.
 std::vector<int> errorsOf(Call call) {
     switch (call) {
         case Call::Status: return {EACCES, EIO};
         case Call::CreateNew: return {EACCES, ENOSPC, EEXIST};
-        case Call::Write: return {EIO};
-        case Call::Sync: return {EIO};
-        case Call::Close: return {EIO};
-        case Call::Rename: return {EACCES, EIO};
         case Call::Link: return {EPERM, EEXIST};
+        case Call::Rename: return {EACCES, EIO};
         case Call::Copy: return {ENOSPC};
-        case Call::Remove: return {EIO};
         case Call::List: return {EACCES};
+        default: return {EIO};
     }
-    return {};
 }
 
-// Failures a save works around: a short write is continued, a taken name replaced by
-// another, a missing hard link replaced by a copy; leftovers it cannot remove stay for the
-// next save.
+// A save works around a short write, a taken name, a missing hard link, and leftovers it
+// cannot list or remove.
 bool saveSurvives(Call call, Fault fault, int error) {
     return fault == Fault::ShortWrite || error == EEXIST || call == Call::Link || call == Call::Remove ||
            call == Call::List;
@@ -85,27 +55,22 @@ class SaveFaults : public ::testing::TestWithParam<Scenario> {
 protected:
     SaveFaults() {
         card.setChipSize(iBigOnePage);
-        card.setUseHIDSection(true);
         card.setEnableBitwise(true);
-        fields.setFields({{"Name", "NAME", "Character", 16, 0, true},
-                          {"Valid", "VALID", "Date", 4, 1, true},
-                          {"First", "FIRST", "Character", 8, 2, true},
-                          {"Level", "LEVEL", "Number", 3, 3, true}});
-        records = everyKind();
-
+        fields.setFields({{"Name", "NAME", "Character", 16, 0, true}, {"Level", "LEVEL", "Number", 3, 3, true}});
+        records.add(field("Name", 0, 19, 0, 16, 0, 0x00E0C0A0));
+        records.add(bitField("Flag", 0, 26, 0, 3, 4));
+        records.add(function("Count", "1", "1000", "0", 0, 28, 0, 4));
+        records.add(dbUpdate("LEVEL", "Count", "5", "1"));
         TempDir reference;
-        EXPECT_TRUE(saveReal(reference.path(), records).saved);
-        expected = SavedFiles::read(reference.path(), kStem);
+        EXPECT_TRUE(saveTo(reference.path(), records).saved);
+        expected = SavedFiles::read(reference.path(), "Card");
         if (GetParam().overExistingLayout) {
-            RecordArray older;
-            older.add(field("Name", 0, 19, 0, 4));
-            RecordArray old;
-            old.add(field("Name", 0, 19, 0, 8));
-            old.add(field("Level", 0, 20, 0, 2));
             TempDir past;
-            EXPECT_TRUE(saveReal(past.path(), older).saved);
-            EXPECT_TRUE(saveReal(past.path(), old).saved);
-            before = SavedFiles::read(past.path(), kStem);
+            RecordArray older, old;
+            older.add(field("Name", 0, 19, 0, 4));
+            old.add(field("Name", 0, 19, 0, 8));
+            EXPECT_TRUE(saveTo(past.path(), older).saved && saveTo(past.path(), old).saved);
+            before = SavedFiles::read(past.path(), "Card");
         }
         contents.add("the new layout", expected.layout);
         contents.add("the new chip encode file", expected.encode);
@@ -114,142 +79,112 @@ protected:
         contents.add("the previous backup", before.backup);
     }
 
-    SaveOutcome saveReal(const fs::path& folder, const RecordArray& items) {
-        RecordingPrompter quiet;
-        return saveLayout(folder / (std::string(kStem) + ".IIF"), &card, items, fields, quiet, translator);
+    SaveOutcome saveTo(const fs::path& folder, const RecordArray& items, FileSystem& files = systemFileSystem()) {
+        return saveLayout(folder / "Card.IIF", &card, items, fields, prompter, translator, {}, files);
     }
-
-    // The folder of a save that is about to fail: the scenario's files and a leftover.
-    void prepare(const fs::path& folder) const {
-        before.write(folder, kStem);
-        writeBytes(folder / kLeftover, "left by a crashed save");
-    }
-
-    // A save through files, which sees the real folder under a name that does not exist.
-    SaveOutcome saveThrough(FaultyFileSystem& files, const TempDir& dir, RecordingPrompter& prompter) {
+    // A save through files, which alone maps the folder "unseen" to the real one.
+    SaveOutcome saveFailing(const TempDir& dir, FaultyFileSystem& files) {
+        before.write(dir.path(), "Card");
+        writeBytes(dir / kLeftover, "left by a crashed save");
         if (!GetParam().hardLinks) files.withoutHardLinks();
-        return saveLayout(dir / "unseen" / (std::string(kStem) + ".IIF"), &card, records, fields, prompter, translator,
-                          {}, files);
+        prompter.messages.clear();
+        return saveTo(dir / "unseen", records, files);
     }
-
-    std::vector<Call> successfulSaveCalls();
-    void saveFailing(int index, Call call, Fault fault, int error);
+    void expectFiles(const fs::path& folder, const std::string& layout, const std::string& encode,
+                     const std::string& backup) {
+        const SavedFiles now = SavedFiles::read(folder, "Card");
+        EXPECT_EQ(contents.nameOf(now.layout), layout);
+        EXPECT_EQ(contents.nameOf(now.encode), encode);
+        EXPECT_EQ(contents.nameOf(now.backup), backup);
+    }
 
     CIClass card;
     RecordArray records;
     HostFieldList fields;
+    RecordingPrompter prompter;
     Translator translator;
-    SavedFiles expected;  // the complete new rendering
-    SavedFiles before;    // the files there before the save
+    SavedFiles expected, before;
     KnownContents contents;
 };
 
-std::vector<Call> SaveFaults::successfulSaveCalls() {
-    TempDir dir;
-    prepare(dir.path());
-    FaultyFileSystem files(dir / "unseen", dir.path());
-    RecordingPrompter prompter;
-    const SaveOutcome out = saveThrough(files, dir, prompter);
-    EXPECT_TRUE(out.saved) << out.message;
-    const SavedFiles after = SavedFiles::read(dir.path(), kStem);
-    EXPECT_EQ(contents.nameOf(after.layout), "the new layout");
-    EXPECT_EQ(contents.nameOf(after.encode), "the new chip encode file");
-    EXPECT_EQ(contents.nameOf(after.backup), contents.nameOf(before.layout));
-    EXPECT_EQ(hiddenTempFiles(dir.path()), std::vector<std::string>{}) << "the leftover is removed too";
-    return files.calls();
-}
-
-void SaveFaults::saveFailing(int index, Call call, Fault fault, int error) {
-    const std::string errorText = std::generic_category().message(fault == Fault::Error ? error : ENOSPC);
-    SCOPED_TRACE("call " + std::to_string(index) + " (" + callName(call) + ") fails: " +
-                 (fault == Fault::ShortWrite ? "short write" : errorText));
-    TempDir dir;
-    prepare(dir.path());
-    FaultyFileSystem files(dir / "unseen", dir.path());
-    files.failCall(index, fault, error);
-    RecordingPrompter prompter;
-    const SaveOutcome out = saveThrough(files, dir, prompter);
-    ASSERT_TRUE(files.injected());
-    EXPECT_EQ(files.openHandles(), 0);
-
-    const SavedFiles after = SavedFiles::read(dir.path(), kStem);
-    EXPECT_EQ(out.saved, saveSurvives(call, fault, error)) << out.message;
-    if (out.saved) {
-        EXPECT_TRUE(prompter.messages.empty());
-        EXPECT_EQ(contents.nameOf(after.layout), "the new layout");
-        EXPECT_EQ(contents.nameOf(after.encode), "the new chip encode file");
-        EXPECT_EQ(contents.nameOf(after.backup), contents.nameOf(before.layout));
-    } else {
-        ASSERT_EQ(prompter.messages.size(), 1u);
-        EXPECT_EQ(prompter.messages[0].icon, Icon::Exclamation);
-        EXPECT_EQ(prompter.messages[0].text, out.message);
-        EXPECT_NE(out.message.find(errorText), std::string::npos) << out.message;
-        // Both current files are the previous ones; the backup may already hold the previous layout.
-        EXPECT_EQ(contents.nameOf(after.layout), contents.nameOf(before.layout));
-        EXPECT_EQ(contents.nameOf(after.encode), contents.nameOf(before.encode));
-        if (after.backup != before.backup) {
-            EXPECT_EQ(contents.nameOf(after.backup), contents.nameOf(before.layout));
-        }
-    }
-    // Temporary files are removed, but for one whose removal was the failing call.
-    for (const std::string& name : hiddenTempFiles(dir.path()))
-        if (name != kLeftover && !(call == Call::Remove && files.failedPath() == dir / name))
-            ADD_FAILURE() << "temporary file left behind: " << name;
-
-    // The next save works and removes every leftover.
-    const SavedFiles failed = SavedFiles::read(dir.path(), kStem);
-    const SaveOutcome again = saveReal(dir.path(), records);
-    ASSERT_TRUE(again.saved) << again.message;
-    const SavedFiles next = SavedFiles::read(dir.path(), kStem);
-    EXPECT_EQ(contents.nameOf(next.layout), "the new layout");
-    EXPECT_EQ(contents.nameOf(next.encode), "the new chip encode file");
-    EXPECT_EQ(contents.nameOf(next.backup), contents.nameOf(failed.layout ? failed.layout : failed.backup));
-    EXPECT_EQ(hiddenTempFiles(dir.path()), std::vector<std::string>{});
-}
-
 TEST_P(SaveFaults, EveryFailingCallLeavesCompleteFilesAndTellsTheOperator) {
-    const std::vector<Call> calls = successfulSaveCalls();
-    // The save's existence checks, writes and renames all go through the file system seam.
-    for (Call c : {Call::Status, Call::CreateNew, Call::Write, Call::Sync, Call::Close, Call::Rename, Call::List})
-        EXPECT_NE(std::find(calls.begin(), calls.end(), c), calls.end()) << callName(c);
-    if (GetParam().overExistingLayout) {
-        EXPECT_NE(std::find(calls.begin(), calls.end(), GetParam().hardLinks ? Call::Link : Call::Copy), calls.end());
+    std::vector<Call> calls;
+    {
+        TempDir dir;
+        FaultyFileSystem files(dir / "unseen", dir.path());
+        ASSERT_TRUE(saveFailing(dir, files).saved);
+        expectFiles(dir.path(), "the new layout", "the new chip encode file", contents.nameOf(before.layout));
+        EXPECT_EQ(hiddenTempFiles(dir.path()), std::vector<std::string>{});
+        calls = files.calls();
     }
-    ASSERT_FALSE(HasFailure());
+    for (Call c : {Call::Status, Call::CreateNew, Call::Write, Call::Sync, Call::Close, Call::Rename, Call::List})
+        ASSERT_NE(std::find(calls.begin(), calls.end(), c), calls.end()) << callName(c);
 
     for (int i = 0; i < static_cast<int>(calls.size()); ++i) {
-        for (int error : errorsOf(calls[i])) saveFailing(i, calls[i], Fault::Error, error);
-        if (calls[i] == Call::Write) {
-            saveFailing(i, calls[i], Fault::ShortWrite, 0);
-            saveFailing(i, calls[i], Fault::DiskFull, 0);
+        std::vector<std::pair<Fault, int>> faults;
+        for (int e : errorsOf(calls[i])) faults.emplace_back(Fault::Error, e);
+        if (calls[i] == Call::Write) faults.insert(faults.end(), {{Fault::ShortWrite, 0}, {Fault::DiskFull, 0}});
+        for (const auto& [fault, error] : faults) {
+            const std::string errorText = std::generic_category().message(fault == Fault::Error ? error : ENOSPC);
+            SCOPED_TRACE("call " + std::to_string(i) + " (" + callName(calls[i]) + ") fails: " +
+                         (fault == Fault::ShortWrite ? "short write" : errorText));
+            TempDir dir;
+            FaultyFileSystem files(dir / "unseen", dir.path());
+            files.failCall(i, fault, error);
+            const SaveOutcome out = saveFailing(dir, files);
+            ASSERT_TRUE(files.injected());
+            EXPECT_EQ(files.openHandles(), 0);
+            ASSERT_EQ(out.saved, saveSurvives(calls[i], fault, error)) << out.message;
+            const SavedFiles failed = SavedFiles::read(dir.path(), "Card");
+            if (out.saved) {
+                EXPECT_TRUE(prompter.messages.empty());
+                expectFiles(dir.path(), "the new layout", "the new chip encode file", contents.nameOf(before.layout));
+            } else {
+                ASSERT_EQ(prompter.messages.size(), 1u);
+                EXPECT_EQ(prompter.messages[0].icon, Icon::Exclamation);
+                EXPECT_EQ(prompter.messages[0].text, out.message);
+                EXPECT_NE(out.message.find(errorText), std::string::npos) << out.message;
+                EXPECT_NE(out.message.find("are unchanged"), std::string::npos) << out.message;
+                // The backup may already hold the previous layout.
+                expectFiles(dir.path(), contents.nameOf(before.layout), contents.nameOf(before.encode),
+                            contents.nameOf(failed.backup == before.backup ? before.backup : before.layout));
+            }
+            // Temporary files are removed, but for one whose removal was the failing call.
+            for (const std::string& name : hiddenTempFiles(dir.path()))
+                EXPECT_TRUE(name == kLeftover || (calls[i] == Call::Remove && files.failedPath() == dir / name))
+                    << "temporary file left behind: " << name;
+            // The next save works and removes every leftover.
+            ASSERT_TRUE(saveTo(dir.path(), records).saved);
+            expectFiles(dir.path(), "the new layout", "the new chip encode file",
+                        contents.nameOf(failed.layout ? failed.layout : failed.backup));
+            EXPECT_EQ(hiddenTempFiles(dir.path()), std::vector<std::string>{});
+            if (HasFatalFailure()) return;
         }
-        if (HasFatalFailure()) return;
     }
-    RecordProperty("failurePoints", static_cast<int>(calls.size()));
 }
 
+// When the layout file cannot be put in place and the previous chip encode file cannot be put
+// back either, the operator is told that the two files no longer belong together.
 TEST_P(SaveFaults, AChipEncodeFileThatCannotBeTakenBackIsReported) {
-    const std::vector<Call> calls = successfulSaveCalls();
-    // The last rename puts the layout file in place; in a save where it fails, the next call
-    // puts the previous chip encode file back (or removes the new one on a first save).
-    const auto last = std::find(calls.rbegin(), calls.rend(), Call::Rename);
-    ASSERT_NE(last, calls.rend());
-    const int layoutRename = static_cast<int>(calls.rend() - last) - 1;
-
+    std::vector<Call> calls;
+    {
+        TempDir dir;
+        FaultyFileSystem files(dir / "unseen", dir.path());
+        ASSERT_TRUE(saveFailing(dir, files).saved);
+        calls = files.calls();
+    }
+    const int layoutRename = static_cast<int>(calls.rend() - std::find(calls.rbegin(), calls.rend(), Call::Rename)) - 1;
     TempDir dir;
-    prepare(dir.path());
     FaultyFileSystem files(dir / "unseen", dir.path());
     files.failCall(layoutRename, Fault::Error, EIO);
     files.failCall(layoutRename + 1, Fault::Error, EIO);
-    RecordingPrompter prompter;
-    const SaveOutcome out = saveThrough(files, dir, prompter);
+    const SaveOutcome out = saveFailing(dir, files);
     EXPECT_FALSE(out.saved);
     ASSERT_EQ(prompter.messages.size(), 1u);
-    EXPECT_EQ(prompter.messages[0].text, out.message);
-    const SavedFiles after = SavedFiles::read(dir.path(), kStem);
+    EXPECT_NE(out.message.find("no longer belong together"), std::string::npos) << out.message;
+    const SavedFiles after = SavedFiles::read(dir.path(), "Card");
     EXPECT_EQ(contents.nameOf(after.layout), contents.nameOf(before.layout));
     EXPECT_EQ(contents.nameOf(after.encode), "the new chip encode file");
-    EXPECT_EQ(out.message.find("unchanged"), std::string::npos) << out.message;
 }
 
 INSTANTIATE_TEST_SUITE_P(Saves, SaveFaults,

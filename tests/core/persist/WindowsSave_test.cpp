@@ -1,10 +1,14 @@
-// What a save meets only on Windows: file attributes and files that another program holds open.
+// What a save meets only on Windows: the read-only attribute, files another program holds
+// open, and a saving process ended by TerminateProcess (Windows has no fork and no SIGKILL).
 #ifdef _WIN32
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <filesystem>
-#include <string>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <random>
+#include <thread>
 
 #include "card/CIClass.h"
 #include "items/RecordArray.h"
@@ -12,6 +16,7 @@
 #include "persist/HostFields.h"
 #include "persist/LayoutSaver.h"
 #include "support/Records.h"
+#include "support/SavedFiles.h"
 #include "support/TestSupport.h"
 #include "text/Translator.h"
 
@@ -21,76 +26,134 @@ namespace fs = std::filesystem;
 
 namespace {
 
-class WindowsSave : public ::testing::Test {
-protected:
-    WindowsSave() {
-        records.add(field("Name", 0, 19, 0, 8));
-        writeBytes(layout, "old layout");
-        writeBytes(encode, "old encode");
-    }
-    SaveOutcome save() { return saveLayout(layout, &card, records, fields, prompter, translator); }
-    std::size_t filesInFolder() const {
-        return static_cast<std::size_t>(std::distance(fs::directory_iterator(dir.path()), fs::directory_iterator()));
-    }
-
-    TempDir dir;
-    fs::path layout = dir / "Card.IIF";
-    fs::path encode = dir / "Card.CHP";
+// Two large layouts of one-byte fields with different names and counts.
+struct Layouts {
     CIClass card;
-    RecordArray records;
+    RecordArray records[2];
     HostFieldList fields;
-    RecordingPrompter prompter;
     Translator translator;
+
+    Layouts() {
+        card.setChipSize(iBigOnePage);
+        for (int which = 0; which < 2; ++which)
+            for (int i = 0; i < (which == 0 ? 900 : 800); ++i) {
+                char name[16];
+                std::snprintf(name, sizeof name, "%c%04d", which == 0 ? 'A' : 'B', i);
+                records[which].add(field(name, 0, 19 + i / 8, i % 8, 1, 0, 0x10000 + i));
+            }
+    }
+    SaveOutcome save(const fs::path& folder, int which) const {
+        RecordingPrompter quiet;
+        return saveLayout(folder / "Card.IIF", &card, records[which], fields, quiet, translator);
+    }
 };
 
-struct AttributeCase {
-    DWORD attributes;
-    bool readOnly;
-};
+// Started with KESTRIN_SAVER_FOLDER set, this program saves the two layouts in turn until it
+// is ended, after telling through a "ready" file that it begins.
+const bool kSaver = [] {
+    const char* folder = std::getenv("KESTRIN_SAVER_FOLDER");
+    if (folder == nullptr) return false;
+    const Layouts layouts;
+    writeBytes(fs::path(folder) / "ready", "");
+    for (int i = 0;; ++i)
+        if (!layouts.save(folder, i % 2).saved) std::_Exit(3);
+}();
+
+HANDLE startSaver(const fs::path& folder) {
+    wchar_t program[MAX_PATH];
+    GetModuleFileNameW(nullptr, program, MAX_PATH);
+    SetEnvironmentVariableW(L"KESTRIN_SAVER_FOLDER", folder.c_str());
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION process{};
+    const BOOL started = CreateProcessW(program, nullptr, nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process);
+    SetEnvironmentVariableW(L"KESTRIN_SAVER_FOLDER", nullptr);
+    if (!started) return nullptr;
+    CloseHandle(process.hThread);
+    return process.hProcess;
+}
+
+TEST(SaveTerminate, AnEndedSaveLeavesEveryFileComplete) {
+    const unsigned seed = std::random_device{}();
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 rng(seed);
+    const Layouts layouts;
+    KnownContents contents;
+    for (int which = 0; which < 2; ++which) {
+        TempDir one;
+        ASSERT_TRUE(layouts.save(one.path(), which).saved);
+        const SavedFiles files = SavedFiles::read(one.path(), "Card");
+        contents.add(which == 0 ? "layout A" : "layout B", files.layout);
+        contents.add(which == 0 ? "encode A" : "encode B", files.encode);
+    }
+    TempDir work;
+    ASSERT_TRUE(layouts.save(work.path(), 0).saved);
+    const auto start = std::chrono::steady_clock::now();
+    ASSERT_TRUE(layouts.save(work.path(), 1).saved);
+    const auto oneSave = std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start);
+    std::uniform_int_distribution<int64_t> delay(0, oneSave.count() * 3);
+    for (int n = 0; n < 40; ++n) {
+        const HANDLE saver = startSaver(work.path());
+        ASSERT_NE(saver, nullptr);
+        while (!fs::exists(work / "ready") && WaitForSingleObject(saver, 1) == WAIT_TIMEOUT) {
+        }
+        std::this_thread::sleep_for(std::chrono::microseconds(delay(rng)));
+        DWORD exitCode = 0;
+        GetExitCodeProcess(saver, &exitCode);
+        EXPECT_EQ(exitCode, STILL_ACTIVE) << "the saver ended by itself with " << exitCode;
+        TerminateProcess(saver, 9);
+        WaitForSingleObject(saver, INFINITE);
+        CloseHandle(saver);
+        fs::remove(work / "ready");
+        const SavedFiles now = SavedFiles::read(work.path(), "Card");
+        const std::string layout = contents.nameOf(now.layout), encode = contents.nameOf(now.encode),
+                          backup = contents.nameOf(now.backup);
+        ASSERT_TRUE(layout == "layout A" || layout == "layout B") << n << ": the layout is " << layout;
+        ASSERT_TRUE(encode == "encode A" || encode == "encode B") << n << ": the chip encode file is " << encode;
+        ASSERT_TRUE(backup == "layout A" || backup == "layout B") << n << ": the backup is " << backup;
+    }
+    ASSERT_TRUE(layouts.save(work.path(), 0).saved);
+    EXPECT_EQ(hiddenTempFiles(work.path()), std::vector<std::string>{});
+}
 
 // Only the read-only attribute refuses a file; hidden, system and archived files are saved.
-TEST_F(WindowsSave, TheReadOnlyAttributeAloneRefusesAFile) {
-    const AttributeCase cases[] = {
-        {FILE_ATTRIBUTE_NORMAL, false},
-        {FILE_ATTRIBUTE_ARCHIVE, false},
-        {FILE_ATTRIBUTE_HIDDEN, false},
-        {FILE_ATTRIBUTE_READONLY, true},
-        {FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN, true},
-    };
-    for (const auto& c : cases) {
-        for (const fs::path& file : {layout, encode}) {
-            ASSERT_TRUE(SetFileAttributesW(file.c_str(), c.attributes));
-            FileStatus status;
-            EXPECT_FALSE(systemFileSystem().status(file, status));
-            EXPECT_EQ(status.readOnly, c.readOnly) << c.attributes;
-            const SaveOutcome out = save();
-            EXPECT_EQ(out.saved, !c.readOnly) << c.attributes << " " << out.message;
-            SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_NORMAL);
+TEST(WindowsSave, TheReadOnlyAttributeAloneRefusesAFile) {
+    TempDir dir;
+    const Layouts layouts;
+    const struct {
+        DWORD attributes;
+        bool readOnly;
+    } cases[] = {{FILE_ATTRIBUTE_NORMAL, false},  {FILE_ATTRIBUTE_ARCHIVE, false},
+                 {FILE_ATTRIBUTE_HIDDEN, false},  {FILE_ATTRIBUTE_READONLY, true},
+                 {FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN, true}};
+    ASSERT_TRUE(layouts.save(dir.path(), 0).saved);
+    for (const auto& c : cases)
+        for (const char* name : {"Card.IIF", "Card.CHP"}) {
+            ASSERT_TRUE(SetFileAttributesW((dir / name).c_str(), c.attributes));
+            EXPECT_EQ(layouts.save(dir.path(), 1).saved, !c.readOnly) << name << " " << c.attributes;
+            SetFileAttributesW((dir / name).c_str(), FILE_ATTRIBUTE_NORMAL);
         }
-    }
 }
 
 // A layout open in another program that does not share it for deleting cannot be replaced:
-// the save is refused with a message and leaves the layout and its chip encode file as they
-// were, the backup a complete copy of that layout, and no temporary file. Once the program
-// lets go, the save succeeds.
-TEST_F(WindowsSave, ALayoutHeldOpenElsewhereIsRefusedAndKeptWhole) {
-    ASSERT_TRUE(save().saved);
-    const std::string savedLayout = readBytes(layout), savedEncode = readBytes(encode);
-    const HANDLE held = CreateFileW(layout.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+// the save is refused with a message and leaves every file as it was and no temporary file.
+TEST(WindowsSave, ALayoutHeldOpenElsewhereIsRefusedAndKeptWhole) {
+    TempDir dir;
+    const Layouts layouts;
+    ASSERT_TRUE(layouts.save(dir.path(), 0).saved);
+    ASSERT_TRUE(layouts.save(dir.path(), 0).saved);
+    const SavedFiles saved = SavedFiles::read(dir.path(), "Card");
+    const HANDLE held =
+        CreateFileW((dir / "Card.IIF").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
     ASSERT_NE(held, INVALID_HANDLE_VALUE);
-    records.add(field("Other", 0, 20, 0, 8));
-    const SaveOutcome refused = save();
+    const SaveOutcome refused = layouts.save(dir.path(), 1);
     CloseHandle(held);
     EXPECT_FALSE(refused.saved);
     EXPECT_NE(refused.message.find("could not be saved"), std::string::npos) << refused.message;
-    EXPECT_EQ(readBytes(layout), savedLayout);
-    EXPECT_EQ(readBytes(encode), savedEncode);
-    EXPECT_EQ(readBytes(dir / "Card.IIF.BAK"), savedLayout);
-    EXPECT_EQ(filesInFolder(), 3u);
-    const SaveOutcome out = save();
-    ASSERT_TRUE(out.saved) << out.message;
-    EXPECT_NE(readBytes(layout), savedLayout);
+    const SavedFiles after = SavedFiles::read(dir.path(), "Card");
+    EXPECT_TRUE(after.layout == saved.layout && after.encode == saved.encode && after.backup == saved.layout);
+    EXPECT_EQ(hiddenTempFiles(dir.path()), std::vector<std::string>{});
+    ASSERT_TRUE(layouts.save(dir.path(), 1).saved);
 }
 
 }  // namespace

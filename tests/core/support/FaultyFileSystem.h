@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -49,6 +50,9 @@ public:
     // The real path the failed call was about (empty for calls on a handle).
     const std::filesystem::path& failedPath() const { return failedPath_; }
     int openHandles() const { return openHandles_; }
+    // Runs once, at the first call that may change the disk (any call but status): the
+    // save has rendered its files and checked the old ones by then.
+    std::function<void()> beforeChange;
 
     std::error_code status(const std::filesystem::path& path, FileStatus& out) override {
         if (auto ec = enter(Call::Status, path)) return ec;
@@ -114,6 +118,7 @@ private:
     }
     // Counts a call; true when it is the one to fail.
     bool next(Call c) {
+        if (c != Call::Status && beforeChange) std::exchange(beforeChange, nullptr)();
         calls_.push_back(c);
         const bool chosen =
             std::find(failAt_.begin(), failAt_.end(), static_cast<int>(calls_.size()) - 1) != failAt_.end();
