@@ -5,7 +5,10 @@
 #include <benchmark/benchmark.h>
 #include <ini.h>
 
+#include <functional>
+#include <map>
 #include <string>
+#include <utility>
 
 #include "SaveOpenRunner.h"
 #include "BenchLayouts.h"
@@ -97,6 +100,22 @@ KESTRIN_REFERENCE_BENCHMARKS(openFromBytes, "OpenBytes");
 KESTRIN_REFERENCE_BENCHMARKS(inihParse, "InihParse");
 KESTRIN_REFERENCE_BENCHMARKS(renderOnly, "RenderLayoutFile");
 KESTRIN_REFERENCE_BENCHMARKS(copyLines, "LineCopy");
+
+// The same four over the scaling series' layouts, so that the ratios can be followed as the
+// item count grows.
+[[maybe_unused]] const bool scalingRegistered = [] {
+    using Fn = void (*)(benchmark::State&, const BenchLayout&);
+    for (int32_t n : {500, 1000, 2000, 4000}) {
+        static std::map<int32_t, BenchLayout> layouts;
+        const BenchLayout& layout = layouts.emplace(n, makeScaledByteLayout(n)).first->second;
+        for (auto [fn, kind] : {std::pair<Fn, const char*>{openFromBytes, "OpenBytes"}, {inihParse, "InihParse"},
+                                {renderOnly, "RenderLayoutFile"}, {copyLines, "LineCopy"}})
+            benchmark::RegisterBenchmark((std::string("ScalingFields/") + kind + "/items:" + std::to_string(n)).c_str(),
+                                         fn, std::cref(layout))
+                ->Unit(benchmark::kMillisecond);
+    }
+    return true;
+}();
 
 }  // namespace
 }  // namespace kestrin::bench

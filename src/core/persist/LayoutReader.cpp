@@ -64,10 +64,10 @@ std::vector<int32_t> numbersOf(const ProfileDocument& doc, std::string_view sect
 class Reader {
 public:
     Reader(const ProfileDocument& doc, const CIClass& card, LayoutReadResult& result)
-        : doc_(doc), card_(card), result_(result), encode_(doc.section(S::Encode)), itemColor_(doc.section(S::ItemColor)),
-          fieldType_(doc.section(S::FieldType)), bigItem_(doc.section(S::BigItem)), bitEncode_(doc.section(S::BitEncode)),
-          bitItemColor_(doc.section(S::BitItemColor)), combined_(doc.section(S::CombinedFields)),
-          multiTrack_(doc.section(S::FieldsMultiTrack)) {}
+        : doc_(doc), card_(card), result_(result), encode_(doc.section(S::Encode)), bitEncode_(doc.section(S::BitEncode)),
+          combined_(doc.section(S::CombinedFields)), multiTrack_(doc.section(S::FieldsMultiTrack)),
+          itemColor_(doc.cursor(S::ItemColor)), fieldType_(doc.cursor(S::FieldType)), bigItem_(doc.cursor(S::BigItem)),
+          bitItemColor_(doc.cursor(S::BitItemColor)) {}
 
     RecordArray run() {
         records_.reserve(entriesOf(encode_) + entriesOf(bitEncode_) + entriesOf(multiTrack_));
@@ -392,7 +392,8 @@ private:
     LayoutReadResult& result_;
     // The sections read entry by entry, found once.
     using Section = ProfileDocument::Section;
-    const Section *encode_, *itemColor_, *fieldType_, *bigItem_, *bitEncode_, *bitItemColor_, *combined_, *multiTrack_;
+    const Section *encode_, *bitEncode_, *combined_, *multiTrack_;
+    ProfileDocument::Cursor itemColor_, fieldType_, bigItem_, bitItemColor_;  // asked in the encode sections' order
     RecordArray records_;
     size_t unlisted_ = 0;  // dropped entries beyond the warning limit
     size_t tooMany_ = 0;   // entries beyond the item limit

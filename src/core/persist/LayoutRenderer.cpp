@@ -27,15 +27,16 @@ public:
     std::string next(std::string_view name) {
         if ((names_.size() + 1) * 2 > slots_.size()) grow();
         const uint64_t hash = AsciiCaselessHash{}(name);
+        const auto high = static_cast<uint32_t>(hash >> 32);
         const size_t mask = slots_.size() - 1;
         size_t slot = hash & mask;
-        while (slots_[slot] != 0 && !sameName(names_[slots_[slot] - 1], hash, name)) slot = (slot + 1) & mask;
-        if (slots_[slot] == 0) {
+        while (slots_[slot].name != 0 && !sameName(slots_[slot], high, name)) slot = (slot + 1) & mask;
+        if (slots_[slot].name == 0) {
             names_.push_back(Name{text_.size(), name.size(), hash, 0});
             text_.append(name);
-            slots_[slot] = static_cast<uint32_t>(names_.size());
+            slots_[slot] = Slot{static_cast<uint32_t>(names_.size()), high};
         }
-        const int32_t n = ++names_[slots_[slot] - 1].count;
+        const int32_t n = ++names_[slots_[slot].name - 1].count;
         char number[16];
         char* end = std::to_chars(number, number + sizeof number, n).ptr;
         std::string key;
@@ -44,27 +45,43 @@ public:
         return key;
     }
 
+    // Room for this many names of about this many bytes in all, so the table grows once.
+    void reserve(size_t names, size_t textBytes) {
+        names_.reserve(names);
+        text_.reserve(textBytes);
+        size_t slots = 64;
+        while (slots < names * 2) slots *= 2;
+        if (names_.empty() && slots > slots_.size()) slots_.assign(slots, Slot{});  // nothing to place again
+    }
+
 private:
     struct Name {
         size_t at, size;
         uint64_t hash;
         int32_t count;
     };
-    bool sameName(const Name& n, uint64_t hash, std::string_view name) const {
-        return n.hash == hash && AsciiCaselessEqual{}(std::string_view(text_).substr(n.at, n.size), name);
+    // A slot holds the high half of its name's hash, so other names are passed without reading them.
+    struct Slot {
+        uint32_t name = 0;  // name number + 1; 0 is free
+        uint32_t high = 0;
+    };
+    bool sameName(const Slot& slot, uint32_t high, std::string_view name) const {
+        if (slot.high != high) return false;
+        const Name& n = names_[slot.name - 1];
+        return AsciiCaselessEqual{}(std::string_view(text_).substr(n.at, n.size), name);
     }
     void grow() {
-        slots_.assign(slots_.empty() ? 64 : slots_.size() * 2, 0);
+        slots_.assign(slots_.empty() ? 64 : slots_.size() * 2, Slot{});
         const size_t mask = slots_.size() - 1;
         for (size_t i = 0; i < names_.size(); ++i) {
             size_t slot = names_[i].hash & mask;
-            while (slots_[slot] != 0) slot = (slot + 1) & mask;
-            slots_[slot] = static_cast<uint32_t>(i + 1);
+            while (slots_[slot].name != 0) slot = (slot + 1) & mask;
+            slots_[slot] = Slot{static_cast<uint32_t>(i + 1), static_cast<uint32_t>(names_[i].hash >> 32)};
         }
     }
     std::string text_;
     std::vector<Name> names_;
-    std::vector<uint32_t> slots_;  // name number + 1; 0 is free
+    std::vector<Slot> slots_;
 };
 
 class Renderer {
@@ -75,12 +92,16 @@ public:
     RenderedLayout run() {
         findDistinctKeys();
         writeCardDesign();
-        if (!records_.empty()) {
-            for (const ItemRecord& r : records_)
-                if (!isChecksum(r)) writeFirstPass(r);
+        bool anyChecksum = false;
+        for (const ItemRecord& r : records_) {
+            if (isChecksum(r))
+                anyChecksum = true;
+            else
+                writeFirstPass(r);
+        }
+        if (anyChecksum)
             for (const ItemRecord& r : records_)
                 if (isChecksum(r) && !r.isDbUpdate) writeChecksum(r);
-        }
         out_.bytes = w_.bytes();
         return std::move(out_);
     }
@@ -95,6 +116,25 @@ private:
         else
             w_.write(section, key, value);
     }
+    // A section written item after item: with keys known to be new, the writer finds it once.
+    struct Run {
+        std::string_view section;
+        size_t index = ProfileWriter::kNoSection;
+    };
+    void string(Run& run, const std::string& key, std::string_view value, bool fresh) {
+        if (!fresh || (!value.empty() && value.front() == '"')) return string(run.section, key, value, fresh);
+        if (run.index != ProfileWriter::kNoSection)
+            w_.writeNew(run.index, key, value);
+        else
+            run.index = w_.writeNew(run.section, key, value);
+    }
+    void integer(Run& run, const std::string& key, int64_t value, bool remember, bool fresh) {
+        char buf[24];
+        string(run, key, std::string_view(buf, static_cast<size_t>(std::to_chars(buf, buf + sizeof buf, value).ptr - buf)),
+               fresh);
+        if (remember) lastInt_ = value;
+    }
+
     // Colours and modes are remembered: a bit checksum with an unclear mode repeats the last one.
     void integer(std::string_view section, const std::string& key, int64_t value, bool remember = false,
                  bool fresh = false) {
@@ -108,12 +148,17 @@ private:
     // starts with a blank (the writer trims keys). FIELDTYPE takes the keys of both numberings,
     // which meet when a name is used by byte-wise and bit-wise items alike.
     void findDistinctKeys() {
-        size_t byteKeys = 0, bitKeys = 0;
+        size_t byteKeys = 0, bitKeys = 0, byteNames = 0, bitNames = 0;
         for (const ItemRecord& r : records_) {
             if (r.isDbUpdate || r.isFunction || r.isBitFunction) continue;
             ++(r.isBit ? bitKeys : byteKeys);
-            for (const std::string& part : isCombinedField(r) ? splitCombinedName(r.name) : std::vector{r.name})
-                if (!part.empty() && isProfileSpace(part.front())) distinctKeys_ = false;
+            (r.isBit ? bitNames : byteNames) += r.name.size();
+            if (!isCombinedField(r)) {
+                if (!r.name.empty() && isProfileSpace(r.name.front())) distinctKeys_ = false;
+            } else {
+                for (const std::string& part : splitCombinedName(r.name))
+                    if (!part.empty() && isProfileSpace(part.front())) distinctKeys_ = false;
+            }
         }
         distinctFieldTypes_ = distinctKeys_ && !(byteKeys && bitKeys);
         // A field's lines take about this many bytes: "F0001(1)=0,19,0,1,0".
@@ -122,6 +167,9 @@ private:
                                      {S::BitEncode, bitKeys}, {S::BitItemColor, bitKeys},
                                      {S::FieldType, byteKeys + bitKeys}})
             if (keys > 0) w_.expect(section, keys, keys * kLineBytes);
+        byteKeys_.reserve(byteKeys, byteNames);
+        bitKeys_.reserve(bitKeys, bitNames);
+        out_.usedFieldList.reserve(byteNames + bitNames + (byteKeys + bitKeys) * 6);  // "Name(n)" each
     }
 
     void writeCardDesign() {
@@ -171,9 +219,9 @@ private:
     void writeField(const ItemRecord& r) {
         const std::string key = byteKeys_.next(r.name);
         useKey(key);
-        string(S::Encode, key, joinNumbers({r.page, r.block, r.beginByte, r.numBytes, r.encodingCode}), distinctKeys_);
-        integer(S::ItemColor, key, r.color, true, distinctKeys_);
-        integer(S::FieldType, key, r.fieldType, false, distinctFieldTypes_);
+        string(encode_, key, joinNumbers({r.page, r.block, r.beginByte, r.numBytes, r.encodingCode}), distinctKeys_);
+        integer(itemColor_, key, r.color, true, distinctKeys_);
+        integer(fieldType_, key, r.fieldType, false, distinctFieldTypes_);
         if (r.isBinary) writeBigItem(key, r);
     }
 
@@ -211,10 +259,10 @@ private:
     void writeBitField(const ItemRecord& r) {
         const std::string key = bitKeys_.next(r.name);
         useKey(key);
-        string(S::BitEncode, key, joinNumbers({r.page, r.block, r.beginByte, r.beginBit, r.numBits, r.encodingCode}),
+        string(bitEncode_, key, joinNumbers({r.page, r.block, r.beginByte, r.beginBit, r.numBits, r.encodingCode}),
                distinctKeys_);
-        integer(S::BitItemColor, key, r.color, true, distinctKeys_);
-        integer(S::FieldType, key, r.fieldType, false, distinctFieldTypes_);
+        integer(bitItemColor_, key, r.color, true, distinctKeys_);
+        integer(fieldType_, key, r.fieldType, false, distinctFieldTypes_);
     }
 
     void writeDatabaseUpdate(const ItemRecord& r) {
@@ -274,6 +322,8 @@ private:
     int64_t lastInt_ = 0;
     bool distinctKeys_ = true;
     bool distinctFieldTypes_ = true;
+    Run encode_{S::Encode}, itemColor_{S::ItemColor}, fieldType_{S::FieldType}, bitEncode_{S::BitEncode},
+        bitItemColor_{S::BitItemColor};
 };
 
 }  // namespace

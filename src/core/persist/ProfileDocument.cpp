@@ -60,7 +60,10 @@ void ProfileDocument::NameIndex::build(const std::vector<Entry>& entries, size_t
             if (slots_[slot].hash == high && AsciiCaselessEqual{}(entries[slots_[slot].entry - 1].name, e.name)) break;
             slot = (slot + 1) & mask_;
         }
-        if (slots_[slot].entry == 0) slots_[slot] = Slot{static_cast<uint32_t>(i + 1), high};
+        if (slots_[slot].entry == 0) {
+            slots_[slot] = Slot{static_cast<uint32_t>(i + 1), high};
+            marked[i].firstOfName = true;
+        }
         const bool listed = e.hasEquals && (e.name.empty() || e.name.front() != ';');
         if (markDistinct && listed && !keyListed[slot]) {
             keyListed[slot] = true;
@@ -170,6 +173,35 @@ const ProfileDocument::Entry* ProfileDocument::findEntry(const Section* s, std::
     if (!s) return nullptr;
     key = trimProfileSpace(key);
     return s->index.find(entries_, key, AsciiCaselessHash{}(key));
+}
+
+const ProfileDocument::Entry* ProfileDocument::findEntry(Cursor& c, std::string_view key) const {
+    if (!c.section) return nullptr;
+    key = trimProfileSpace(key);
+    const uint64_t hash = AsciiCaselessHash{}(key);
+    const Section& s = *c.section;
+    if (c.next < s.entryCount) {
+        const Entry& e = entries_[s.firstEntry + c.next];
+        if (e.firstOfName && e.hash == hash && AsciiCaselessEqual{}(e.name, key)) {
+            ++c.next;
+            return &e;
+        }
+    }
+    const Entry* e = s.index.find(entries_, key, hash);
+    if (e) c.next = static_cast<size_t>(e - entries_.data()) - s.firstEntry + 1;
+    return e;
+}
+
+std::optional<std::string_view> ProfileDocument::rawValue(Cursor& c, std::string_view key) const {
+    const Entry* e = findEntry(c, key);
+    if (!e || !e->hasEquals) return std::nullopt;
+    return e->value;
+}
+
+int32_t ProfileDocument::getInt(Cursor& c, std::string_view key, int32_t defaultValue) const {
+    auto raw = rawValue(c, key);
+    if (!raw) return defaultValue;
+    return parseProfileInt(stripProfileQuotes(*raw)).value_or(defaultValue);
 }
 
 std::optional<std::string_view> ProfileDocument::rawValue(const Section* s, std::string_view key) const {

@@ -33,6 +33,17 @@ public:
     struct Section;
     const Section* section(std::string_view name) const;
 
+    // Lookups in one section of keys that mostly come in the section's own order (a layout's
+    // colour and type sections follow its encode sections): each first tries the entry after
+    // the one found last, and only then the section's index. Same answers as by name.
+    struct Cursor {
+        const Section* section = nullptr;
+        size_t next = 0;  // entry number within the section
+    };
+    Cursor cursor(std::string_view section) const { return Cursor{this->section(section)}; }
+    int32_t getInt(Cursor& cursor, std::string_view key, int32_t defaultValue) const;
+    std::optional<std::string_view> rawValue(Cursor& cursor, std::string_view key) const;
+
     // GetPrivateProfileStringA with a buffer of bufferSize characters.
     std::string getString(std::string_view section, std::string_view key, std::string_view defaultText,
                           size_t bufferSize = 1024) const;
@@ -61,6 +72,7 @@ public:
         uint64_t hash = 0;           // of the name, letter case ignored
         bool hasEquals = false;
         bool distinctKey = false;    // the first entry of its name among the listed keys
+        bool firstOfName = false;    // the entry a lookup of its name finds
     };
     // An open-addressing table of entry numbers by name: the first entry of a name wins.
     class NameIndex {
@@ -86,6 +98,7 @@ public:
 
 private:
     const Entry* findEntry(const Section* section, std::string_view key) const;
+    const Entry* findEntry(Cursor& cursor, std::string_view key) const;
 
     std::vector<char> text_;  // the file's text in UTF-8; a vector keeps its storage when moved
     std::vector<Entry> entries_;
@@ -101,7 +114,7 @@ void ProfileDocument::forEachDistinctKey(const Section* section, Visit&& visit) 
     for (size_t i = section->firstEntry; i < section->firstEntry + section->entryCount; ++i) {
         const Entry& e = entries_[i];
         if (!e.distinctKey) continue;
-        const Entry* first = section->index.find(entries_, e.name, e.hash);
+        const Entry* first = e.firstOfName ? &e : section->index.find(entries_, e.name, e.hash);
         visit(e.name, first && first->hasEquals ? std::optional<std::string_view>(first->value) : std::nullopt);
     }
 }

@@ -77,14 +77,20 @@ void ProfileWriter::append(Section& s, std::string_view key, std::string_view va
     k.size = static_cast<uint32_t>(key.size());
     k.valueAt = k.at + k.size + 1;
     k.valueSize = static_cast<uint32_t>(value.size());
-    s.lines.append(key).append(1, '=').append(value).append("\r\n");
+    s.lines.resize(s.lines.size() + key.size() + value.size() + 3);
+    char* at = s.lines.data() + k.at;
     unsigned char high = 0;
-    for (char c : key) high |= static_cast<unsigned char>(c);
-    for (size_t i = k.valueAt; i < k.valueAt + k.valueSize; ++i) {
-        char& c = s.lines[i];
+    for (char c : key) {
         high |= static_cast<unsigned char>(c);
-        if (c == '\r' || c == '\n') c = ' ';
+        *at++ = c;
     }
+    *at++ = '=';
+    for (char c : value) {
+        high |= static_cast<unsigned char>(c);
+        *at++ = c == '\r' || c == '\n' ? ' ' : c;
+    }
+    *at++ = '\r';
+    *at = '\n';
     if (high & 0x80) ascii_ = false;
     s.keys.push_back(k);
 }
@@ -114,11 +120,21 @@ void ProfileWriter::write(std::string_view section, std::string_view key, std::s
     s.anyReplaced = true;
 }
 
-void ProfileWriter::writeNew(std::string_view section, std::string_view key, std::string_view value) {
+size_t ProfileWriter::writeNew(std::string_view section, std::string_view key, std::string_view value) {
     const std::string_view sectionName = trimProfileSpace(section);
-    if (sectionName.empty() || key.empty() || trimProfileSpace(key).size() != key.size())
-        return write(section, key, value);
-    append(sectionNamed(sectionName), key, value);
+    if (sectionName.empty() || key.empty() || trimProfileSpace(key).size() != key.size()) {
+        write(section, key, value);
+        return kNoSection;
+    }
+    Section& s = sectionNamed(sectionName);
+    append(s, key, value);
+    return static_cast<size_t>(&s - sections_.data());
+}
+
+void ProfileWriter::writeNew(size_t section, std::string_view key, std::string_view value) {
+    if (key.empty() || trimProfileSpace(key).size() != key.size())
+        return write(sections_[section].name, key, value);
+    append(sections_[section], key, value);
 }
 
 void ProfileWriter::expect(std::string_view section, size_t keys, size_t lineBytes) {

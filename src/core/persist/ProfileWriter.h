@@ -19,7 +19,11 @@ public:
     void writeInt(std::string_view section, std::string_view key, int64_t value);
     // A write of a key that no earlier write to the section used, as the caller knows: it
     // skips the search for an entry to replace. The key must be trimmed and not empty.
-    void writeNew(std::string_view section, std::string_view key, std::string_view value);
+    // Returns the section's number for further writes of new keys to it (kNoSection when the
+    // write was not one of a new key after all).
+    size_t writeNew(std::string_view section, std::string_view key, std::string_view value);
+    void writeNew(size_t section, std::string_view key, std::string_view value);
+    static constexpr size_t kNoSection = static_cast<size_t>(-1);
     std::string bytes() const;
     bool empty() const { return sections_.empty(); }
     // Room for about this many keys and bytes of lines once the section is first written, so
