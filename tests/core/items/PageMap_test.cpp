@@ -16,20 +16,16 @@ namespace {
 constexpr int32_t kGreen = 0x00C000, kBlue = 0xFF0000, kYellow = 0x00FFFF, kWhite = 0xFFFFFF;
 constexpr int32_t kInside = 0xEBEBEB, kBeyond = 0xD7D7D7, kItem = 0x3366CC;
 
-// A card of the chip, HID section as given; part > 0 is a later 32-block part of the one-page
-// 16 kbit card, taken as the preview takes it.
-struct Card {
+// A page of the chip, HID section on unless told; part > 0 is a later 32-block part of the
+// one-page 16 kbit card, taken as the preview takes it.
+MapGrid mapOf(IClassType chip, int page, int part, bool wholePage, const RecordArray& records, bool hid = true, int boundary = -1) {
     CIClass card;
-    Card(IClassType chip, bool hid, int number = 0, int boundary = -1) {
-        card.setChipSize(chip);
-        card.setUseHIDSection(hid);
-        if (boundary >= 0) card.SetBoundary(number, boundary);
-    }
-    CPage page(int number, int part) const {
-        if (part == 0) return *card.page(number);
-        return previewView(card, part / 2, Translator()).pages[static_cast<size_t>(part % 2)];
-    }
-};
+    card.setChipSize(chip);
+    card.setUseHIDSection(hid);
+    if (boundary >= 0) card.SetBoundary(page, boundary);
+    const CPage p = part == 0 ? *card.page(page) : previewView(card, part / 2, Translator()).pages[static_cast<size_t>(part % 2)];
+    return pageMap(p, records, wholePage);
+}
 
 struct AreaCase {
     const char* name;
@@ -44,12 +40,9 @@ class PageAreas : public ::testing::TestWithParam<AreaCase> {};
 
 TEST_P(PageAreas, FixedAreasBlockNumbersAndFreeBytes) {
     const AreaCase& c = GetParam();
-    const char* names[] = {"Card Serial Number", "Configuration Data", "Not Used", "Key 1", "Key 2",
-                           "Application Issuer Data"};
-    const Card card(c.chip, c.hid, c.page, c.boundary);
-    const MapGrid map = pageMap(card.page(c.page, c.part), RecordArray(), c.wholePage);
-    ASSERT_EQ(map.rows(), c.rows);
-    ASSERT_EQ(map.columns(), 9);
+    const char* names[] = {"Card Serial Number", "Configuration Data", "Not Used", "Key 1", "Key 2", "Application Issuer Data"};
+    const MapGrid map = mapOf(c.chip, c.page, c.part, c.wholePage, RecordArray(), c.hid, c.boundary);
+    ASSERT_EQ(std::tuple(map.rows(), map.columns()), std::tuple(c.rows, 9));
     for (int column = 1; column <= 8; ++column) EXPECT_EQ(map.textAt(0, column), std::to_string(column - 1));
     for (int row = 1; row < c.rows; ++row) {
         SCOPED_TRACE(row);
@@ -59,10 +52,7 @@ TEST_P(PageAreas, FixedAreasBlockNumbersAndFreeBytes) {
         int32_t color = c.greyRow == 0 || row < c.greyRow ? kWhite : row < c.beyondRow ? kInside : kBeyond;
         if (c.header && row <= 6) text = names[row - 1], color = kGreen;
         if (c.hidRows && row >= 7 && row <= 19) text = "HID Access Control Application", color = kBlue;
-        for (int column = 1; column <= 8; ++column) {
-            EXPECT_EQ(map.textAt(row, column), text);
-            EXPECT_EQ(map.at(row, column).background, color);
-        }
+        for (int column = 1; column <= 8; ++column) EXPECT_EQ(std::tuple(map.textAt(row, column), map.at(row, column).background), std::tuple(text, color));
         EXPECT_EQ(map.columnSpan(row, 1), text.empty() ? 1 : 8);
     }
 }
@@ -80,63 +70,46 @@ INSTANTIATE_TEST_SUITE_P(Chips, PageAreas, ::testing::Values(
     AreaCase{"Eight1Boundary6", iBigEightPages, true, 1, 0, 6, false, true, false, 33, 0, 7, 7, 8}),
     [](const auto& p) { return std::string(p.param.name); });
 
-ItemRecord item(const char* name, int page, int block, int byte, int bytes) {
-    return field(name, page, block, byte, bytes, 0, kItem);
-}
+ItemRecord item(const char* name, int page, int block, int byte, int bytes) { return field(name, page, block, byte, bytes, 0, kItem); }
 ItemRecord dbUpdateItem() {
     ItemRecord r = item("F", 0, 20, 0, 2);
     r.isDbUpdate = true;
     return r;
 }
 
-struct ItemCase {
-    const char* name;
-    IClassType chip;
-    int page, part;
-    bool wholePage;
-    ItemRecord record;
-    std::vector<std::pair<int, int>> cells;  // (row, column) expected to show the item, in reading order
-};
-
-class ItemCells : public ::testing::TestWithParam<ItemCase> {};
-
-TEST_P(ItemCells, PaintsExactlyTheBytesTouched) {
-    const ItemCase& c = GetParam();
-    const Card card(c.chip, true);
-    RecordArray records;
-    records.add(c.record);
-    const MapGrid map = pageMap(card.page(c.page, c.part), records, c.wholePage);
-    std::vector<std::pair<int, int>> shown;
-    for (int row = 1; row < map.rows(); ++row)
-        for (int column = 1; column <= 8; ++column)
-            if (map.textAt(row, column) == c.record.name) {
-                shown.emplace_back(row, column);
-                EXPECT_EQ(map.at(row, column).background, kItem);
-            }
-    EXPECT_EQ(shown, c.cells);
+TEST(PageMap, PaintsExactlyTheBytesTouched) {
+    using Cells = std::vector<std::pair<int, int>>;  // (row, column) showing the item, in reading order
+    const std::tuple<const char*, IClassType, int, int, bool, ItemRecord, Cells> cases[] = {
+        {"BitsOverTwoBytes", iSmallOnePage, 0, 0, false, bitField("B", 0, 20, 3, 5, 6, kItem), {{21, 4}, {21, 5}}},
+        {"BitFunction", iSmallOnePage, 0, 0, false, bitFunction("Count", "1", 0, 22, 0, 0, 16, kItem), {{23, 1}, {23, 2}}},
+        {"ClippedAtByte255", iSmallOnePage, 0, 0, false, item("F", 0, 31, 4, 10), {{32, 5}, {32, 6}, {32, 7}, {32, 8}}},
+        {"OwnPage", iBigEightPages, 2, 0, false, item("F", 2, 10, 0, 2), {{11, 1}, {11, 2}}},
+        {"OtherPage", iBigEightPages, 3, 0, false, item("F", 2, 10, 0, 2), {}},
+        {"PartOffset", iBigOnePage, 0, 2, false, item("F", 0, 70, 6, 4), {{7, 7}, {7, 8}, {8, 1}, {8, 2}}},
+        {"AcrossPartsTail", iBigOnePage, 0, 1, false, item("F", 0, 31, 6, 4), {{1, 1}, {1, 2}}},
+        {"WholePageEnd", iBigOnePage, 0, 0, true, item("F", 0, 255, 7, 3), {{256, 8}}},
+        {"DatabaseUpdate", iSmallOnePage, 0, 0, false, dbUpdateItem(), {}},
+        {"NoLength", iSmallOnePage, 0, 0, false, item("F", 0, 20, 0, 0), {}}};
+    for (const auto& [name, chip, page, part, wholePage, record, cells] : cases) {
+        RecordArray records;
+        records.add(record);
+        const MapGrid map = mapOf(chip, page, part, wholePage, records);
+        Cells shown;
+        for (int row = 1; row < map.rows(); ++row)
+            for (int column = 1; column <= 8; ++column)
+                if (map.textAt(row, column) == record.name) {
+                    shown.emplace_back(row, column);
+                    EXPECT_EQ(map.at(row, column).background, kItem) << name;
+                }
+        EXPECT_EQ(shown, cells) << name;
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(Items, ItemCells, ::testing::Values(
-    ItemCase{"BitsOverTwoBytes", iSmallOnePage, 0, 0, false, bitField("B", 0, 20, 3, 5, 6, kItem), {{21, 4}, {21, 5}}},
-    ItemCase{"BitFunction", iSmallOnePage, 0, 0, false, bitFunction("Count", "1", 0, 22, 0, 0, 16, kItem),
-             {{23, 1}, {23, 2}}},
-    ItemCase{"ClippedAtByte255", iSmallOnePage, 0, 0, false, item("F", 0, 31, 4, 10), {{32, 5}, {32, 6}, {32, 7}, {32, 8}}},
-    ItemCase{"OwnPage", iBigEightPages, 2, 0, false, item("F", 2, 10, 0, 2), {{11, 1}, {11, 2}}},
-    ItemCase{"OtherPage", iBigEightPages, 3, 0, false, item("F", 2, 10, 0, 2), {}},
-    ItemCase{"PartOffset", iBigOnePage, 0, 2, false, item("F", 0, 70, 6, 4), {{7, 7}, {7, 8}, {8, 1}, {8, 2}}},
-    ItemCase{"AcrossPartsTail", iBigOnePage, 0, 1, false, item("F", 0, 31, 6, 4), {{1, 1}, {1, 2}}},
-    ItemCase{"WholePageEnd", iBigOnePage, 0, 0, true, item("F", 0, 255, 7, 3), {{256, 8}}},
-    ItemCase{"DatabaseUpdate", iSmallOnePage, 0, 0, false, dbUpdateItem(), {}},
-    ItemCase{"NoLength", iSmallOnePage, 0, 0, false, item("F", 0, 20, 0, 0), {}}),
-    [](const auto& p) { return std::string(p.param.name); });
-
 TEST(PageMap, MergesRunsOfEqualText) {
-    const Card card(iBigEightPages, true);
     RecordArray records;
-    for (const ItemRecord& r : {item("A", 1, 10, 0, 3), item("B", 1, 10, 3, 2), item("A", 1, 10, 5, 3),
-                                item("C", 1, 11, 0, 8), item("D", 1, 12, 0, 1), item("E", 1, 12, 1, 1)})
+    for (const ItemRecord& r : {item("A", 1, 10, 0, 3), item("B", 1, 10, 3, 2), item("A", 1, 10, 5, 3), item("C", 1, 11, 0, 8), item("D", 1, 12, 0, 1), item("E", 1, 12, 1, 1)})
         records.add(r);
-    const MapGrid map = pageMap(card.page(1, 0), records);
+    const MapGrid map = mapOf(iBigEightPages, 1, 0, false, records);
     for (auto [row, column, span] : {std::tuple{11, 1, 3}, {11, 4, 2}, {11, 6, 3}, {12, 1, 8}, {13, 1, 1}, {13, 2, 1}})
         EXPECT_EQ(map.columnSpan(row, column), span) << row << "," << column;
 }

@@ -1,27 +1,19 @@
+// The item records: kind words, finding and removing by what a grid row shows, the record
+// limit, grid rows and the editor's record, database update summaries, colours, preview views.
 #include <gtest/gtest.h>
 
+#include <set>
+
+#include "card/CIClass.h"
 #include "items/GridRows.h"
+#include "items/ItemColor.h"
+#include "items/PreviewViews.h"
 #include "items/RecordArray.h"
 #include "support/Records.h"
 #include "text/Translator.h"
 
-using namespace kestrin;
-using namespace kestrin::test;
-
+namespace kestrin::test {
 namespace {
-
-struct KindCase {
-    ItemRecord record;
-    std::string kind;
-    int code;
-};
-
-class KindWords : public ::testing::TestWithParam<KindCase> {};
-
-TEST_P(KindWords, FollowTheFlagsInOrder) {
-    EXPECT_EQ(kindWord(GetParam().record), GetParam().kind);
-    EXPECT_EQ(kindCode(GetParam().kind), GetParam().code);
-}
 
 ItemRecord flags(bool fn, bool bit, bool simple, bool bitFn, bool binary) {
     ItemRecord r;
@@ -29,54 +21,45 @@ ItemRecord flags(bool fn, bool bit, bool simple, bool bitFn, bool binary) {
     return r;
 }
 
-INSTANTIATE_TEST_SUITE_P(Flags, KindWords,
-                         ::testing::Values(KindCase{flags(false, false, false, false, false), "Field", 0},
-                                           KindCase{flags(true, false, false, false, false), "Function", 1},
-                                           KindCase{flags(false, true, false, false, false), "Bit Field", 2},
-                                           KindCase{flags(false, false, false, true, false), "Bit Function", 3},
-                                           KindCase{flags(true, false, true, false, false), "Bit Function (Simple)", 1},
-                                           KindCase{flags(true, true, true, true, true), "Binary Field", -1},
-                                           KindCase{flags(false, false, true, true, false), "Bit Function (Simple)", 1},
-                                           KindCase{flags(true, true, false, false, false), "Function", 1}));
-
-TEST(RecordArray, RemovingMovesTheLastRecordIntoTheGap) {
-    RecordArray a;
-    a.add(field("A", 0, 19, 0, 1));
-    a.add(field("B", 0, 20, 0, 1));
-    a.add(field("C", 0, 21, 0, 1));
-    EXPECT_TRUE(a.removeByPosition({0, 19, 0, 1, 0, 0}, "A", "Field"));
-    ASSERT_EQ(a.size(), 2);
-    EXPECT_EQ(a[0].name, "C");
-    EXPECT_EQ(a[1].name, "B");
-    EXPECT_TRUE(a.removeByPosition({0, 20, 0, 1, 0, 0}, "B", "Field"));
-    EXPECT_TRUE(a.removeByPosition({0, 21, 0, 1, 0, 0}, "C", "Field"));
-    EXPECT_EQ(a.highestIndex(), -1);
+TEST(RecordArray, KindWordsFollowTheFlagsInOrder) {
+    const std::tuple<ItemRecord, std::string, int> cases[] = {
+        {flags(false, false, false, false, false), "Field", 0}, {flags(true, false, false, false, false), "Function", 1},
+        {flags(false, true, false, false, false), "Bit Field", 2}, {flags(false, false, false, true, false), "Bit Function", 3},
+        {flags(true, false, true, false, false), "Bit Function (Simple)", 1}, {flags(true, true, true, true, true), "Binary Field", -1},
+        {flags(false, false, true, true, false), "Bit Function (Simple)", 1}, {flags(true, true, false, false, false), "Function", 1}};
+    for (const auto& [record, kind, code] : cases) {
+        EXPECT_EQ(kindWord(record), kind);
+        EXPECT_EQ(kindCode(kind), code) << kind;
+    }
 }
 
-TEST(RecordArray, RemoveNeedsEveryShownValueToMatch) {
+TEST(RecordArray, RemovingNeedsEveryShownValueAndMovesTheLastRecordIntoTheGap) {
     RecordArray a;
     a.add(field("A", 0, 19, 0, 2));
     a.add(bitField("F", 0, 20, 1, 3, 4));
+    a.add(field("C", 0, 21, 0, 1));
     EXPECT_EQ(a.findByPosition({0, 19, 0, 1, 0, 0}, "A", "Field"), RecordArray::kNone);      // size
     EXPECT_EQ(a.findByPosition({0, 19, 0, 2, 0, 0}, "A", "Function"), RecordArray::kNone);   // kind
     EXPECT_EQ(a.findByPosition({0, 19, 0, 2, 0, 0}, "a", "Field"), RecordArray::kNone);      // name
     EXPECT_EQ(a.findByPosition({0, 20, 1, 4, 3, 4}, "F", "Bit Field"), 1);                  // bytes not shown
     EXPECT_EQ(a.findByPosition({0, 20, 1, 0, 2, 4}, "F", "Bit Field"), RecordArray::kNone);  // begin bit
     EXPECT_FALSE(a.removeByPosition({1, 19, 0, 2, 0, 0}, "A", "Field"));
-    EXPECT_EQ(a.size(), 2);
+    EXPECT_TRUE(a.removeByPosition({0, 19, 0, 2, 0, 0}, "A", "Field"));
+    ASSERT_EQ(a.size(), 2);
+    EXPECT_EQ(std::tuple(a[0].name, a[1].name), std::tuple("C", "F"));
+    EXPECT_TRUE(a.removeByPosition({0, 20, 1, 4, 3, 4}, "F", "Bit Field"));
+    EXPECT_TRUE(a.removeByPosition({0, 21, 0, 1, 0, 0}, "C", "Field"));
+    EXPECT_EQ(a.highestIndex(), -1);
 }
 
-TEST(RecordArray, FirstMatchIsRemovedAndRowsMapToIndexes) {
+TEST(RecordArray, FirstMatchIsFoundAndRowsMapToIndexes) {
     RecordArray a;
     a.add(dbUpdate("X", "Constant", "1"));
     a.add(field("A", 0, 19, 0, 1));
     a.add(field("A", 0, 19, 0, 1, 0, 5));
     a.add(dbUpdate("Y", "Count", "1", "1"));
     EXPECT_EQ(a.findByPosition({0, 19, 0, 1, 0, 0}, "A", "Field"), 1);
-    EXPECT_EQ(a.indexOfItemRow(1), 1);
-    EXPECT_EQ(a.indexOfItemRow(2), 2);
-    EXPECT_EQ(a.indexOfItemRow(3), -1);
-    EXPECT_EQ(a.indexOfDbUpdateRow(2), 3);
+    EXPECT_EQ(std::tuple(a.indexOfItemRow(1), a.indexOfItemRow(2), a.indexOfItemRow(3), a.indexOfDbUpdateRow(2)), std::tuple(1, 2, -1, 3));
     a.removeAt(0);
     EXPECT_EQ(a[0].dbFieldName, "Y");
 }
@@ -88,13 +71,97 @@ TEST(RecordArray, RefusesRecordsBeyondTheSixteenBitIndex) {
     EXPECT_EQ(a.highestIndex(), 32766);
 }
 
+ItemRecord binaryField(std::string name, int page, int block, int byte, int bytes) {
+    ItemRecord r = field(std::move(name), page, block, byte, bytes);
+    r.isBinary = true;
+    return r;
+}
+ItemRecord simpleBitFunction(std::string word, int page, int block, int byte, int bytes, int bit, int bits) {
+    ItemRecord r = bitFunction(std::move(word), "", page, block, byte, bit, bits);
+    r.isBitFunction = false, r.isSimpleBitFunction = true, r.numBytes = static_cast<int16_t>(bytes);
+    return r;
+}
+
+TEST(GridRows, EachKindShowsItsCellsAndReadsBackAsTheEditorsRecord) {
+    using O = std::optional<int16_t>;
+    // bytes, begin bit and bits as shown; the kind code the editor receives (0 where the kind leaves it)
+    const std::tuple<ItemRecord, const char*, O, O, O, int> cases[] = {
+        {field("Name [+] First", 1, 19, 3, 12), "Field", 12, {}, {}, 0}, {function("Constant", "ABC", "", "", 0, 255, 7, 3), "Function", 3, {}, {}, 1},
+        {binaryField("Photo", 2, 30, 0, 100), "Binary Field", 100, {}, {}, 0}, {bitField("Flag", 0, 40, 5, 6, 2), "Bit Field", {}, 6, 2, 2},
+        {bitFunction("Count", "1", 3, 41, 1, 0, 10), "Bit Function", {}, 0, 10, 3}, {simpleBitFunction("CardSnNr", 0, 42, 2, 4, 3, 5), "Bit Function (Simple)", 4, 3, 5, 1}};
+    for (const auto& [record, kind, bytes, beginBit, bits, kindCode] : cases) {
+        SCOPED_TRACE(kind);
+        const ItemRow row = itemRowOf(record);
+        EXPECT_EQ(std::tuple(row.name, row.kind, row.page, row.block, row.beginByte), std::tuple(record.name, kind, record.page, record.block, record.beginByte));
+        EXPECT_EQ(std::tuple(row.bytes, row.beginBit, row.bits), std::tuple(bytes, beginBit, bits));
+        const EditorRecord e = editorRecordOf(row);
+        EXPECT_EQ(std::tuple(e.editing, e.fieldsAndFunctions, e.kindWord, e.kindCode), std::tuple(true, true, kind, kindCode));
+        EXPECT_EQ(std::tuple(e.numBytes, e.beginBit, e.numBits), std::tuple(bytes.value_or(0), beginBit.value_or(0), bits.value_or(0)));
+        RecordArray records;  // the row finds its record again
+        records.add(dbUpdate("Before", "Constant", "x"));
+        records.add(record);
+        EXPECT_EQ(records.findByPosition({e.page, e.block, e.beginByte, e.numBytes, e.beginBit, e.numBits}, e.name, e.kindWord), 1);
+    }
+}
+
 TEST(GridRows, DatabaseUpdateSummaries) {
-    Translator t;
+    const Translator t;
     EXPECT_EQ(dbUpdateSummary("Constant", "7", "", t), "<Value>: 7.");
     EXPECT_EQ(dbUpdateSummary("Count", "5", "2", t), "<Step>: 5. <Start value>: 2.");
-    EXPECT_EQ(dbUpdateSummary("CardSnNr", "0", "", t), "<Decimal>");
-    EXPECT_EQ(dbUpdateSummary("CardSnNr", "", "", t), "<Decimal>");
+    for (const char* decimal : {"0", ""}) EXPECT_EQ(dbUpdateSummary("CardSnNr", decimal, "", t), "<Decimal>");
     EXPECT_EQ(dbUpdateSummary("CardSnNr", "1", "", t), "<Hexadecimal>");
 }
 
+TEST(ItemColor, EveryChannelIsLightAndTheColoursVary) {
+    std::mt19937 rng(7);
+    std::set<int32_t> seen;
+    int lowest = 255, highest = 0;
+    for (int i = 0; i < 2000; ++i) {
+        const int32_t color = randomItemColor(rng);
+        EXPECT_EQ(color & ~0xFFFFFF, 0);
+        for (int shift : {0, 8, 16}) lowest = std::min(lowest, (color >> shift) & 0xFF), highest = std::max(highest, (color >> shift) & 0xFF);
+        seen.insert(color);
+    }
+    EXPECT_EQ(std::tuple(lowest, highest), std::tuple(127, 227));
+    EXPECT_GT(seen.size(), 1900u);
+}
+
+struct ViewCase {
+    IClassType chip;
+    int view;
+    std::vector<std::string> titles;
+    std::string position;
+    std::vector<int32_t> pageNumbers, parts;  // parts: each grid page's VirtualPage
+    std::string pagesHeading;
+};
+
+class PreviewViews : public ::testing::TestWithParam<ViewCase> {};
+
+TEST_P(PreviewViews, TitlesPositionPagesAndHeading) {
+    const ViewCase& c = GetParam();
+    CIClass card;
+    card.setChipSize(c.chip);
+    const Translator tr;
+    const PreviewView v = previewView(card, c.view, tr);
+    EXPECT_EQ(std::tuple(v.index, v.titles, v.position, v.pageNumbers), std::tuple(c.view, c.titles, c.position, c.pageNumbers));
+    std::vector<int32_t> parts;
+    for (const auto& page : v.pages) parts.push_back(page.VirtualPage);
+    EXPECT_EQ(parts, c.parts);
+    EXPECT_EQ(std::tuple(v.hasPrevious, v.hasNext), std::tuple(c.view > 0, c.view < previewViewCount(c.chip) - 1));
+    EXPECT_EQ(printPagesHeading(card, v, tr), c.pagesHeading);
+}
+
+INSTANTIATE_TEST_SUITE_P(Chips, PreviewViews, ::testing::Values(
+    ViewCase{iSmallOnePage, 0, {"<Card Layout>"}, "", {0}, {0}, ""},
+    ViewCase{iBigOnePage, 0, {"Blocks 0 - 31", "Blocks 32 - 63"}, "Blocks 0 - 63 of 255", {0}, {0, 1}, ""},
+    ViewCase{iBigOnePage, 1, {"Blocks 64 - 95 ", "Blocks 96 - 127"}, "Blocks 64 - 127 of 255", {0}, {2, 3}, ""},
+    ViewCase{iBigOnePage, 3, {"Blocks 192 - 223", "Blocks 224 - 255"}, "Blocks 192 - 255 of 255", {0}, {6, 7}, ""},
+    ViewCase{iBigEightPages, 0, {"Page 0", "Page 1"}, "Pages 0/1 of 7", {0, 1}, {0, 0}, "<PAGES> 0 <and> 1"},
+    ViewCase{iBigEightPages, 3, {"Page 6", "Page 7"}, "Pages 6/7 of 7", {6, 7}, {0, 0}, "<PAGES> 6 <and> 7"}));
+
+TEST(PreviewViews, HeaderLineNamesFileDateAndTime) {
+    EXPECT_EQ(printHeaderLine(Translator(), "C:\\Cards\\Staff.IIF", "23.11.2026", "18:20"), "<Filename>: C:\\Cards\\Staff.IIF; <Date>: 23.11.2026; <Time>: 18:20");
+}
+
 }  // namespace
+}  // namespace kestrin::test

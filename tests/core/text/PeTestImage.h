@@ -2,7 +2,6 @@
 // Builds small PE images in memory so that the DLL reader can be fed exact, and hostile,
 // resource tables that no resource compiler would write.
 #include <algorithm>
-#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -22,7 +21,6 @@ constexpr std::size_t sectionTableAt(bool plus) { return OptionalHeader + (plus 
 // Little-endian writer.
 struct ByteWriter {
     std::string s;
-
     ByteWriter& u16(uint32_t v) { s.append(2, '\0'); return put(s.size() - 2, v, 2); }
     ByteWriter& u32(uint32_t v) { s.append(4, '\0'); return put(s.size() - 4, v, 4); }
     ByteWriter& bytes(std::string_view b) { s += b; return *this; }
@@ -31,29 +29,23 @@ struct ByteWriter {
     ByteWriter& entry(uint32_t name, uint32_t target) { return u32(name).u32(target); }
     ByteWriter& dataEntry(uint32_t rva, uint32_t size) { return u32(rva).u32(size).u32(0).u32(0); }
     // A string block: 16 slots, each a length and its UTF-16LE units.
-    ByteWriter& block(const std::vector<std::u16string>& slots)
-    {
+    ByteWriter& block(const std::vector<std::u16string>& slots) {
         for (std::size_t i = 0; i < 16; ++i) {
-            const std::u16string text = i < slots.size() ? slots[i] : u"";
-            u16(static_cast<uint32_t>(text.size()));
-            for (const char16_t unit : text)
-                u16(unit);
+            u16(i < slots.size() ? static_cast<uint32_t>(slots[i].size()) : 0);
+            for (const char16_t unit : i < slots.size() ? slots[i] : u"") u16(unit);
         }
         return *this;
     }
     // Overwrites width bytes at offset at.
-    ByteWriter& put(std::size_t at, uint32_t v, int width = 4)
-    {
-        for (int i = 0; i < width; ++i)
-            s[at + i] = static_cast<char>(v >> 8 * i & 0xFF);
+    ByteWriter& put(std::size_t at, uint32_t v, int width = 4) {
+        for (int i = 0; i < width; ++i) s[at + i] = static_cast<char>(v >> 8 * i & 0xFF);
         return *this;
     }
 };
 
 // A DLL image with one section that holds rsrc at ResourceRva, named as the resource table
 // by the data directory.
-inline ByteWriter peImage(std::string_view rsrc, bool plus = false)
-{
+inline ByteWriter peImage(std::string_view rsrc, bool plus = false) {
     const auto size = static_cast<uint32_t>(rsrc.size());
     const uint32_t rawSize = (size + 0x1FF) / 0x200 * 0x200;
     ByteWriter image;
@@ -73,14 +65,12 @@ struct TestBlock {
     std::vector<std::pair<uint32_t, std::vector<std::u16string>>> languages;
 };
 
-// A well-formed resource table holding only string blocks.
-inline std::string stringTableSection(const std::vector<TestBlock>& blocks)
-{
+// A well-formed resource table holding only string blocks: root and type directories, the
+// language directories, their data entries, the blocks.
+inline std::string stringTableSection(const std::vector<TestBlock>& blocks) {
     const auto at = [](std::size_t offset) { return static_cast<uint32_t>(offset); };
     std::size_t languageCount = 0;
-    for (const TestBlock& b : blocks)
-        languageCount += b.languages.size();
-    // Root and type directories, the language directories, their data entries, the blocks.
+    for (const TestBlock& b : blocks) languageCount += b.languages.size();
     const std::size_t languagesAt = 40 + 8 * blocks.size();
     const std::size_t entriesAt = languagesAt + 16 * blocks.size() + 8 * languageCount;
     const std::size_t dataAt = entriesAt + 16 * languageCount;
