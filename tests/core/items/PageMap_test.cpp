@@ -27,14 +27,8 @@ MapGrid mapOf(IClassType chip, int page, int part, bool wholePage, const RecordA
     return pageMap(p, records, wholePage);
 }
 
-struct AreaCase {
-    const char* name;
-    IClassType chip;
-    bool hid;
-    int page, part, boundary;
-    bool wholePage, header, hidRows;
-    int rows, firstBlock, yellowRow, greyRow, beyondRow;  // greyRow 0: no grey
-};
+// greyRow 0: no grey
+struct AreaCase { const char* name; IClassType chip; bool hid; int page, part, boundary; bool wholePage, header, hidRows; int rows, firstBlock, yellowRow, greyRow, beyondRow; };
 
 class PageAreas : public ::testing::TestWithParam<AreaCase> {};
 

@@ -126,14 +126,8 @@ TEST(ItemColor, EveryChannelIsLightAndTheColoursVary) {
     EXPECT_GT(seen.size(), 1900u);
 }
 
-struct ViewCase {
-    IClassType chip;
-    int view;
-    std::vector<std::string> titles;
-    std::string position;
-    std::vector<int32_t> pageNumbers, parts;  // parts: each grid page's VirtualPage
-    std::string pagesHeading;
-};
+// parts: each grid page's VirtualPage
+struct ViewCase { IClassType chip; int view; std::vector<std::string> titles; std::string position; std::vector<int32_t> pageNumbers, parts; std::string pagesHeading; };
 
 class PreviewViews : public ::testing::TestWithParam<ViewCase> {};
 

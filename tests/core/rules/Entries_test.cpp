@@ -50,20 +50,20 @@ TEST(NumberChecks, EqualsIsTrueWhenTheValueIsWrong) {
 TEST(NumberChecks, RangeCheckShowsItsMessageWithTheGivenTitle) {
     const Translator tr;
     RecordingPrompter prompter;
-    EXPECT_TRUE(CheckNumberInRange(5, 31, "5", "Props", prompter, tr));
-    EXPECT_TRUE(CheckNumberInRange(5, 31, "31", "Props", prompter, tr));
-    EXPECT_FALSE(CheckNumberInRange(5, 31, "4", "Props", prompter, tr));
-    EXPECT_FALSE(CheckNumberInRange(5, 31, "32", "Props", prompter, tr));
+    for (const auto& [text, ok] : {std::pair("5", true), {"31", true}, {"4", false}, {"32", false}}) EXPECT_EQ(CheckNumberInRange(5, 31, text, "Props", prompter, tr), ok) << text;
     ASSERT_EQ(prompter.messages.size(), 2u);
-    EXPECT_EQ(prompter.messages[1].title, "Props");
-    EXPECT_EQ(prompter.messages[1].icon, Icon::Exclamation);
-    EXPECT_EQ(prompter.messages[1].text, "<Please enter a value between> 5 & 31!");
+    EXPECT_EQ(std::tuple(prompter.messages[1].title, prompter.messages[1].icon, prompter.messages[1].text), std::tuple("Props", Icon::Exclamation, "<Please enter a value between> 5 & 31!"));
 }
 
 BoundaryTexts allAt(const std::string& value) {
     BoundaryTexts t;
     t.fill(value);
     return t;
+}
+RecordArray recordsOf(const std::vector<ItemRecord>& list) {
+    RecordArray records;
+    for (const auto& r : list) records.add(r);
+    return records;
 }
 
 const std::string kCutMessage = "Some or all application boundaries cut through database items or functions.\r\n"
@@ -72,10 +72,8 @@ const std::string kHidMessage = "HID Space should not cover database items or fu
                                 "Disable HID application or click cancel and move your iClass items.";
 
 TEST(LayoutProperties, BoxOfPageNMinusOneIsComparedWithItemsOfPageN) {
-    RecordArray records;
-    records.add(field("P0", 0, 19, 0, 16));  // page 0 is never checked
-    records.add(field("P2", 2, 19, 0, 16));  // blocks 19 and 20
-    records.add(field("P7", 7, 19, 0, 16));
+    // Page 0 is never checked; P2 takes blocks 19 and 20.
+    const RecordArray records = recordsOf({field("P0", 0, 19, 0, 16), field("P2", 2, 19, 0, 16), field("P7", 7, 19, 0, 16)});
     BoundaryTexts boxes = allAt("18");
     boxes[1] = "20";  // box 1 pairs with page 2: one block into the item
     boxes[6] = "19";  // box 6 pairs with page 7: exactly at the item's first block
@@ -89,10 +87,7 @@ TEST(LayoutProperties, BoxOfPageNMinusOneIsComparedWithItemsOfPageN) {
 
 TEST(LayoutProperties, HidCheckAndBothMessagesInOrder) {
     const Translator tr;
-    RecordArray records;
-    records.add(field("Hid", 0, 18, 0, 1));
-    records.add(field("Free", 0, 19, 0, 1));
-    records.add(field("Cut", 1, 17, 0, 16));
+    const RecordArray records = recordsOf({field("Hid", 0, 18, 0, 1), field("Free", 0, 19, 0, 1), field("Cut", 1, 17, 0, 16)});
     RecordingPrompter prompter;
     const auto check = checkLayoutProperties(allAt("18"), true, records, tr);
     EXPECT_EQ(check.hidItems, std::vector<int32_t>{0});
@@ -105,8 +100,7 @@ TEST(LayoutProperties, HidCheckAndBothMessagesInOrder) {
 
 TEST(LayoutProperties, BoundaryBoxesAcceptFiveToThirtyOne) {
     const Translator tr;
-    for (const char* ok : {"5", "31", "05", " 7 "}) EXPECT_TRUE(checkBoundaryBox(ok, tr).ok) << ok;
-    for (const char* bad : {"4", "32", "", "x"}) EXPECT_FALSE(checkBoundaryBox(bad, tr).ok) << bad;
+    for (const auto& [text, ok] : {std::pair("5", true), {"31", true}, {"05", true}, {" 7 ", true}, {"4", false}, {"32", false}, {"", false}, {"x", false}}) EXPECT_EQ(checkBoundaryBox(text, tr).ok, ok) << text;
     EXPECT_EQ(checkBoundaryBox("", tr).message, "<Please enter a value between> 5 & 31!");
 }
 
@@ -121,8 +115,8 @@ TEST(LayoutProperties, ControlsMapToChipTypesAndWriteBack) {
     EXPECT_EQ(std::tuple(card.GetBoundary(0), card.GetBoundary(5), boundaryTextsOf(card)[5]), std::tuple(10, 25, "25"));
     boxes[3] = "";
     EXPECT_FALSE(writeLayoutProperties(card, false, 1, false, true, boxes));
-    EXPECT_EQ(card.GetBoundary(5), 18);  // rebuilt pages keep their defaults
-    EXPECT_TRUE(writeLayoutProperties(card, true, 0, false, true, boxes));  // one page: no boundaries taken
+    EXPECT_EQ(card.GetBoundary(5), 18);  // rebuilt pages keep their defaults; one page takes no boundaries
+    EXPECT_TRUE(writeLayoutProperties(card, true, 0, false, true, boxes));
     EXPECT_EQ(boundaryTextsOf(card), allAt("18"));
 }
 

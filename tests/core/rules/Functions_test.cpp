@@ -14,22 +14,13 @@ namespace {
 const std::string k40Digits(40, '9');
 
 // An expected option button: id 0 means hidden.
-struct Shown {
-    int32_t id;
-    std::string_view caption;
-    bool enabled;
-};
+struct Shown { int32_t id; std::string_view caption; bool enabled; };
 constexpr Shown kNone{0, "", false};
 constexpr std::string_view kString121 = "<String (one-to-one)>", kMotorola = "<Motorola dec.(HiByte-LoByte)>", kBcd = "<Binary Coded Decimal (BCD)>";
 const std::array<Shown, 4> kNumber{Shown{3167, kString121, true}, {3168, kMotorola, true}, {3169, "<Intel decimal (LoByte-HiByte)>", true}, {3203, kBcd, true}};
 const std::array<Shown, 4> kHidden{kNone, kNone, kNone, kNone};
 
-struct OptionsCase {
-    std::string_view typeText;
-    int32_t mode;
-    std::array<Shown, 4> options;
-    int selected;
-};
+struct OptionsCase { std::string_view typeText; int32_t mode; std::array<Shown, 4> options; int selected; };
 
 class EncodingOptionsTable : public ::testing::TestWithParam<OptionsCase> {};
 
@@ -54,13 +45,7 @@ INSTANTIATE_TEST_SUITE_P(EncodingsByTypeAndMode, EncodingOptionsTable, ::testing
     OptionsCase{"Number", 1, kHidden, -1}, OptionsCase{"Date", 3, kHidden, -1}, OptionsCase{"Memo", 0, kHidden, -1}));
 
 // A choice's format list (its size and selected first entry) and its stored code.
-struct CodeCase {
-    int16_t type;
-    int option, format;
-    size_t formats;
-    std::string_view firstFormat;
-    int16_t code;
-};
+struct CodeCase { int16_t type; int option, format; size_t formats; std::string_view firstFormat; int16_t code; };
 
 class EncodingCodeTable : public ::testing::TestWithParam<CodeCase> {};
 
@@ -84,18 +69,15 @@ TEST(EncodingCodeRoundTrip, EveryChoiceReadsBackFromItsCodeUnknownCodesFallBackT
     std::set<int16_t> dateCodes;
     for (int16_t type = kFieldTypeCharacter; type <= kFieldTypeBinary; ++type)
         for (int option = 0; option < 4; ++option) {
-            if (!encodingOptions(type, 0).options[static_cast<size_t>(option)].visible) continue;
             const int formats = static_cast<int>(formatList(type, option).size());
-            for (int f = formats ? 0 : -1; f < formats; ++f) {
+            for (int f = formats ? 0 : -1; f < formats && encodingOptions(type, 0).options[static_cast<size_t>(option)].visible; ++f) {
                 const int16_t code = EncodingCode(type, option, f);
                 EXPECT_EQ(encodingChoiceOf(type, code), (EncodingChoice{option, f})) << type << " " << option << " " << f;
                 if (type == kFieldTypeDate) dateCodes.insert(code);
             }
         }
     EXPECT_EQ(dateCodes, (std::set<int16_t>{8, 9, 10, 32, 33, 34, 64, 65, 66, 67}));
-    EXPECT_EQ(encodingChoiceOf(kFieldTypeNumber, 7), (EncodingChoice{0, -1}));
-    EXPECT_EQ(encodingChoiceOf(kFieldTypeDate, 11), (EncodingChoice{0, 0}));
-    EXPECT_EQ(encodingChoiceOf(-1, 1), (EncodingChoice{-1, -1}));
+    EXPECT_EQ(std::tuple(encodingChoiceOf(kFieldTypeNumber, 7), encodingChoiceOf(kFieldTypeDate, 11), encodingChoiceOf(-1, 1)), std::tuple(EncodingChoice{0, -1}, EncodingChoice{0, 0}, EncodingChoice{-1, -1}));
 }
 
 TEST(SizeTyping, CutsToTheModesLimit) {
@@ -140,9 +122,7 @@ TEST(FunctionBoxes, ShowTheBoxesTheChoiceUses) {
 TEST(FunctionSizes, FixedByTheRepresentationOrMethod) {
     const std::pair<int, std::optional<int64_t>> cardSnNr[] = {{0, 10}, {1, 8}, {2, 4}, {3, 4}, {4, std::nullopt}};
     for (const auto& [option, bytes] : cardSnNr) EXPECT_EQ(requiredCardSnNrBytes(option), bytes) << option;
-    EXPECT_EQ(fixedSize(K::Checksum, kChecksumAdd, 3), 8);
-    EXPECT_EQ(fixedSize(K::Checksum, kChecksumParity, 3), 1);
-    EXPECT_EQ(fixedSize(K::Checksum, kChecksumCrc, 3), std::nullopt);
+    EXPECT_EQ(std::tuple(fixedSize(K::Checksum, kChecksumAdd, 3), fixedSize(K::Checksum, kChecksumParity, 3), fixedSize(K::Checksum, kChecksumCrc, 3)), std::tuple(8, 1, std::nullopt));
 }
 
 TEST(FunctionBoxLimits, FollowTheMode) {
@@ -156,30 +136,19 @@ TEST(FunctionBoxLimits, FollowTheMode) {
     for (const auto& [box, mode, kind, option, bits, want] : cases)
         EXPECT_EQ(boxLimits(box, mode, kind, option, bits), want) << int(box) << " mode " << mode << " bits " << bits;
     // The size box: room left in the page, the begin bit counted.
-    EXPECT_EQ(sizeBoxLimits(0, 256, 30, 0, 0), (Limits{1, 16}));
-    EXPECT_EQ(sizeBoxLimits(1, 256, 30, 1, 5), (Limits{1, 15}));
-    EXPECT_EQ(sizeBoxLimits(2, 256, 30, 1, 5), (Limits{1, 125}));
-    EXPECT_EQ(sizeBoxLimits(3, 256, 30, 0, 7), (Limits{1, 135}));
-    EXPECT_EQ(sizeBoxLimits(0, 256, 32, 0, 0), (Limits{1, 0}));
+    for (const auto& [mode, row, byte, bit, max] : {std::tuple(0, 30, 0, 0, 16), {1, 30, 1, 5, 15}, {2, 30, 1, 5, 125}, {3, 30, 0, 7, 135}, {0, 32, 0, 0, 0}})
+        EXPECT_EQ(sizeBoxLimits(mode, 256, row, byte, bit), (Limits{1, max})) << mode << " " << row << " " << byte << " " << bit;
 }
 
 TEST(FunctionNumberKeys, OnlyDigitsAndBackspacePass) {
     for (char32_t key : {U'0', U'5', U'9', char32_t{8}}) EXPECT_TRUE(acceptsNumberKey(key)) << int(key);
     for (char32_t key : {U'a', U'-', U'.', U' ', U'/', U':', U'\u0663', char32_t{127}}) EXPECT_FALSE(acceptsNumberKey(key)) << int(key);
-    EXPECT_EQ(filterNumberText("1a2"), "12");
-    EXPECT_EQ(filterNumberText(" -3.5e2\b"), "352");
+    EXPECT_EQ(std::tuple(filterNumberText("1a2"), filterNumberText(" -3.5e2\b")), std::tuple("12", "352"));
 }
 
 using In = FunctionInput;
 
-struct ValuesCase {
-    FunctionInput input;
-    int32_t mode;
-    std::array<std::string, 3> params;
-    std::array<int16_t, 2> polynomial;
-    int16_t initValue;
-    std::array<int16_t, 5> range;
-};
+struct ValuesCase { FunctionInput input; int32_t mode; std::array<std::string, 3> params; std::array<int16_t, 2> polynomial; int16_t initValue; std::array<int16_t, 5> range; };
 
 class FunctionValues : public ::testing::TestWithParam<ValuesCase> {};
 
@@ -209,12 +178,10 @@ INSTANTIATE_TEST_SUITE_P(Functions, FunctionValues, ::testing::Values(
 TEST(FunctionValuesStorage, NumbersBeyond16BitsSaturateAndUnknownChoicesReadAsOptionZero) {
     ItemRecord r;
     applyFunctionValues(In{.kind = K::Checksum, .option = 2, .polynomText = "70000", .startValueText = "4294967295", .rangeCountText = "-40000"}, 1, r);
-    EXPECT_EQ(r.polynomial, (std::array<int16_t, 2>{32767, 32767}));
-    EXPECT_EQ(r.range[3], -32768);
+    EXPECT_EQ(std::tuple(r.polynomial, r.range[3]), std::tuple(std::array<int16_t, 2>{32767, 32767}, -32768));
     r = ItemRecord{};
     r.name = "Checksum", r.param1 = "9", r.initValue = 4;
-    EXPECT_EQ(functionInputOf(r).option, 0);
-    EXPECT_EQ(functionInputOf(r).startValueText, "");
+    EXPECT_EQ(std::tuple(functionInputOf(r).option, functionInputOf(r).startValueText), std::tuple(0, ""));
     r.name = "CardSnNr", r.param1 = "1.5";
     EXPECT_EQ(functionInputOf(r).option, 0);
     r.name = "Constant", r.param1 = "";

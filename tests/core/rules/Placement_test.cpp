@@ -38,34 +38,33 @@ PlacementRequest fn(const std::string& word, int mode, int option, int size, con
 const Change kCrc = [](auto& q) { q.polynomText = "263", q.startValueText = "0"; };
 const Change kBitCrc = [](auto& q) { q.polynomText = "17", q.startValueText = "15"; };
 Change crcAnd(const Change& base, const Change& more) { return [=](auto& q) { base(q), more(q); }; }
+CIClass chipOf(IClassType type) {
+    CIClass card;
+    card.setChipSize(type);
+    return card;
+}
+RecordArray recordsOf(const std::vector<ItemRecord>& list) {
+    RecordArray records;
+    for (const auto& r : list) records.add(r);
+    return records;
+}
 
-struct RuleCase {
-    const char* name;
-    IClassType chip;
-    PlacementRequest request;
-    int32_t textId;  // 0: accepted
-    EditorBox focus = EditorBox::None;
-};
+struct RuleCase { const char* name; IClassType chip; PlacementRequest request; int32_t textId; EditorBox focus = EditorBox::None; };  // textId 0: accepted
 
 class Placement : public ::testing::TestWithParam<RuleCase> {};
 
 TEST_P(Placement, FirstBrokenRuleIsReported) {
     const auto& c = GetParam();
-    CIClass card;
-    card.setChipSize(c.chip);
+    const CIClass card = chipOf(c.chip);
     RecordArray records;
     RecordingPrompter prompter;
     const Translator tr;
     const PlacementResult result = ValidatePlacement(c.request, card, records, prompter, tr);
-    EXPECT_EQ(result.code, c.textId == 0 ? kPlacementAccepted : kPlacementRejected);
-    EXPECT_EQ(result.focus, c.focus);
-    ASSERT_EQ(prompter.messages.size(), c.textId == 0 ? 0u : 1u);
+    ASSERT_EQ(std::tuple(result.code, result.focus, prompter.messages.size()), std::tuple(c.textId == 0 ? kPlacementAccepted : kPlacementRejected, c.focus, c.textId == 0 ? 0u : 1u));
     if (c.textId == 0) return;
-    EXPECT_EQ(prompter.messages[0].icon, Icon::Exclamation);
     const auto v = placementViolations(c.request, card, records, tr);
     ASSERT_EQ(v.size(), 1u);
-    EXPECT_EQ(v[0].textId, c.textId);
-    EXPECT_EQ(v[0].message, prompter.messages[0].text);
+    EXPECT_EQ(std::tuple(v[0].textId, v[0].message, prompter.messages[0].icon), std::tuple(c.textId, prompter.messages[0].text, Icon::Exclamation));
 }
 
 using B = EditorBox;
@@ -126,48 +125,34 @@ protected:
 
 TEST_F(Overlap, StartInsideEndInsideOrCoveringAreFoundTouchingIsNot) {
     records.add(field("Old", 0, 20, 2, 4));  // bytes 162..165
-    for (const auto& q : {at(20, 0, 3), at(20, 5, 3), at(20, 3, 1), at(20, 0, 8)}) {
+    for (const auto& [q, found] : {std::pair(at(20, 0, 3), 1u), {at(20, 5, 3), 1u}, {at(20, 3, 1), 1u}, {at(20, 0, 8), 1u}, {at(20, 0, 2), 0u}, {at(20, 6, 2), 0u}}) {
         const auto v = violations(q);
-        ASSERT_EQ(v.size(), 1u);
-        EXPECT_EQ(v[0].overlappedIndex, 0);
+        ASSERT_EQ(v.size(), found) << q.beginByte << "+" << q.nrBytesText;
+        if (found) { EXPECT_EQ(v[0].overlappedIndex, 0); }
     }
-    EXPECT_TRUE(violations(at(20, 0, 2)).empty());
-    EXPECT_TRUE(violations(at(20, 6, 2)).empty());
 }
 
 TEST_F(Overlap, OtherPagesAndDatabaseUpdatesDoNotCountTheSameItemIsReplacedSilently) {
     card.setChipSize(iBigEightPages);
-    records.add(field("Old", 1, 20, 0, 4));
-    records.add(dbUpdate("X", "Constant", "1"));
+    records = recordsOf({field("Old", 1, 20, 0, 4), dbUpdate("X", "Constant", "1")});
     EXPECT_EQ(place(at(20, 0, 4)).code, kPlacementAccepted);
-    records.clear();
-    records.add(field("Name", 0, 20, 0, 4));
+    records = recordsOf({field("Name", 0, 20, 0, 4)});
     EXPECT_EQ(place(at(20, 0, 4)).code, kPlacementReplaced);
-    EXPECT_TRUE(prompter.messages.empty());
-    EXPECT_TRUE(records.empty());
+    EXPECT_EQ(std::tuple(prompter.messages.size(), records.size()), std::tuple(0u, 0));
 }
 
-struct OverlapCase {
-    const char* name;
-    ItemRecord existing;
-    int32_t textId;
-    Answer answer;
-    int32_t code;
-};
+struct OverlapCase { const char* name; ItemRecord existing; int32_t textId; Answer answer; int32_t code; };
 
 class OverlapQuestion : public Overlap, public ::testing::WithParamInterface<OverlapCase> {};
 
 TEST_P(OverlapQuestion, AsksAndReplacesOnOk) {
     const auto& c = GetParam();
-    records.add(field("Keep", 0, 25, 0, 1));
-    records.add(c.existing);
+    records = recordsOf({field("Keep", 0, 25, 0, 1), c.existing});
     prompter = RecordingPrompter(c.answer);
     EXPECT_EQ(place(at(20, 0, 4)).code, c.code);
     ASSERT_EQ(prompter.messages.size(), 1u);
-    EXPECT_EQ(prompter.messages[0].buttons, Buttons::OkCancel);
-    EXPECT_EQ(prompter.messages[0].text, tr.text(c.textId) + ": " + c.existing.name + ".");
-    EXPECT_EQ(records.size(), c.code == kPlacementReplaced ? 1 : 2);
-    EXPECT_EQ(records[0].name, "Keep");
+    EXPECT_EQ(std::tuple(prompter.messages[0].buttons, prompter.messages[0].text), std::tuple(Buttons::OkCancel, tr.text(c.textId) + ": " + c.existing.name + "."));
+    EXPECT_EQ(std::tuple(records.size(), records[0].name), std::tuple(c.code == kPlacementReplaced ? 1 : 2, "Keep"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Outcomes, OverlapQuestion, ::testing::Values(
@@ -185,10 +170,8 @@ TEST_F(Overlap, ChecksumRangeRulesCompareWithinAPageOnly) {
     auto v = violations(at(25, 0, 1, kModeFunction, "Checksum", kChecksumAdd, [](auto& q) { q.rangeRow = 22, q.rangeCountText = "1"; }));
     ASSERT_EQ(v.size(), 1u);
     EXPECT_EQ(v[0].textId, kTextRangeHoldsChecksum);  // page 3's checksum counts on page 0
-    records.clear();
-    other.block = 30;
-    other.range = {1, 19, 0, 16, 0};  // bits 1216..1343 of the page-1-based range
-    records.add(other);
+    other.block = 30, other.range = {1, 19, 0, 16, 0};  // bits 1216..1343 of the page-1-based range
+    records = recordsOf({other});
     v = violations(at(19, 0, 1, kModeFunction, "Checksum", kChecksumAdd, [](auto& q) { q.rangeRow = 25, q.rangeCountText = "1"; }));
     ASSERT_EQ(v.size(), 1u);
     EXPECT_EQ(v[0].textId, kTextInsideOtherRange);  // the new start bit 1216 is compared without a page term
@@ -202,28 +185,19 @@ TEST_F(Overlap, AuditCollectsEveryRule) {
     EXPECT_EQ(std::vector<int32_t>({v[0].textId, v[1].textId, v[2].textId}), std::vector<int32_t>({kTextHeaderOrHid, kTextBoundary, kTextOverlapOther}));
 }
 
-struct MultiTrackCase {
-    const char* name;
-    IClassType chip;
-    MultiTrackRequest request;
-    int32_t textId;  // 0: accepted
-};
+struct MultiTrackCase { const char* name; IClassType chip; MultiTrackRequest request; int32_t textId; };  // textId 0: accepted
 
 class MultiTrack : public ::testing::TestWithParam<MultiTrackCase> {};
 
 TEST_P(MultiTrack, RefusesTheFirstBrokenRuleAndKeepsTheRecords) {
     const auto& c = GetParam();
-    CIClass card;
-    card.setChipSize(c.chip);
-    RecordArray records;
-    records.add(field("Other", 0, 28, 0, 8));
+    const CIClass card = chipOf(c.chip);
+    RecordArray records = recordsOf({field("Other", 0, 28, 0, 8)});
     RecordingPrompter prompter;
     const Translator tr;
     EXPECT_EQ(ValidateMultiTrack(c.request, card, records, prompter, tr), c.textId == 0);
     const auto v = multiTrackViolation(c.request, card, records, tr);
-    EXPECT_EQ(v ? v->textId : 0, c.textId);
-    EXPECT_EQ(prompter.messages.size(), c.textId == 0 ? 0u : 1u);
-    EXPECT_EQ(records.size(), 1);
+    EXPECT_EQ(std::tuple(v ? v->textId : 0, prompter.messages.size(), records.size()), std::tuple(c.textId, c.textId == 0 ? 0u : 1u, 1));
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, MultiTrack, ::testing::Values(
@@ -241,13 +215,8 @@ INSTANTIATE_TEST_SUITE_P(Cases, MultiTrack, ::testing::Values(
     MultiTrackCase{"OverSameName", iSmallOnePage, {"Other", 0, 28, 7, 0, "1"}, kTextOverlapSameName}),
     [](const auto& p) { return std::string(p.param.name); });
 
-ItemRecord with(ItemRecord r, const std::function<void(ItemRecord&)>& change) {
-    change(r);
-    return r;
-}
-ItemRecord sum(int page, int block, std::array<int16_t, 5> range) {
-    return with(function("Checksum", "1", "", "", page, block, 0, 1), [&](auto& r) { r.range = range; });
-}
+ItemRecord with(ItemRecord r, const std::function<void(ItemRecord&)>& change) { return change(r), r; }
+ItemRecord sum(int page, int block, std::array<int16_t, 5> range) { return with(function("Checksum", "1", "", "", page, block, 0, 1), [&](auto& r) { r.range = range; }); }
 // A bit checksum stored with mode 0 reads back as a simple bit function: it has its bits and no
 // byte count, and is judged by the bit-function rules rather than found incomplete.
 ItemRecord simpleSum(const char* method, int bits, std::array<int16_t, 2> polynomial) {
@@ -257,22 +226,13 @@ ItemRecord simpleSum(const char* method, int bits, std::array<int16_t, 2> polyno
 }
 ItemRecord binary(ItemRecord r) { return with(std::move(r), [](auto& x) { x.isBinary = true; }); }
 
-struct AuditCase {
-    const char* name;
-    IClassType chip;
-    std::vector<ItemRecord> records;
-    std::vector<int32_t> ids;
-};
+struct AuditCase { const char* name; IClassType chip; std::vector<ItemRecord> records; std::vector<int32_t> ids; };
 
 class Audit : public ::testing::TestWithParam<AuditCase> {};
 
 TEST_P(Audit, EachItemIsReplayedAgainstTheItemsBeforeIt) {
-    CIClass card;
-    card.setChipSize(GetParam().chip);
-    RecordArray records;
-    for (const auto& r : GetParam().records) records.add(r);
     std::vector<int32_t> ids;
-    for (const auto& v : auditLayout(card, records, Translator{})) ids.push_back(v.textId);
+    for (const auto& v : auditLayout(chipOf(GetParam().chip), recordsOf(GetParam().records), Translator{})) ids.push_back(v.textId);
     EXPECT_EQ(ids, GetParam().ids);
 }
 
@@ -291,15 +251,9 @@ INSTANTIATE_TEST_SUITE_P(Layouts, Audit, ::testing::Values(
     [](const auto& p) { return std::string(p.param.name); });
 
 TEST(Audit, NamesTheItemAndItsPlace) {
-    CIClass card;
-    card.setChipSize(iBigEightPages);
-    RecordArray records;
-    records.add(field("First", 1, 17, 0, 24));
-    records.add(field("Second", 1, 18, 4, 2));
-    const auto v = auditLayout(card, records, Translator{});
+    const auto v = auditLayout(chipOf(iBigEightPages), recordsOf({field("First", 1, 17, 0, 24), field("Second", 1, 18, 4, 2)}), Translator{});
     ASSERT_EQ(v.size(), 3u);
-    EXPECT_EQ(std::tuple(v[1].name, v[1].kind, v[1].block, v[1].beginByte), std::tuple("Second", "Field", 18, 4));
-    EXPECT_EQ(v[2].name, "First");
+    EXPECT_EQ(std::tuple(v[1].name, v[1].kind, v[1].block, v[1].beginByte, v[2].name), std::tuple("Second", "Field", 18, 4, "First"));
 }
 
 }  // namespace

@@ -60,10 +60,7 @@ inline ByteWriter peImage(std::string_view rsrc, bool plus = false) {
 }
 
 // One string block, its language versions written in the order given.
-struct TestBlock {
-    uint32_t block;
-    std::vector<std::pair<uint32_t, std::vector<std::u16string>>> languages;
-};
+struct TestBlock { uint32_t block; std::vector<std::pair<uint32_t, std::vector<std::u16string>>> languages; };
 
 // A well-formed resource table holding only string blocks: root and type directories, the
 // language directories, their data entries, the blocks.
