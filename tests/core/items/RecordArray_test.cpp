@@ -15,6 +15,12 @@
 namespace kestrin::test {
 namespace {
 
+RecordArray recordsOf(const std::vector<ItemRecord>& list) {
+    RecordArray records;
+    for (const auto& r : list) records.add(r);
+    return records;
+}
+
 ItemRecord flags(bool fn, bool bit, bool simple, bool bitFn, bool binary) {
     ItemRecord r;
     r.isFunction = fn, r.isBit = bit, r.isSimpleBitFunction = simple, r.isBitFunction = bitFn, r.isBinary = binary;
@@ -27,17 +33,11 @@ TEST(RecordArray, KindWordsFollowTheFlagsInOrder) {
         {flags(false, true, false, false, false), "Bit Field", 2}, {flags(false, false, false, true, false), "Bit Function", 3},
         {flags(true, false, true, false, false), "Bit Function (Simple)", 1}, {flags(true, true, true, true, true), "Binary Field", -1},
         {flags(false, false, true, true, false), "Bit Function (Simple)", 1}, {flags(true, true, false, false, false), "Function", 1}};
-    for (const auto& [record, kind, code] : cases) {
-        EXPECT_EQ(kindWord(record), kind);
-        EXPECT_EQ(kindCode(kind), code) << kind;
-    }
+    for (const auto& [record, kind, code] : cases) EXPECT_EQ(std::tuple(kindWord(record), kindCode(kind)), std::tuple(kind, code)) << kind;
 }
 
 TEST(RecordArray, RemovingNeedsEveryShownValueAndMovesTheLastRecordIntoTheGap) {
-    RecordArray a;
-    a.add(field("A", 0, 19, 0, 2));
-    a.add(bitField("F", 0, 20, 1, 3, 4));
-    a.add(field("C", 0, 21, 0, 1));
+    RecordArray a = recordsOf({field("A", 0, 19, 0, 2), bitField("F", 0, 20, 1, 3, 4), field("C", 0, 21, 0, 1)});
     EXPECT_EQ(a.findByPosition({0, 19, 0, 1, 0, 0}, "A", "Field"), RecordArray::kNone);      // size
     EXPECT_EQ(a.findByPosition({0, 19, 0, 2, 0, 0}, "A", "Function"), RecordArray::kNone);   // kind
     EXPECT_EQ(a.findByPosition({0, 19, 0, 2, 0, 0}, "a", "Field"), RecordArray::kNone);      // name
@@ -53,11 +53,7 @@ TEST(RecordArray, RemovingNeedsEveryShownValueAndMovesTheLastRecordIntoTheGap) {
 }
 
 TEST(RecordArray, FirstMatchIsFoundAndRowsMapToIndexes) {
-    RecordArray a;
-    a.add(dbUpdate("X", "Constant", "1"));
-    a.add(field("A", 0, 19, 0, 1));
-    a.add(field("A", 0, 19, 0, 1, 0, 5));
-    a.add(dbUpdate("Y", "Count", "1", "1"));
+    RecordArray a = recordsOf({dbUpdate("X", "Constant", "1"), field("A", 0, 19, 0, 1), field("A", 0, 19, 0, 1, 0, 5), dbUpdate("Y", "Count", "1", "1")});
     EXPECT_EQ(a.findByPosition({0, 19, 0, 1, 0, 0}, "A", "Field"), 1);
     EXPECT_EQ(std::tuple(a.indexOfItemRow(1), a.indexOfItemRow(2), a.indexOfItemRow(3), a.indexOfDbUpdateRow(2)), std::tuple(1, 2, -1, 3));
     a.removeAt(0);
@@ -67,8 +63,7 @@ TEST(RecordArray, FirstMatchIsFoundAndRowsMapToIndexes) {
 TEST(RecordArray, RefusesRecordsBeyondTheSixteenBitIndex) {
     RecordArray a;
     for (int i = 0; i < RecordArray::kMaxRecords; ++i) ASSERT_TRUE(a.add(ItemRecord{}));
-    EXPECT_FALSE(a.add(ItemRecord{}));
-    EXPECT_EQ(a.highestIndex(), 32766);
+    EXPECT_EQ(std::tuple(a.add(ItemRecord{}), a.highestIndex()), std::tuple(false, 32766));
 }
 
 ItemRecord binaryField(std::string name, int page, int block, int byte, int bytes) {
@@ -97,19 +92,14 @@ TEST(GridRows, EachKindShowsItsCellsAndReadsBackAsTheEditorsRecord) {
         const EditorRecord e = editorRecordOf(row);
         EXPECT_EQ(std::tuple(e.editing, e.fieldsAndFunctions, e.kindWord, e.kindCode), std::tuple(true, true, kind, kindCode));
         EXPECT_EQ(std::tuple(e.numBytes, e.beginBit, e.numBits), std::tuple(bytes.value_or(0), beginBit.value_or(0), bits.value_or(0)));
-        RecordArray records;  // the row finds its record again
-        records.add(dbUpdate("Before", "Constant", "x"));
-        records.add(record);
-        EXPECT_EQ(records.findByPosition({e.page, e.block, e.beginByte, e.numBytes, e.beginBit, e.numBits}, e.name, e.kindWord), 1);
+        EXPECT_EQ(recordsOf({dbUpdate("Before", "Constant", "x"), record}).findByPosition({e.page, e.block, e.beginByte, e.numBytes, e.beginBit, e.numBits}, e.name, e.kindWord), 1);
     }
 }
 
 TEST(GridRows, DatabaseUpdateSummaries) {
     const Translator t;
-    EXPECT_EQ(dbUpdateSummary("Constant", "7", "", t), "<Value>: 7.");
-    EXPECT_EQ(dbUpdateSummary("Count", "5", "2", t), "<Step>: 5. <Start value>: 2.");
-    for (const char* decimal : {"0", ""}) EXPECT_EQ(dbUpdateSummary("CardSnNr", decimal, "", t), "<Decimal>");
-    EXPECT_EQ(dbUpdateSummary("CardSnNr", "1", "", t), "<Hexadecimal>");
+    for (const auto& [function, p1, p2, summary] : {std::tuple("Constant", "7", "", "<Value>: 7."), {"Count", "5", "2", "<Step>: 5. <Start value>: 2."}, {"CardSnNr", "0", "", "<Decimal>"}, {"CardSnNr", "", "", "<Decimal>"}, {"CardSnNr", "1", "", "<Hexadecimal>"}})
+        EXPECT_EQ(dbUpdateSummary(function, p1, p2, t), summary) << function << " " << p1;
 }
 
 TEST(ItemColor, EveryChannelIsLightAndTheColoursVary) {

@@ -4,7 +4,6 @@
 
 #include <climits>
 #include <optional>
-#include <random>
 
 #include "PeTestImage.h"
 #include "support/TestSupport.h"
@@ -38,43 +37,27 @@ TEST_P(PeStringTableFormat, AnswersLikeTheHostsStringLoader) {
     ASSERT_NE(table, nullptr);
     EXPECT_EQ(table->format(), GetParam() ? PeStringTable::Format::Pe32Plus : PeStringTable::Format::Pe32);
     EXPECT_EQ(table->size(), 14u);  // every non-empty text of strings.rc
+    // Slot 5 holds 300 characters, cut to 255; 6 is empty, 7 never written; at 8 the cut would
+    // split an emoji; at 10 it counts UTF-16 units, not bytes. Block 2 does not exist. 32: German
+    // and English give English; 33 only in German is not chosen; 48: German, English, neutral give
+    // neutral; 64: French only, the first language. Only the low 16 bits of an id count.
     const std::pair<int32_t, std::optional<std::string>> cases[] = {
         {0, "Zero"}, {1, "Gr\xC3\xB6\xC3\x9F" "e: 10 \xC3\x97 20 mm"},
         {2, "\xCE\x95\xCE\xBB\xCE\xBB\xCE\xB7\xCE\xBD\xCE\xB9\xCE\xBA\xCE\xAC \xD0\xB8 \xD1\x80\xD1\x83\xD1\x81\xD1\x81\xD0\xBA\xD0\xB8\xD0\xB9"},
-        {3, "\xE6\x97\xA5\xE6\x9C\xAC\xE8\xAA\x9E\xE3\x81\xAE\xE3\x83\x86\xE3\x82\xAD\xE3\x82\xB9\xE3\x83\x88"},
-        {4, "Emoji \xF0\x9F\x98\x80 outside the BMP"},
-        {5, repeated("0123456789", 30).substr(0, 255)},  // 300 characters, cut to 255
-        {6, std::nullopt}, {7, std::nullopt},            // an empty slot, a slot never written in the same block
-        {8, std::string(254, 'a')},                      // the cut would split an emoji
-        {9, "Two lines\nsecond line"},
-        {10, repeated("\xC3\xA4", 255)},                 // the cut counts UTF-16 units, not bytes
-        {15, "Fifteen"}, {16, std::nullopt},             // block 2 does not exist
-        {32, "English"},                                 // German and English: English
-        {33, std::nullopt},                              // only in the German version: not chosen
-        {48, "Neutral"},                                 // German, English, neutral: neutral
-        {64, "Fran\xC3\xA7" "ais"},                      // French only: the first language
-        {5000, std::nullopt}, {65535, "Last id"},        // only the low 16 bits of an id count
-        {-1, "Last id"}, {65536, "Zero"}, {65536 * 7 + 32, "English"}, {INT32_MIN, "Zero"}};
+        {3, "\xE6\x97\xA5\xE6\x9C\xAC\xE8\xAA\x9E\xE3\x81\xAE\xE3\x83\x86\xE3\x82\xAD\xE3\x82\xB9\xE3\x83\x88"}, {4, "Emoji \xF0\x9F\x98\x80 outside the BMP"},
+        {5, repeated("0123456789", 30).substr(0, 255)}, {6, std::nullopt}, {7, std::nullopt}, {8, std::string(254, 'a')}, {9, "Two lines\nsecond line"},
+        {10, repeated("\xC3\xA4", 255)}, {15, "Fifteen"}, {16, std::nullopt}, {32, "English"}, {33, std::nullopt}, {48, "Neutral"}, {64, "Fran\xC3\xA7" "ais"},
+        {5000, std::nullopt}, {65535, "Last id"}, {-1, "Last id"}, {65536, "Zero"}, {65536 * 7 + 32, "English"}, {INT32_MIN, "Zero"}};
     for (const auto& [id, text] : cases) EXPECT_EQ(table->lookup(id), text) << "id " << id;
 }
 
-TEST_P(PeStringTableFormat, RefusesEveryTruncationAndSurvivesCorruption) {
+TEST_P(PeStringTableFormat, RefusesEveryTruncationWithAReason) {
     const std::string whole = stringsDll(GetParam());
     for (std::size_t length = 0; length < whole.size(); ++length) {
         std::string error;
         EXPECT_EQ(PeStringTable::parse(std::string_view(whole).substr(0, length), &error), nullptr) << length;
         EXPECT_FALSE(error.empty()) << "no reason when cut to " << length << " bytes";
     }
-    std::mt19937 random(20240611);  // fixed seed: the same corruptions every run
-    int refused = 0;
-    for (int round = 0; round < 3000; ++round) {
-        std::string corrupt = whole, error;
-        for (int flips = 1 + round % 4; flips > 0; --flips) corrupt[random() % corrupt.size()] = static_cast<char>(random() & 0xFF);
-        const auto table = PeStringTable::parse(corrupt, &error);
-        EXPECT_NE(table == nullptr, error.empty()) << "round " << round << ": " << error;
-        refused += table == nullptr;
-    }
-    EXPECT_GT(refused, 0);  // the corruptions did reach the structures
 }
 
 TEST_P(PeStringTableFormat, ChoosesTheLanguageByBlockWhateverTheEntryOrder) {
@@ -114,8 +97,7 @@ TEST_P(PeStringTableFormat, SkipsNamedEntriesRepeatedBlocksAndBlocksNoIdReaches)
     rsrc.zerosTo(0x200).u16(4).bytes(std::string_view("N\0A\0M\0E\0", 8));
     const auto table = parsed(peImage(rsrc.s, GetParam()).s);
     ASSERT_NE(table, nullptr);
-    EXPECT_EQ(table->size(), 1u);
-    EXPECT_EQ(table->lookup(0), "ok");
+    EXPECT_EQ(std::tuple(table->size(), table->lookup(0)), std::tuple(1u, "ok"));
 }
 
 TEST_P(PeStringTableFormat, WithoutStringTablesHasNoTexts) {
@@ -129,8 +111,7 @@ TEST_P(PeStringTableFormat, WithoutStringTablesHasNoTexts) {
                                      peImage(sound, plus).put(rvaCountAt(plus), 2).s}) {        // its entry not counted
         const auto table = parsed(image);
         ASSERT_NE(table, nullptr);
-        EXPECT_EQ(table->size(), 0u);
-        EXPECT_EQ(table->lookup(0), std::nullopt);
+        EXPECT_EQ(std::tuple(table->size(), table->lookup(0)), std::tuple(0u, std::nullopt));
     }
 }
 

@@ -1,5 +1,6 @@
-// Text catalogs (id=text lines) and the registry that opens catalogs and language libraries
-// by content and hands out handles.
+// Text catalogs (id=text lines), the registry that opens catalogs and language libraries by
+// content and hands out handles, the translator that looks texts up in the custom library,
+// then the standard one, then takes the caller's default, and the upper-casing of headings.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -10,6 +11,8 @@
 #include "text/CatalogRegistry.h"
 #include "text/PeStringTable.h"
 #include "text/TextCatalog.h"
+#include "text/Translator.h"
+#include "text/UpperCase.h"
 
 namespace kestrin::test {
 namespace {
@@ -62,8 +65,7 @@ TEST(TextCatalog, ListsEachMalformedLineAndKeepsTheRest) {
     std::vector<std::size_t> lines;
     for (const auto& warning : catalog->warnings()) lines.push_back(warning.line);
     ASSERT_EQ(lines, (std::vector<std::size_t>{3, 4, 5, 6, 7, 8, 9, 11, 12, 13, 14, 15, 16, 17, 18, 19}));
-    EXPECT_EQ(catalog->size(), 2u);
-    EXPECT_EQ(std::tuple(catalog->lookup(1), catalog->lookup(3), catalog->lookup(4)), std::tuple("one", std::nullopt, "four"));
+    EXPECT_EQ(std::tuple(catalog->size(), catalog->lookup(1), catalog->lookup(3), catalog->lookup(4)), std::tuple(2u, "one", std::nullopt, "four"));
     EXPECT_NE(catalog->warnings()[0].message.find("'='"), std::string::npos);
     EXPECT_NE(catalog->warnings()[2].message.find("\"12a\""), std::string::npos);
     EXPECT_NE(catalog->warnings()[7].message.find("UTF-8"), std::string::npos);
@@ -89,11 +91,9 @@ TEST(TextCatalog, TheExampleReadsCleanlyAndHasAProperTextForEveryBundledId) {
         ASSERT_TRUE(text) << "id " << id;
         EXPECT_EQ(text->find_first_of("<>"), std::string::npos) << "id " << id << ": " << *text;
     }
-    EXPECT_EQ(catalog->lookup(3105)->back(), '?');
     // 3264 and 3265 are shown around a file name.
     const std::string readOnly = *catalog->lookup(3264) + " layout file " + *catalog->lookup(3265);
-    EXPECT_EQ(readOnly.find("  "), std::string::npos) << readOnly;
-    EXPECT_EQ(readOnly.back(), '.') << readOnly;
+    EXPECT_EQ(std::tuple(catalog->lookup(3105)->back(), readOnly.find("  "), readOnly.back()), std::tuple('?', std::string::npos, '.')) << readOnly;
 }
 
 int32_t openOrFail(CatalogRegistry& registry, const std::filesystem::path& path) {
@@ -122,19 +122,16 @@ TEST(CatalogRegistry, TellsTheKindByContentNotByNameUpToTheSizeLimit) {
 
 TEST(CatalogRegistry, GivesEachLibraryAHandleNeverGivenBefore) {
     CatalogRegistry registry, other;
-    EXPECT_EQ(registry.find(0), nullptr);
-    EXPECT_EQ(registry.find(1), nullptr);
+    EXPECT_EQ(std::tuple(registry.find(0), registry.find(1)), std::tuple(nullptr, nullptr));
     const int32_t first = openOrFail(registry, Lang / "standard.txt");
     ASSERT_NE(registry.find(first), nullptr);
     EXPECT_EQ(registry.find(first)->lookup(3105), "Only in the standard library");
     for (const int32_t unknown : {0, -1, first + 1, first - 1, -first, INT32_MAX, INT32_MIN}) EXPECT_EQ(registry.find(unknown), nullptr) << unknown;
-    EXPECT_EQ(other.find(first), nullptr);  // registries share nothing
-    EXPECT_FALSE(other.close(first));
+    EXPECT_EQ(std::tuple(other.find(first), other.close(first)), std::tuple(nullptr, false));  // registries share nothing
     EXPECT_FALSE(registry.close(0));
     EXPECT_TRUE(registry.close(first));
     EXPECT_FALSE(registry.close(first));
-    EXPECT_EQ(registry.find(first), nullptr);
-    EXPECT_EQ(registry.size(), 0u);
+    EXPECT_EQ(std::tuple(registry.find(first), registry.size()), std::tuple(nullptr, 0u));
     std::set<int32_t> seen{first};
     for (const char* name : {"custom.dll", "standard.txt", "custom.dll"}) {
         const int32_t handle = openOrFail(registry, Lang / name);
@@ -160,6 +157,69 @@ TEST(CatalogRegistry, RefusesWithAMessageNamingTheFile) {
         EXPECT_EQ(registry.open(path), 0);  // the error text is optional
     }
     EXPECT_EQ(registry.size(), 0u);
+}
+
+const std::string NotFound(Translator::NotFoundText);
+const std::string StandardText = "Standard: select an item first.";
+const std::string CustomText = "Custom: W\xC3\xA4hlen Sie zuerst ein Element.";
+
+TEST(Translator, WithoutLibrariesGivesTheDefaultOrTheMarker) {
+    CatalogRegistry registry;
+    Translator noRegistry, unknownHandles(&registry);
+    EXPECT_EQ(std::tuple(noRegistry.LanguageDLL(), noRegistry.CustomLanguageDLL()), std::tuple(0, 0));
+    unknownHandles.setLanguageDLL(7);
+    unknownHandles.setCustomLanguageDLL(-9);
+    EXPECT_EQ(std::tuple(unknownHandles.LanguageDLL(), unknownHandles.CustomLanguageDLL()), std::tuple(7, -9));
+    for (const Translator* translator : {&noRegistry, &unknownHandles}) {
+        EXPECT_EQ(std::tuple(translator->text(3106), translator->text(3106, ""), translator->text(3106, "<Value>"), translator->text(0, " ")), std::tuple("*=*+*", "*=*+*", "<Value>", " "));
+    }
+}
+
+// The standard and custom library as DLLs (true) or as text catalogs (false).
+class TranslatorFallback : public ::testing::TestWithParam<bool> {
+protected:
+    const char* customFile() const { return GetParam() ? "custom.dll" : "custom.txt"; }
+    void SetUp() override {
+        standard = openOrFail(registry, Lang / (GetParam() ? "standard.dll" : "standard.txt"));
+        custom = openOrFail(registry, Lang / customFile());
+        ASSERT_TRUE(standard && custom);
+        translator.setLanguageDLL(standard);
+        translator.setCustomLanguageDLL(custom);
+    }
+    CatalogRegistry registry;
+    Translator translator{&registry};
+    int32_t standard = 0, custom = 0;
+};
+
+TEST_P(TranslatorFallback, TriesCustomThenStandardThenDefault) {
+    std::string digits;
+    for (int i = 0; i < 30; ++i) digits += "0123456789";
+    const std::tuple<int32_t, const char*, std::string> cases[] = {
+        {3104, "<Remove>", CustomText},  // in both: custom wins
+        {3105, "<Remove?>", "Only in the standard library"}, {3106, "<Value>", "Only in the custom library"},
+        {3107, "<Step>", "<Step>"}, {3107, "", NotFound},  // in neither
+        {3108, "", "Standard text behind an empty custom one"},  // empty counts as none
+        {3109, "", digits.substr(0, 255)},                       // 300 characters, cut
+        {3110, "", "Standard: two lines\nGr\xC3\xB6\xC3\x9F" "e"}, {3104 + 65536, "", CustomText}};
+    for (const auto& [id, defaultText, expected] : cases) EXPECT_EQ(translator.text(id, defaultText), expected) << "id " << id;
+}
+
+TEST_P(TranslatorFallback, SkipsALibraryThatIsNotOpen) {
+    ASSERT_TRUE(registry.close(custom));  // seen at once: the translator keeps nothing but handles
+    EXPECT_EQ(std::tuple(translator.text(3104), translator.text(3106, "<Value>")), std::tuple(StandardText, "<Value>"));
+    translator.setCustomLanguageDLL(openOrFail(registry, Lang / customFile()));
+    EXPECT_EQ(translator.text(3106), "Only in the custom library");
+    translator.setLanguageDLL(0);
+    EXPECT_EQ(std::tuple(translator.text(3104), translator.text(3105)), std::tuple(CustomText, NotFound));
+}
+
+INSTANTIATE_TEST_SUITE_P(Libraries, TranslatorFallback, ::testing::Bool(), [](const auto& p) { return std::string(p.param ? "Dlls" : "TextCatalogs"); });
+
+TEST(UpperCase, CapitalisesTheLettersOfTheWesternCodePage) {
+    // The last row has no single capital (ß) or is no letter of the code page.
+    const std::pair<const char*, const char*> cases[] = {
+        {"<Pages> 1-2", "<PAGES> 1-2"}, {"páginas çà", "PÁGINAS ÇÀ"}, {"ÿ š œ ž", "Ÿ Š Œ Ž"}, {"÷ ß µ € 日本", "÷ ß µ € 日本"}};
+    for (auto [text, upper] : cases) EXPECT_EQ(upperCase(text), upper) << text;
 }
 
 }  // namespace
