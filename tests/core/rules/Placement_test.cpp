@@ -84,7 +84,6 @@ INSTANTIATE_TEST_SUITE_P(Cases, Placement, ::testing::Values(
     // Boundary 18: bytes 151 and 152 straddle block 19's start on the paged chip only.
     RuleCase{"AcrossBoundary", iBigEightPages, at(18, 7, 2, kModeField, "Name", -1, [](auto& q) { q.page = 1; }), kTextBoundary},
     RuleCase{"EndsBeforeBoundaryBlock19", iBigEightPages, at(18, 6, 2, kModeField, "Name", -1, [](auto& q) { q.page = 1; }), 0},
-    RuleCase{"NoBoundaryOnOnePage", iBigOnePage, at(18, 7, 2), kTextHeaderOrHid},
     RuleCase{"NoBoundaryOnOnePageFreeRow", iBigOnePage, at(19, 7, 2), 0},
     RuleCase{"CardSnNrDecimal10", iSmallOnePage, fn("CardSnNr", kModeFunction, 0, 10), 0},
     RuleCase{"CardSnNrDecimal9", iSmallOnePage, fn("CardSnNr", kModeFunction, 0, 9), kTextCardSnNrDecimal},

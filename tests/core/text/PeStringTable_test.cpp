@@ -2,15 +2,94 @@
 // string loader reads them, and hostile images refused with a reason that names the fault.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <optional>
 
-#include "PeTestImage.h"
 #include "support/TestSupport.h"
 #include "text/PeStringTable.h"
 
 namespace kestrin::test {
 namespace {
+
+// Small PE images built in memory, so that the reader can be fed exact, and hostile, resource
+// tables that no resource compiler would write.
+constexpr uint32_t Subdirectory = 0x80000000u;
+constexpr uint32_t ResourceRva = 0x1000;        // where peImage() maps the resource section
+constexpr std::size_t ResourceSection = 0x200;  // and where it lies in the file
+constexpr std::size_t OptionalHeader = 0x58;
+constexpr std::size_t rvaCountAt(bool plus) { return OptionalHeader + (plus ? 108 : 92); }
+constexpr std::size_t resourceDirectoryAt(bool plus) { return rvaCountAt(plus) + 20; }
+constexpr std::size_t sectionTableAt(bool plus) { return OptionalHeader + (plus ? 240 : 224); }
+
+// Little-endian writer.
+struct ByteWriter {
+    std::string s;
+    ByteWriter& u16(uint32_t v) { s.append(2, '\0'); return put(s.size() - 2, v, 2); }
+    ByteWriter& u32(uint32_t v) { s.append(4, '\0'); return put(s.size() - 4, v, 4); }
+    ByteWriter& bytes(std::string_view b) { s += b; return *this; }
+    ByteWriter& zerosTo(std::size_t size) { s.resize(std::max(size, s.size()), '\0'); return *this; }
+    ByteWriter& directory(uint32_t named, uint32_t ids) { return u32(0).u32(0).u32(0).u16(named).u16(ids); }
+    ByteWriter& entry(uint32_t name, uint32_t target) { return u32(name).u32(target); }
+    ByteWriter& dataEntry(uint32_t rva, uint32_t size) { return u32(rva).u32(size).u32(0).u32(0); }
+    // A string block: 16 slots, each a length and its UTF-16LE units.
+    ByteWriter& block(const std::vector<std::u16string>& slots) {
+        for (std::size_t i = 0; i < 16; ++i) {
+            u16(i < slots.size() ? static_cast<uint32_t>(slots[i].size()) : 0);
+            for (const char16_t unit : i < slots.size() ? slots[i] : u"") u16(unit);
+        }
+        return *this;
+    }
+    // Overwrites width bytes at offset at.
+    ByteWriter& put(std::size_t at, uint32_t v, int width = 4) {
+        for (int i = 0; i < width; ++i) s[at + i] = static_cast<char>(v >> 8 * i & 0xFF);
+        return *this;
+    }
+};
+
+// A DLL image with one section that holds rsrc at ResourceRva, named as the resource table
+// by the data directory.
+inline ByteWriter peImage(std::string_view rsrc, bool plus = false) {
+    const auto size = static_cast<uint32_t>(rsrc.size());
+    const uint32_t rawSize = (size + 0x1FF) / 0x200 * 0x200;
+    ByteWriter image;
+    image.bytes("MZ").zerosTo(0x3C).u32(0x40).bytes(std::string_view("PE\0\0", 4));
+    image.u16(plus ? 0x8664 : 0x14C).u16(1).u32(0).u32(0).u32(0);
+    image.u16(static_cast<uint32_t>(sectionTableAt(plus) - OptionalHeader)).u16(0x2102).u16(plus ? 0x20B : 0x10B);
+    image.zerosTo(rvaCountAt(plus)).u32(16).zerosTo(resourceDirectoryAt(plus)).u32(ResourceRva).u32(size);
+    image.zerosTo(sectionTableAt(plus)).bytes(".rsrc").zerosTo(sectionTableAt(plus) + 8);
+    image.u32(size).u32(ResourceRva).u32(rawSize).u32(ResourceSection);
+    image.zerosTo(ResourceSection).bytes(rsrc).zerosTo(ResourceSection + rawSize);
+    return image;
+}
+
+// One string block, its language versions written in the order given.
+struct TestBlock { uint32_t block; std::vector<std::pair<uint32_t, std::vector<std::u16string>>> languages; };
+
+// A well-formed resource table holding only string blocks: root and type directories, the
+// language directories, their data entries, the blocks.
+inline std::string stringTableSection(const std::vector<TestBlock>& blocks) {
+    const auto at = [](std::size_t offset) { return static_cast<uint32_t>(offset); };
+    std::size_t languageCount = 0;
+    for (const TestBlock& b : blocks) languageCount += b.languages.size();
+    const std::size_t languagesAt = 40 + 8 * blocks.size();
+    const std::size_t entriesAt = languagesAt + 16 * blocks.size() + 8 * languageCount;
+    const std::size_t dataAt = entriesAt + 16 * languageCount;
+    ByteWriter table, languages, entries, data;
+    table.directory(0, 1).entry(6, Subdirectory | 24).directory(0, at(blocks.size()));
+    for (const TestBlock& b : blocks) {
+        table.entry(b.block, Subdirectory | at(languagesAt + languages.s.size()));
+        languages.directory(0, at(b.languages.size()));
+        for (const auto& [language, slots] : b.languages) {
+            languages.entry(language, at(entriesAt + entries.s.size()));
+            const std::size_t start = data.s.size();
+            data.block(slots);
+            entries.dataEntry(ResourceRva + at(dataAt + start), at(data.s.size() - start));
+        }
+    }
+    return table.s + languages.s + entries.s + data.s;
+}
+
 
 std::string repeated(std::string_view piece, std::size_t count) {
     std::string out;
@@ -86,32 +165,30 @@ TEST_P(PeStringTableFormat, ReplacesUnpairedSurrogatesAndCutsBetweenCharacters) 
     for (std::size_t i = 0; i < std::size(cases); ++i) EXPECT_EQ(table->lookup(static_cast<int32_t>(i)), cases[i].second) << "slot " << i;
 }
 
-TEST_P(PeStringTableFormat, SkipsNamedEntriesRepeatedBlocksAndBlocksNoIdReaches) {
-    // Root: a named type and the string type; string type: a named block, block 0, block 1,
-    // and block 1 again as a damaged entry that the first one makes irrelevant.
+// Root: a named type and the string type; string type: a named block, block 0, block 1, and
+// block 1 again as a damaged entry that the first one makes irrelevant.
+ByteWriter namedEntries() {
     ByteWriter rsrc;
     rsrc.directory(1, 1).entry(Subdirectory | 0x200, Subdirectory | 0x30).entry(6, Subdirectory | 0x60);
     rsrc.zerosTo(0x30).directory(0, 1).entry(1, Subdirectory | 0x90);  // a named type's own tree
     rsrc.zerosTo(0x60).directory(1, 3).entry(Subdirectory | 0x200, Subdirectory | 0x90).entry(0, Subdirectory | 0x90).entry(1, Subdirectory | 0x90).entry(1, 0xB0);
     rsrc.zerosTo(0x90).directory(0, 1).entry(0x0409, 0xB0).zerosTo(0xB0).dataEntry(ResourceRva + 0xC0, 36).zerosTo(0xC0).block({u"ok"});
-    rsrc.zerosTo(0x200).u16(4).bytes(std::string_view("N\0A\0M\0E\0", 8));
-    const auto table = parsed(peImage(rsrc.s, GetParam()).s);
-    ASSERT_NE(table, nullptr);
-    EXPECT_EQ(std::tuple(table->size(), table->lookup(0)), std::tuple(1u, "ok"));
+    return rsrc.zerosTo(0x200).u16(4).bytes(std::string_view("N\0A\0M\0E\0", 8));
 }
 
-TEST_P(PeStringTableFormat, WithoutStringTablesHasNoTexts) {
+TEST_P(PeStringTableFormat, SkipsNamedEntriesRepeatedBlocksAndWhatIsNoStringTable) {
     const bool plus = GetParam();
     const std::string sound = stringTableSection({{1, {{0x0409, {u"x"}}}}});
-    ByteWriter iconsOnly, emptyLanguages;
-    iconsOnly.directory(0, 1).entry(3, Subdirectory | 0x18).directory(0, 0);
-    emptyLanguages.directory(0, 1).entry(6, Subdirectory | 0x18).directory(0, 1).entry(1, Subdirectory | 0x30).zerosTo(0x30).directory(0, 0);
-    for (const std::string& image : {peImage(iconsOnly.s, plus).s, peImage(emptyLanguages.s, plus).s,
-                                     peImage(sound, plus).put(resourceDirectoryAt(plus), 0).s,  // no resource table
-                                     peImage(sound, plus).put(rvaCountAt(plus), 2).s}) {        // its entry not counted
+    const std::tuple<std::string, std::size_t, std::optional<std::string>> cases[] = {
+        {peImage(namedEntries().s, plus).s, 1, "ok"},
+        {peImage(ByteWriter().directory(0, 1).entry(3, Subdirectory | 0x18).directory(0, 0).s, plus).s, 0, std::nullopt},  // icons only
+        {peImage(ByteWriter().directory(0, 1).entry(6, Subdirectory | 0x18).directory(0, 1).entry(1, Subdirectory | 0x30).zerosTo(0x30).directory(0, 0).s, plus).s, 0, std::nullopt},  // no languages
+        {peImage(sound, plus).put(resourceDirectoryAt(plus), 0).s, 0, std::nullopt},  // no resource table
+        {peImage(sound, plus).put(rvaCountAt(plus), 2).s, 0, std::nullopt}};         // its entry not counted
+    for (const auto& [image, size, text] : cases) {
         const auto table = parsed(image);
         ASSERT_NE(table, nullptr);
-        EXPECT_EQ(std::tuple(table->size(), table->lookup(0)), std::tuple(0u, std::nullopt));
+        EXPECT_EQ(std::tuple(table->size(), table->lookup(0)), std::tuple(size, text));
     }
 }
 
