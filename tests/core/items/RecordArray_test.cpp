@@ -15,6 +15,8 @@
 namespace kestrin::test {
 namespace {
 
+const Translator tr;
+
 RecordArray recordsOf(const std::vector<ItemRecord>& list) {
     RecordArray records;
     for (const auto& r : list) records.add(r);
@@ -97,9 +99,8 @@ TEST(GridRows, EachKindShowsItsCellsAndReadsBackAsTheEditorsRecord) {
 }
 
 TEST(GridRows, DatabaseUpdateSummaries) {
-    const Translator t;
     for (const auto& [function, p1, p2, summary] : {std::tuple("Constant", "7", "", "<Value>: 7."), {"Count", "5", "2", "<Step>: 5. <Start value>: 2."}, {"CardSnNr", "0", "", "<Decimal>"}, {"CardSnNr", "", "", "<Decimal>"}, {"CardSnNr", "1", "", "<Hexadecimal>"}})
-        EXPECT_EQ(dbUpdateSummary(function, p1, p2, t), summary) << function << " " << p1;
+        EXPECT_EQ(dbUpdateSummary(function, p1, p2, tr), summary) << function << " " << p1;
 }
 
 TEST(ItemColor, EveryChannelIsLightAndTheColoursVary) {
@@ -125,7 +126,6 @@ TEST_P(PreviewViews, TitlesPositionPagesAndHeading) {
     const ViewCase& c = GetParam();
     CIClass card;
     card.setChipSize(c.chip);
-    const Translator tr;
     const PreviewView v = previewView(card, c.view, tr);
     EXPECT_EQ(std::tuple(v.index, v.titles, v.position, v.pageNumbers), std::tuple(c.view, c.titles, c.position, c.pageNumbers));
     std::vector<int32_t> parts;
@@ -136,15 +136,14 @@ TEST_P(PreviewViews, TitlesPositionPagesAndHeading) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Chips, PreviewViews, ::testing::Values(
-    ViewCase{iSmallOnePage, 0, {"<Card Layout>"}, "", {0}, {0}, ""},
-    ViewCase{iBigOnePage, 0, {"Blocks 0 - 31", "Blocks 32 - 63"}, "Blocks 0 - 63 of 255", {0}, {0, 1}, ""},
+    ViewCase{iSmallOnePage, 0, {"<Card Layout>"}, "", {0}, {0}, ""}, ViewCase{iBigOnePage, 0, {"Blocks 0 - 31", "Blocks 32 - 63"}, "Blocks 0 - 63 of 255", {0}, {0, 1}, ""},
     ViewCase{iBigOnePage, 1, {"Blocks 64 - 95 ", "Blocks 96 - 127"}, "Blocks 64 - 127 of 255", {0}, {2, 3}, ""},
     ViewCase{iBigOnePage, 3, {"Blocks 192 - 223", "Blocks 224 - 255"}, "Blocks 192 - 255 of 255", {0}, {6, 7}, ""},
     ViewCase{iBigEightPages, 0, {"Page 0", "Page 1"}, "Pages 0/1 of 7", {0, 1}, {0, 0}, "<PAGES> 0 <and> 1"},
     ViewCase{iBigEightPages, 3, {"Page 6", "Page 7"}, "Pages 6/7 of 7", {6, 7}, {0, 0}, "<PAGES> 6 <and> 7"}));
 
 TEST(PreviewViews, HeaderLineNamesFileDateAndTime) {
-    EXPECT_EQ(printHeaderLine(Translator(), "C:\\Cards\\Staff.IIF", "23.11.2026", "18:20"), "<Filename>: C:\\Cards\\Staff.IIF; <Date>: 23.11.2026; <Time>: 18:20");
+    EXPECT_EQ(printHeaderLine(tr, "C:\\Cards\\Staff.IIF", "23.11.2026", "18:20"), "<Filename>: C:\\Cards\\Staff.IIF; <Date>: 23.11.2026; <Time>: 18:20");
 }
 
 }  // namespace

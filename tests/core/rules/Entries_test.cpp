@@ -23,10 +23,11 @@
 namespace kestrin::test {
 namespace {
 
+const Translator tr;
+
 const std::string kRange0To255 = "<Please enter a value between> 0 & 255!", kNotANumber = "<Please enter a number.>";
 
-TEST(NumberChecks, InRangeAcceptsOnlyNumbersWithinTheBounds) {
-    const Translator tr;
+TEST(NumberChecks, AcceptOnlyNumbersWithinTheBoundsOrEqualToTheValue) {
     const std::pair<const char*, int32_t> cases[] = {
         {"0", 0}, {"255", 0}, {" 7 ", 0}, {"05", 0}, {"256", kTextOutOfRange}, {"-1", kTextOutOfRange}, {"", kTextOutOfRange},
         {"   ", kTextOutOfRange}, {"1234567890123456789012345678901234567890", kTextOutOfRange}, {"abc", kTextNotANumber},
@@ -36,14 +37,11 @@ TEST(NumberChecks, InRangeAcceptsOnlyNumbersWithinTheBounds) {
         EXPECT_EQ(std::tuple(check.ok, check.textId), std::tuple(id == 0, id)) << text;
         EXPECT_EQ(check.message, id == 0 ? "" : id == kTextOutOfRange ? kRange0To255 : kNotANumber) << text;
     }
-}
-
-TEST(NumberChecks, EqualsIsTrueWhenTheValueIsWrong) {
-    const Translator tr;
-    const std::tuple<const char*, bool, std::string> cases[] = {
+    // Equals is true when the value is wrong.
+    const std::tuple<const char*, bool, std::string> equals[] = {
         {"8", false, ""}, {" 8", false, ""}, {"7", true, "<The value must be exactly> 8!"}, {"9", true, "<The value must be exactly> 8!"},
         {"", true, "<The value must be exactly> 8!"}, {"x", true, kNotANumber}};
-    for (const auto& [text, wrong, message] : cases) {
+    for (const auto& [text, wrong, message] : equals) {
         RecordingPrompter prompter;
         EXPECT_EQ(CheckNumberEquals(8, text, "", prompter, tr), wrong) << text;
         ASSERT_EQ(prompter.messages.size(), wrong ? 1u : 0u) << text;
@@ -54,7 +52,6 @@ TEST(NumberChecks, EqualsIsTrueWhenTheValueIsWrong) {
 }
 
 TEST(NumberChecks, RangeCheckShowsItsMessageWithTheGivenTitle) {
-    const Translator tr;
     RecordingPrompter prompter;
     for (const auto& [text, ok] : {std::pair("5", true), {"31", true}, {"4", false}, {"32", false}}) EXPECT_EQ(CheckNumberInRange(5, 31, text, "Props", prompter, tr), ok) << text;
     ASSERT_EQ(prompter.messages.size(), 2u);
@@ -84,7 +81,7 @@ TEST(LayoutProperties, BoxOfPageNMinusOneIsComparedWithItemsOfPageN) {
     boxes[1] = "20";  // box 1 pairs with page 2: one block into the item
     boxes[6] = "19";  // box 6 pairs with page 7: exactly at the item's first block
     boxes[7] = "20";  // box 7 is never compared
-    const auto check = checkLayoutProperties(boxes, false, records, Translator());
+    const auto check = checkLayoutProperties(boxes, false, records, tr);
     EXPECT_TRUE(check.boundaryFailed);
     EXPECT_EQ(check.cutItems, std::vector<int32_t>{1});
     EXPECT_EQ(std::tuple(check.cutBoxes[1], check.cutBoxes[6], check.cutBoxes[7]), std::tuple(true, false, false));
@@ -92,7 +89,6 @@ TEST(LayoutProperties, BoxOfPageNMinusOneIsComparedWithItemsOfPageN) {
 }
 
 TEST(LayoutProperties, HidCheckAndBothMessagesInOrder) {
-    const Translator tr;
     const RecordArray records = recordsOf({field("Hid", 0, 18, 0, 1), field("Free", 0, 19, 0, 1), field("Cut", 1, 17, 0, 16)});
     RecordingPrompter prompter;
     const auto check = checkLayoutProperties(allAt("18"), true, records, tr);
@@ -105,7 +101,6 @@ TEST(LayoutProperties, HidCheckAndBothMessagesInOrder) {
 }
 
 TEST(LayoutProperties, BoundaryBoxesAcceptFiveToThirtyOne) {
-    const Translator tr;
     for (const auto& [text, ok] : {std::pair("5", true), {"31", true}, {"05", true}, {" 7 ", true}, {"4", false}, {"32", false}, {"", false}, {"x", false}}) EXPECT_EQ(checkBoundaryBox(text, tr).ok, ok) << text;
     EXPECT_EQ(checkBoundaryBox("", tr).message, "<Please enter a value between> 5 & 31!");
 }
@@ -133,20 +128,15 @@ DbUpdateEntries entries(std::string function, std::string constant, std::string 
 TEST(DbUpdateRules, EntriesAreCheckedAndBecomeOneRecord) {
     using Box = DbUpdateBox;
     const std::tuple<DbUpdateEntries, int32_t, Box, std::string, std::string> cases[] = {
-        {entries("Constant", "0", "", ""), 0, Box::None, "0", ""},
-        {entries("Constant", "255", "", ""), 0, Box::None, "255", ""},
-        {entries("Constant", "007", "", ""), 0, Box::None, "7", ""},
-        {entries("Constant", "256", "", ""), kTextOutOfRange, Box::ConstantValue, "", ""},
-        {entries("Constant", "", "", ""), kTextOutOfRange, Box::ConstantValue, "", ""},
-        {entries("Count", "", "10", "255"), 0, Box::None, "10", "255"},
-        {entries("Count", "", "1", "256"), kTextOutOfRange, Box::CountStep, "", ""},
-        {entries("Count", "", "", "1"), kTextOutOfRange, Box::CountNumber, "", ""},
-        {entries("CardSnNr", "999", "", ""), 0, Box::None, "0", ""},
-        {entries("CardSnNr", "", "", "", true), 0, Box::None, "1", ""},
+        {entries("Constant", "0", "", ""), 0, Box::None, "0", ""}, {entries("Constant", "255", "", ""), 0, Box::None, "255", ""},
+        {entries("Constant", "007", "", ""), 0, Box::None, "7", ""}, {entries("Constant", "256", "", ""), kTextOutOfRange, Box::ConstantValue, "", ""},
+        {entries("Constant", "", "", ""), kTextOutOfRange, Box::ConstantValue, "", ""}, {entries("Count", "", "10", "255"), 0, Box::None, "10", "255"},
+        {entries("Count", "", "1", "256"), kTextOutOfRange, Box::CountStep, "", ""}, {entries("Count", "", "", "1"), kTextOutOfRange, Box::CountNumber, "", ""},
+        {entries("CardSnNr", "999", "", ""), 0, Box::None, "0", ""}, {entries("CardSnNr", "", "", "", true), 0, Box::None, "1", ""},
         {entries("Constant", "1", "", "", false, ""), kTextIncomplete, Box::Fields, "", ""}};
     for (const auto& [e, textId, focus, param1, param2] : cases) {
         SCOPED_TRACE(e.function + " " + e.constantText + " " + e.countNumberText + " " + e.countStepText);
-        const auto v = dbUpdateViolation(e, Translator());
+        const auto v = dbUpdateViolation(e, tr);
         EXPECT_EQ(v ? std::pair(v->textId, v->focus) : std::pair(0, Box::None), std::pair(textId, focus));
         const ItemRecord r = dbUpdateRecordOf(e);
         if (!v) { EXPECT_EQ(std::tuple(r.isDbUpdate, r.name, r.dbFieldName, r.dbColumn, r.param1, r.param2, dbUpdateEntriesOf(r).function), std::tuple(true, e.function, "NUMBER", 4, param1, param2, e.function)); }
@@ -194,11 +184,9 @@ TEST_P(EncodingOptionsTable, ShowsTheTypesOptionsForTheMode) {
 }
 
 INSTANTIATE_TEST_SUITE_P(EncodingsByTypeAndMode, EncodingOptionsTable, ::testing::Values(
-    OptionsCase{"Character", 0, {Shown{3167, kString121, false}, kNone, kNone, kNone}, 0},
-    OptionsCase{"Number", 0, kNumber, 0}, OptionsCase{"Numeric", 0, kNumber, 0},
+    OptionsCase{"Character", 0, {Shown{3167, kString121, false}, kNone, kNone, kNone}, 0}, OptionsCase{"Number", 0, kNumber, 0}, OptionsCase{"Numeric", 0, kNumber, 0},
     OptionsCase{"Date", 0, {Shown{3202, "<String>", true}, {3108, "<Decimal>", true}, {3203, kBcd, true}, kNone}, 0},
-    OptionsCase{"Binary", 0, {Shown{3175, "<Encode 'as is>", false}, kNone, kNone, kNone}, 0},
-    OptionsCase{"Date", 2, {Shown{3168, kMotorola, false}, kNone, kNone, kNone}, 0},
+    OptionsCase{"Binary", 0, {Shown{3175, "<Encode 'as is>", false}, kNone, kNone, kNone}, 0}, OptionsCase{"Date", 2, {Shown{3168, kMotorola, false}, kNone, kNone, kNone}, 0},
     OptionsCase{"Number", 1, kHidden, -1}, OptionsCase{"Date", 3, kHidden, -1}, OptionsCase{"Memo", 0, kHidden, -1}));
 
 TEST(EncodingCodes, ListFormatsAndGiveTheStoredCode) {
@@ -244,10 +232,7 @@ TEST(SpinButtons, StepByOneAndStayAtOrAboveOne) {
         {"", "2", ""}, {"x", "2", "x"}, {"0", "1", "0"}, {"1", "2", "1"}, {"2", "3", "1"}, {"099", "100", "98"},
         {"32767", "32768", "32766"}, {"1.5", "2.5", "1"}, {k40Digits, "1" + std::string(40, '0'), std::string(39, '9') + "8"},
         {"1" + std::string(40, '0'), "1" + std::string(39, '0') + "1", k40Digits}};
-    for (const auto& [text, up, down] : cases) {
-        EXPECT_EQ(spinUp(text), up) << text;
-        EXPECT_EQ(spinDown(text), down) << text;
-    }
+    for (const auto& [text, up, down] : cases) EXPECT_EQ(std::tuple(spinUp(text), spinDown(text)), std::tuple(up, down)) << text;
 }
 
 using K = FunctionKind;
@@ -268,13 +253,11 @@ TEST(FunctionBoxes, ShowTheBoxesTheChoiceUses) {
         EXPECT_EQ(propertyBoxes(kind, option, fromField, mode), want) << int(kind) << " option " << option << " mode " << mode;
 }
 
-TEST(FunctionSizes, FixedByTheRepresentationOrMethod) {
+TEST(FunctionProperties, SizesAndValueLimitsFollowTheRepresentationMethodAndMode) {
     const std::pair<int, std::optional<int64_t>> cardSnNr[] = {{0, 10}, {1, 8}, {2, 4}, {3, 4}, {4, std::nullopt}};
     for (const auto& [option, bytes] : cardSnNr) EXPECT_EQ(requiredCardSnNrBytes(option), bytes) << option;
     EXPECT_EQ(std::tuple(fixedSize(K::Checksum, kChecksumAdd, 3), fixedSize(K::Checksum, kChecksumParity, 3), fixedSize(K::Checksum, kChecksumCrc, 3)), std::tuple(8, 1, std::nullopt));
-}
-
-TEST(FunctionBoxLimits, FollowTheMode) {
+    // The value boxes' limits follow the mode.
     const std::tuple<ValueBox, int32_t, K, int, int64_t, Limits> cases[] = {
         {ValueBox::ConstantValue, 1, K::Constant, 0, 8, {0, 255}}, {ValueBox::ConstantValue, 3, K::Constant, 0, 9, {0, 4294967295}},
         {ValueBox::CountNumber, 3, K::Count, 0, 16, {0, 255}}, {ValueBox::Polynom, 1, K::Checksum, 2, 8, {257, 511}},
@@ -287,9 +270,7 @@ TEST(FunctionBoxLimits, FollowTheMode) {
     // The size box: room left in the page, the begin bit counted.
     for (const auto& [mode, row, byte, bit, max] : {std::tuple(0, 30, 0, 0, 16), {1, 30, 1, 5, 15}, {2, 30, 1, 5, 125}, {3, 30, 0, 7, 135}, {0, 32, 0, 0, 0}})
         EXPECT_EQ(sizeBoxLimits(mode, 256, row, byte, bit), (Limits{1, max})) << mode << " " << row << " " << byte << " " << bit;
-}
-
-TEST(FunctionNumberKeys, OnlyDigitsAndBackspacePass) {
+    // Only digits and backspace pass the value boxes.
     for (char32_t key : {U'0', U'5', U'9', char32_t{8}}) EXPECT_TRUE(acceptsNumberKey(key)) << int(key);
     for (char32_t key : {U'a', U'-', U'.', U' ', U'/', U':', U'\u0663', char32_t{127}}) EXPECT_FALSE(acceptsNumberKey(key)) << int(key);
     EXPECT_EQ(std::tuple(filterNumberText("1a2"), filterNumberText(" -3.5e2\b")), std::tuple("12", "352"));
