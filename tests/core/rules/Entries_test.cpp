@@ -49,9 +49,7 @@ TEST(NumberChecks, AcceptOnlyNumbersWithinTheBoundsOrEqualToTheValue) {
             EXPECT_EQ(std::tuple(prompter.messages[0].text, prompter.messages[0].title), std::tuple(message, "Kestrin")) << text;
         }
     }
-}
-
-TEST(NumberChecks, RangeCheckShowsItsMessageWithTheGivenTitle) {
+    // A range check shows its message with the given title.
     RecordingPrompter prompter;
     for (const auto& [text, ok] : {std::pair("5", true), {"31", true}, {"4", false}, {"32", false}}) EXPECT_EQ(CheckNumberInRange(5, 31, text, "Props", prompter, tr), ok) << text;
     ASSERT_EQ(prompter.messages.size(), 2u);
@@ -77,15 +75,13 @@ const std::string kHidMessage = "HID Space should not cover database items or fu
 TEST(LayoutProperties, BoxOfPageNMinusOneIsComparedWithItemsOfPageN) {
     // Page 0 is never checked; P2 takes blocks 19 and 20.
     const RecordArray records = recordsOf({field("P0", 0, 19, 0, 16), field("P2", 2, 19, 0, 16), field("P7", 7, 19, 0, 16)});
+    // Box 1 pairs with page 2: one block into the item; box 6 with page 7: exactly at the item's
+    // first block; box 7 is never compared.
     BoundaryTexts boxes = allAt("18");
-    boxes[1] = "20";  // box 1 pairs with page 2: one block into the item
-    boxes[6] = "19";  // box 6 pairs with page 7: exactly at the item's first block
-    boxes[7] = "20";  // box 7 is never compared
+    boxes[1] = "20", boxes[6] = "19", boxes[7] = "20";
     const auto check = checkLayoutProperties(boxes, false, records, tr);
-    EXPECT_TRUE(check.boundaryFailed);
-    EXPECT_EQ(check.cutItems, std::vector<int32_t>{1});
-    EXPECT_EQ(std::tuple(check.cutBoxes[1], check.cutBoxes[6], check.cutBoxes[7]), std::tuple(true, false, false));
-    EXPECT_EQ(check.messages, std::vector<std::string>{kCutMessage});
+    EXPECT_EQ(std::tuple(check.boundaryFailed, check.cutItems, check.cutBoxes[1], check.cutBoxes[6], check.cutBoxes[7], check.messages),
+              std::tuple(true, std::vector<int32_t>{1}, true, false, false, std::vector<std::string>{kCutMessage}));
 }
 
 TEST(LayoutProperties, HidCheckAndBothMessagesInOrder) {
@@ -241,12 +237,9 @@ TEST(FunctionBoxes, ShowTheBoxesTheChoiceUses) {
     // constantValue, fieldList, countFirstValue, countNumber, countStep, polynom, startValue, range, sizeEnabled
     const std::tuple<K, int, bool, int32_t, PropertyBoxes> cases[] = {
         {K::Constant, 0, false, 1, {true, false, false, false, false, false, false, false, true}},
-        {K::Constant, 1, false, 3, {false, true, false, false, false, false, false, false, true}},
-        {K::Count, 0, false, 1, {false, false, true, true, true, false, false, false, true}},
-        {K::Count, 1, true, 3, {false, true, true, false, true, false, false, false, true}},
-        {K::CardSnNr, 2, false, 1, {false, false, false, false, false, false, false, false, false}},
-        {K::Checksum, 0, false, 3, {false, false, false, false, false, true, true, true, true}},
-        {K::Checksum, 2, false, 3, {false, false, false, false, false, true, true, true, true}},
+        {K::Constant, 1, false, 3, {false, true, false, false, false, false, false, false, true}}, {K::Count, 0, false, 1, {false, false, true, true, true, false, false, false, true}},
+        {K::Count, 1, true, 3, {false, true, true, false, true, false, false, false, true}}, {K::CardSnNr, 2, false, 1, {false, false, false, false, false, false, false, false, false}},
+        {K::Checksum, 0, false, 3, {false, false, false, false, false, true, true, true, true}}, {K::Checksum, 2, false, 3, {false, false, false, false, false, true, true, true, true}},
         {K::Checksum, 2, false, 1, {false, false, false, false, false, true, true, true, false}},
         {K::Checksum, 3, false, 3, {false, false, false, false, false, false, true, true, false}}};
     for (const auto& [kind, option, fromField, mode, want] : cases)
