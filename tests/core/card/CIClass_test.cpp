@@ -74,7 +74,7 @@ TEST(CIClass, SetBoundaryAcceptsPagesOneToSevenAndBlocksSixTo32) {
         EXPECT_EQ(boundaries(card), want) << page << ", " << boundary;
     }
     CIClass onePage = chip(iBigOnePage);
-    onePage.SetBoundary(1, 20);
+    onePage.SetBoundary(1, 20);  // a one-page card has no boundary to set
     EXPECT_EQ(onePage.Pages().Item(1).Boundary, 0);
 }
 

@@ -185,7 +185,7 @@ INSTANTIATE_TEST_SUITE_P(EncodingsByTypeAndMode, EncodingOptionsTable, ::testing
     OptionsCase{"Binary", 0, {Shown{3175, "<Encode 'as is>", false}, kNone, kNone, kNone}, 0}, OptionsCase{"Date", 2, {Shown{3168, kMotorola, false}, kNone, kNone, kNone}, 0},
     OptionsCase{"Number", 1, kHidden, -1}, OptionsCase{"Date", 3, kHidden, -1}, OptionsCase{"Memo", 0, kHidden, -1}));
 
-TEST(EncodingCodes, ListFormatsAndGiveTheStoredCode) {
+TEST(EncodingCodes, ListFormatsGiveTheStoredCodeAndReadBack) {
     // Type, option, format; the format list's size and selected first entry; the stored code.
     // Motorola after BCD: the hidden list's stale index is ignored.
     const std::tuple<int16_t, int, int, size_t, std::string_view, int16_t> cases[] = {
@@ -196,9 +196,7 @@ TEST(EncodingCodes, ListFormatsAndGiveTheStoredCode) {
         const auto list = formatList(type, option);
         EXPECT_EQ(std::tuple(list.size(), list.empty() ? std::string_view() : list.front(), EncodingCode(type, option, format)), std::tuple(formats, first, code)) << type << " " << option << " " << format;
     }
-}
-
-TEST(EncodingCodeRoundTrip, EveryChoiceReadsBackFromItsCodeUnknownCodesFallBackToOptionZero) {
+    // Every choice reads back from its code; unknown codes fall back to option 0.
     std::set<int16_t> dateCodes;
     for (int16_t type = kFieldTypeCharacter; type <= kFieldTypeBinary; ++type)
         for (int option = 0; option < 4; ++option) {
@@ -298,7 +296,7 @@ INSTANTIATE_TEST_SUITE_P(Functions, FunctionValues, ::testing::Values(
     ValuesCase{In{.kind = K::Checksum, .option = 3, .startValueText = "1", .rangePage = 2, .rangeRow = 20, .rangeBeginByte = 3, .rangeBeginBit = 5, .rangeCountText = "12"}, 3, {"3", "", ""}, {}, 1, {2, 20, 3, 5, 96}},
     ValuesCase{In{.kind = K::Checksum, .option = 1, .startValueText = "7", .rangePage = 1, .rangeRow = 21, .rangeCountText = "16"}, 1, {"1", "", ""}, {}, 7, {1, 21, 0, 16, 0}}));
 
-TEST(FunctionValuesStorage, NumbersBeyond16BitsSaturateAndUnknownChoicesReadAsOptionZero) {
+TEST(FunctionValuesStorage, SaturatesReadsUnknownChoicesAsOptionZeroAndFillsTheRequest) {
     ItemRecord r;
     applyFunctionValues(In{.kind = K::Checksum, .option = 2, .polynomText = "70000", .startValueText = "4294967295", .rangeCountText = "-40000"}, 1, r);
     EXPECT_EQ(std::tuple(r.polynomial, r.range[3]), std::tuple(std::array<int16_t, 2>{32767, 32767}, -32768));
@@ -309,9 +307,7 @@ TEST(FunctionValuesStorage, NumbersBeyond16BitsSaturateAndUnknownChoicesReadAsOp
     EXPECT_EQ(functionInputOf(r).option, 0);
     r.name = "Constant", r.param1 = "";
     EXPECT_FALSE(functionInputOf(r).valueFromField);
-}
-
-TEST(FunctionRequest, ConstantFieldOptionAndCounterSwitchBothMeanValueFromField) {
+    // The Constant's field option and the counter's switch both mean a value from a field.
     PlacementRequest q;
     fillFunctionRequest(q, In{.kind = K::Constant, .option = kConstantField, .fieldName = "NAME"});
     EXPECT_EQ(std::tuple(q.valueFromField, q.fieldChosen), std::tuple(true, "NAME"));

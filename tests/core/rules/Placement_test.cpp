@@ -23,8 +23,7 @@ const Translator tr;
 using Change = std::function<void(PlacementRequest&)>;
 
 // An item of the mode at page 0 (or the change's page), size in bytes or bits.
-PlacementRequest at(int row, int byte, int size, int mode = kModeField, const std::string& name = "Name", int option = -1,
-                    const Change& change = {}) {
+PlacementRequest at(int row, int byte, int size, int mode = kModeField, const std::string& name = "Name", int option = -1, const Change& change = {}) {
     PlacementRequest q;
     q.mode = mode, q.selectedText = q.itemName = name, q.page = 0, q.propertyOption = option;
     q.row = static_cast<int16_t>(row), q.beginByte = static_cast<int16_t>(byte), q.nrBytesText = std::to_string(size);
@@ -34,9 +33,7 @@ PlacementRequest at(int row, int byte, int size, int mode = kModeField, const st
 PlacementRequest bits(int row, int byte, int bit, int count) {
     return at(row, byte, count, kModeBitField, "Flag", -1, [bit](auto& q) { q.beginBit = static_cast<int16_t>(bit); });
 }
-PlacementRequest fn(const std::string& word, int mode, int option, int size, const Change& change = {}) {
-    return at(20, 0, size, mode, word, option, change);
-}
+PlacementRequest fn(const std::string& word, int mode, int option, int size, const Change& change = {}) { return at(20, 0, size, mode, word, option, change); }
 const Change kCrc = [](auto& q) { q.polynomText = "263", q.startValueText = "0"; };
 const Change kBitCrc = [](auto& q) { q.polynomText = "17", q.startValueText = "15"; };
 Change crcAnd(const Change& base, const Change& more) { return [=](auto& q) { base(q), more(q); }; }

@@ -109,10 +109,8 @@ TEST(CatalogRegistry, TellsTheKindByContentNotByNameUpToTheSizeLimit) {
     const auto* text = dynamic_cast<const TextCatalog*>(registry.find(openOrFail(registry, dir / "texts.dll")));
     const auto* big = dynamic_cast<const PeStringTable*>(registry.find(openOrFail(registry, dir / "big.dll")));
     ASSERT_TRUE(dll && text && big);
-    EXPECT_EQ(registry.size(), 3u);
-    EXPECT_EQ(std::tuple(dll->lookup(32), text->lookup(0), big->lookup(0)), std::tuple("English", "From a text catalog", "Zero"));
     ASSERT_EQ(text->warnings().size(), 1u);  // a host can show what was skipped
-    EXPECT_EQ(text->warnings()[0].line, 2u);
+    EXPECT_EQ(std::tuple(registry.size(), dll->lookup(32), text->lookup(0), big->lookup(0), text->warnings()[0].line), std::tuple(3u, "English", "From a text catalog", "Zero", 2u));
 }
 
 TEST(CatalogRegistry, GivesEachLibraryAHandleNeverGivenBefore) {
