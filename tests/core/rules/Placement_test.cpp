@@ -81,6 +81,7 @@ const std::vector<RuleCase> kRules{
     {"CardSnNrDecimal10", iSmallOnePage, fn("CardSnNr", kModeFunction, 0, 10), 0}, {"CardSnNrDecimal9", iSmallOnePage, fn("CardSnNr", kModeFunction, 0, 9), kTextCardSnNrDecimal},
     {"CardSnNrHex", iSmallOnePage, fn("CardSnNr", kModeFunction, 1, 10), kTextCardSnNrHex}, {"CardSnNrMotorola", iSmallOnePage, fn("CardSnNr", kModeFunction, 2, 8), kTextCardSnNrMotorola},
     {"CardSnNrIntel4", iSmallOnePage, fn("CardSnNr", kModeFunction, 3, 4), 0}, {"CardSnNrIntel5", iSmallOnePage, fn("CardSnNr", kModeFunction, 3, 5), kTextCardSnNrIntel},
+    {"CardSnNrNoRepresentationNoSizeRule", iSmallOnePage, fn("CardSnNr", kModeFunction, 4, 3), 0},
     {"ChecksumTwoBytes", iSmallOnePage, fn("Checksum", kModeFunction, kChecksumCrc, 2), kTextChecksumOneByte},
     {"ByteCrcOk", iSmallOnePage, fn("Checksum", kModeFunction, kChecksumCrc, 1, kCrc), 0},
     {"ByteCrcPolynomial256", iSmallOnePage, fn("Checksum", kModeFunction, kChecksumCrc, 1, crcAnd(kCrc, [](auto& q) { q.polynomText = "256"; })), kTextOutOfRange, B::Polynom},
