@@ -1,177 +1,112 @@
+// The card model: the pages each chip builds, the HID switch, application boundaries (their
+// accepted range, the eight-part text and its errors) and the page collection.
 #include <gtest/gtest.h>
+
+#include <functional>
 
 #include "base/KestrinError.h"
 #include "card/CIClass.h"
 #include "card/CardGeometry.h"
 
-using namespace kestrin;
-
+namespace kestrin {
 namespace {
 
-struct PageExpectation {
-    IClassType type;
-    int32_t pagesCount;
-    int32_t pageSize;
-    int32_t page0Boundary;
-};
-
-class ChipBuild : public ::testing::TestWithParam<PageExpectation> {};
-
-TEST_P(ChipBuild, BuildsPagesWithTheirFixedAreas) {
-    const auto e = GetParam();
+CIClass chip(IClassType type) {
     CIClass card;
-    card.setUseHIDSection(false);
-    card.setEnableBitwise(true);
-    card.setChipSize(e.type);
-    EXPECT_EQ(card.PagesCount(), e.pagesCount);
-    ASSERT_EQ(card.Pages().Count(), e.pagesCount);
-    // The builder always switches the HID section on and bit-wise items off.
-    EXPECT_TRUE(card.UseHIDSection());
-    EXPECT_FALSE(card.EnableBitwise());
-    for (int32_t n = 0; n < e.pagesCount; ++n) {
-        const CPage& p = card.Pages().Item(n + 1);
-        EXPECT_EQ(p.Key, std::to_string(n));
-        EXPECT_EQ(p.PageNumber, n);
-        EXPECT_EQ(p.Parent, &card);
-        EXPECT_EQ(p.PageSize, e.pageSize);
-        EXPECT_TRUE(p.HasHeader);
-        EXPECT_EQ(p.HasHIDSpace, n == 0);
-        EXPECT_EQ(p.BeginFreeSpace, n == 0 ? 19 : 6);
-        EXPECT_EQ(p.Boundary, n == 0 ? e.page0Boundary : 18);
-    }
+    card.setChipSize(type);
+    return card;
 }
 
-INSTANTIATE_TEST_SUITE_P(AllChips, ChipBuild,
-                         ::testing::Values(PageExpectation{iSmallOnePage, 1, 256, 0},
-                                           PageExpectation{iBigOnePage, 1, 2048, 0},
-                                           PageExpectation{iBigEightPages, 8, 256, 18}));
+std::vector<int32_t> boundaries(const CIClass& card) {
+    std::vector<int32_t> out;
+    for (int p = 0; p < card.PagesCount(); ++p) out.push_back(card.Pages().Item(std::to_string(p)).Boundary);
+    return out;
+}
+const std::vector<int32_t> kDefault{18, 18, 18, 18, 18, 18, 18, 18};
+
+// The error number the call raises, 0 when it raises none.
+int32_t errorOf(const std::function<void()>& call) {
+    try {
+        call();
+    } catch (const KestrinError& e) {
+        return e.number();
+    }
+    return 0;
+}
+
+TEST(CIClass, BuildsPagesWithTheirFixedAreas) {
+    // pages, page size, page 0's boundary
+    for (const auto& [type, count, size, boundary] : {std::tuple(iSmallOnePage, 1, 256, 0), {iBigOnePage, 1, 2048, 0}, {iBigEightPages, 8, 256, 18}}) {
+        CIClass card;
+        card.setUseHIDSection(false);
+        card.setEnableBitwise(true);
+        card.setChipSize(type);
+        ASSERT_EQ(std::tuple(card.PagesCount(), card.Pages().Count()), std::tuple(count, count));
+        // The builder always switches the HID section on and bit-wise items off.
+        EXPECT_EQ(std::tuple(card.UseHIDSection(), card.EnableBitwise()), std::tuple(true, false));
+        for (int32_t n = 0; n < count; ++n) {
+            const CPage& p = card.Pages().Item(n + 1);
+            EXPECT_EQ(std::tuple(p.Key, p.PageNumber, p.Parent, p.PageSize, p.HasHeader), std::tuple(std::to_string(n), n, &card, size, true));
+            EXPECT_EQ(std::tuple(p.HasHIDSpace, p.BeginFreeSpace, p.Boundary), std::tuple(n == 0, n == 0 ? 19 : 6, n == 0 ? boundary : 18)) << type << " page " << n;
+        }
+    }
+    CIClass unknown = chip(static_cast<IClassType>(7));
+    EXPECT_EQ(std::tuple(unknown.Pages().Count(), unknown.GetBoundary(0), errorOf([&] { unknown.SetBoundaries("1|2|3|4|5|6|7|8"); })), std::tuple(0, -1, 0));
+}
 
 TEST(CIClass, HidSwitchMovesOnlyTheFirstPagesFreeSpace) {
-    CIClass card;
-    card.setChipSize(iBigEightPages);
+    CIClass card = chip(iBigEightPages);
     card.setUseHIDSection(false);
-    EXPECT_EQ(card.Pages().Item("0").BeginFreeSpace, 6);
-    for (int n = 1; n < 8; ++n) EXPECT_EQ(card.Pages().Item(std::to_string(n)).BeginFreeSpace, 6);
+    for (int n = 0; n < 8; ++n) EXPECT_EQ(card.Pages().Item(std::to_string(n)).BeginFreeSpace, 6) << n;
     card.setUseHIDSection(true);
-    EXPECT_EQ(card.Pages().Item("0").BeginFreeSpace, 19);
-    EXPECT_EQ(card.Pages().Item("3").BeginFreeSpace, 6);
+    EXPECT_EQ(std::tuple(card.Pages().Item("0").BeginFreeSpace, card.Pages().Item("3").BeginFreeSpace), std::tuple(19, 6));
+    card.setUseHIDSection(false);
+    card.setChipSize(iBigOnePage);  // a new chip switches it back on
+    EXPECT_EQ(std::tuple(card.UseHIDSection(), card.Pages().Item("0").BeginFreeSpace), std::tuple(true, 19));
 }
 
-struct SetBoundaryCase {
-    int32_t page, boundary;
-    bool changes;
-};
-
-class SetBoundaryRange : public ::testing::TestWithParam<SetBoundaryCase> {};
-
-TEST_P(SetBoundaryRange, AcceptsPagesOneToSevenAndBlocksSixTo32) {
-    const auto c = GetParam();
-    CIClass card;
-    card.setChipSize(iBigEightPages);
-    card.SetBoundary(c.page, c.boundary);
-    for (int p = 0; p < 8; ++p) {
-        const int expected = (c.changes && p == c.page) ? c.boundary : 18;
-        EXPECT_EQ(card.Pages().Item(std::to_string(p)).Boundary, expected) << "page " << p;
+TEST(CIClass, SetBoundaryAcceptsPagesOneToSevenAndBlocksSixTo32) {
+    for (const auto& [page, boundary, changes] : {std::tuple(3, 32, true), {3, 6, true}, {3, 33, false}, {3, 5, false}, {0, 10, false}, {1, 20, true}, {7, 20, true}, {8, 20, false}, {-1, 20, false}}) {
+        CIClass card = chip(iBigEightPages);
+        card.SetBoundary(page, boundary);
+        std::vector<int32_t> want = kDefault;
+        if (changes) want[static_cast<size_t>(page)] = boundary;
+        EXPECT_EQ(boundaries(card), want) << page << ", " << boundary;
     }
+    CIClass onePage = chip(iBigOnePage);
+    onePage.SetBoundary(1, 20);  // a one-page card has no boundary to set
+    EXPECT_EQ(onePage.Pages().Item(1).Boundary, 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, SetBoundaryRange,
-                         ::testing::Values(SetBoundaryCase{3, 32, true}, SetBoundaryCase{3, 6, true},
-                                           SetBoundaryCase{3, 33, false}, SetBoundaryCase{3, 5, false},
-                                           SetBoundaryCase{0, 10, false}, SetBoundaryCase{7, 20, true},
-                                           SetBoundaryCase{8, 20, false}, SetBoundaryCase{-1, 20, false}));
-
-TEST(CIClass, SetBoundaryIsIgnoredOnOnePageCards) {
-    CIClass card;
-    card.setChipSize(iBigOnePage);
-    card.SetBoundary(1, 20);
-    EXPECT_EQ(card.Pages().Item(1).Boundary, 0);
-}
-
-// Eight parts set every page, the first included, and are taken without the range check of
-// SetBoundary.
-TEST(CIClass, SetBoundariesWithEightPartsSetsEveryPageIncludingTheFirst) {
-    CIClass card;
-    card.setChipSize(iBigEightPages);
-    card.SetBoundaries("1|11|12|13|14|15|16|100");
-    for (int p = 0; p < 8; ++p)
-        EXPECT_EQ(card.Pages().Item(std::to_string(p)).Boundary, p == 0 ? 1 : p == 7 ? 100 : 10 + p);
-}
-
-TEST(CIClass, SetBoundariesWithOtherCountsOrEmptyTextChangesNothing) {
-    for (const char* text : {"10|11", "", "1|2|3|4|5|6|7|8|9"}) {
-        CIClass card;
-        card.setChipSize(iBigEightPages);
-        card.SetBoundaries(text);
-        for (int p = 0; p < 8; ++p) EXPECT_EQ(card.GetBoundary(p), 18) << text;
+// Eight parts set every page, the first included, without SetBoundary's range check; other
+// counts change nothing; a part that is no number raises a type mismatch (13), one beyond 32
+// bits an overflow (6), and no page changes.
+TEST(CIClass, SetBoundariesTakesExactlyEightNumbers) {
+    const std::tuple<const char*, int, std::vector<int32_t>> cases[] = {
+        {"1|11|12|13|14|15|16|100", 0, {1, 11, 12, 13, 14, 15, 16, 100}}, {"10|11", 0, kDefault}, {"", 0, kDefault},
+        {"1|2|3|4|5|6|7|8|9", 0, kDefault}, {"10|11|x|13|14|15|16|17", 13, kDefault}, {"-3000000000|1|2|3|4|5|6|7", 6, kDefault},
+        {"1|2|3|4|5|6|7|3000000000", 6, kDefault}, {"-2147483648|1|2|3|4|5|6|2147483647", 0, {INT32_MIN, 1, 2, 3, 4, 5, 6, INT32_MAX}},
+        {"1|2|3|4|5|6|7|2147483648", 6, kDefault}};
+    for (const auto& [text, error, want] : cases) {
+        CIClass card = chip(iBigEightPages);
+        EXPECT_EQ(errorOf([&] { card.SetBoundaries(text); }), error) << text;
+        EXPECT_EQ(boundaries(card), want) << text;
     }
-}
-
-TEST(CIClass, SetBoundariesOnOnePageCardRaisesSubscriptErrorAndKeepsZero) {
-    for (IClassType type : {iSmallOnePage, iBigOnePage}) {
-        CIClass card;
-        card.setChipSize(type);
-        try {
-            card.SetBoundaries("10|11|12|13|14|15|16|17");
-            FAIL() << "expected the collection's error";
-        } catch (const KestrinError& e) {
-            EXPECT_EQ(e.number(), kErrSubscriptOutOfRange);
-        }
+    for (IClassType type : {iSmallOnePage, iBigOnePage}) {  // one page: the collection's error, the page keeps 0
+        CIClass card = chip(type);
+        EXPECT_EQ(errorOf([&] { card.SetBoundaries("10|11|12|13|14|15|16|17"); }), kErrSubscriptOutOfRange);
         EXPECT_EQ(card.Pages().Item(1).Boundary, 0);
     }
 }
 
-// A part that is no number raises a type mismatch (13), one beyond 32 bits an overflow (6);
-// either way no page changes.
-TEST(CIClass, SetBoundariesRejectsWhatIsNoBoundaryWithoutChangingPages) {
-    for (const auto& [text, error] : {std::pair{"10|11|x|13|14|15|16|17", 13}, {"-3000000000|1|2|3|4|5|6|7", 6},
-                                      {"1|2|3|4|5|6|7|3000000000", 6}}) {
-        CIClass card;
-        card.setChipSize(iBigEightPages);
-        try {
-            card.SetBoundaries(text);
-            ADD_FAILURE() << text;
-        } catch (const KestrinError& e) {
-            EXPECT_EQ(e.number(), error) << text;
-        }
-        EXPECT_EQ(card.GetBoundary(0), 18);
-    }
-}
-
-TEST(CIClass, GetBoundaryLimits) {
-    CIClass card;
-    card.setChipSize(iBigEightPages);
-    EXPECT_EQ(card.GetBoundary(9), -1);                // beyond the page count
-    EXPECT_THROW(card.GetBoundary(8), KestrinError);   // equal to the count: a key that does not exist
-    EXPECT_THROW(card.GetBoundary(-1), KestrinError);  // no lower bound check
-    CIClass small;
-    EXPECT_EQ(small.GetBoundary(0), 0);
-    EXPECT_EQ(small.GetBoundary(2), -1);
-}
-
-TEST(CIClass, HidOffThenChipSizeSwitchesHidBackOn) {
-    CIClass card;
-    card.setUseHIDSection(false);
-    card.setChipSize(iBigOnePage);
-    EXPECT_TRUE(card.UseHIDSection());
-    EXPECT_EQ(card.Pages().Item("0").BeginFreeSpace, 19);
-}
-
-TEST(CIClass, UnknownChipTypeBuildsNoPages) {
-    CIClass card;
-    card.setChipSize(static_cast<IClassType>(7));
-    EXPECT_EQ(card.Pages().Count(), 0);
-    EXPECT_EQ(card.GetBoundary(0), -1);
-    card.SetBoundaries("1|2|3|4|5|6|7|8");  // nothing to set, nothing raised
-}
-
-TEST(CIClass, CopyIsDeepAndReparented) {
-    CIClass card;
-    card.setChipSize(iBigEightPages);
+TEST(CIClass, GetBoundaryLimitsAndDeepCopies) {
+    CIClass card = chip(iBigEightPages);
+    // Beyond the page count: -1; at the count, a key that does not exist; no lower bound check.
+    EXPECT_EQ(std::tuple(card.GetBoundary(7), card.GetBoundary(9), errorOf([&] { card.GetBoundary(8); }), errorOf([&] { card.GetBoundary(-1); })), std::tuple(18, -1, kErrInvalidCall, kErrInvalidCall));
+    EXPECT_EQ(std::tuple(CIClass().GetBoundary(0), CIClass().GetBoundary(2)), std::tuple(0, -1));
     CIClass copy = card;
     copy.SetBoundary(2, 30);
-    EXPECT_EQ(card.GetBoundary(2), 18);
-    EXPECT_EQ(copy.GetBoundary(2), 30);
+    EXPECT_EQ(std::tuple(card.GetBoundary(2), copy.GetBoundary(2)), std::tuple(18, 30));
     EXPECT_EQ(copy.Pages().Item(3).Parent, &copy);
 }
 
@@ -180,18 +115,15 @@ TEST(Pages, LookupErrorsAndRemoval) {
     pages.Add("a", 0, "ka");
     pages.Add("b", 1);
     pages.Add("c", 2, "kc");
-    EXPECT_EQ(pages.Count(), 3);
-    EXPECT_EQ(pages.Item("kc").Key, "c");
-    EXPECT_EQ(pages.Item(2).Key, "b");
-    EXPECT_THROW(pages.Item(0), KestrinError);
-    EXPECT_THROW(pages.Item(4), KestrinError);
-    EXPECT_THROW(pages.Item("nope"), KestrinError);
-    EXPECT_THROW(pages.Add("d", 3, "ka"), KestrinError);
+    EXPECT_EQ(std::tuple(pages.Count(), pages.Item("kc").Key, pages.Item(2).Key), std::tuple(3, "c", "b"));
+    // Positions 1 to Count, then subscript out of range; an unknown key is an invalid call; a key given twice 457.
+    EXPECT_EQ(std::tuple(errorOf([&] { pages.Item(0); }), errorOf([&] { pages.Item(3); }), errorOf([&] { pages.Item(4); }), errorOf([&] { pages.Item("nope"); }), errorOf([&] { pages.Add("d", 3, "ka"); })),
+              std::tuple(kErrSubscriptOutOfRange, 0, kErrSubscriptOutOfRange, kErrInvalidCall, 457));
     pages.Remove("ka");
     EXPECT_EQ(pages.Item(1).Key, "b");
     pages.Remove(1);
-    EXPECT_EQ(pages.Count(), 1);
-    EXPECT_EQ(pages.Item(1).Key, "c");
+    EXPECT_EQ(std::tuple(pages.Count(), pages.Item(1).Key), std::tuple(1, "c"));
 }
 
 }  // namespace
+}  // namespace kestrin

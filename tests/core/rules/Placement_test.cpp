@@ -1,0 +1,240 @@
+// Where an item may go: placement in the item editor, multi-track items and the audit of a
+// whole layout, each as one table of first accepted, last accepted and first refused values.
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "card/CIClass.h"
+#include "items/RecordArray.h"
+#include "rules/LayoutAudit.h"
+#include "rules/LayoutPropertiesRules.h"
+#include "rules/MultiTrackValidation.h"
+#include "rules/NumberChecks.h"
+#include "rules/PlacementValidation.h"
+#include "support/Records.h"
+#include "support/TestSupport.h"
+#include "text/Translator.h"
+
+namespace kestrin::test {
+namespace {
+
+const Translator tr;
+
+using Change = std::function<void(PlacementRequest&)>;
+
+// An item of the mode at page 0 (or the change's page), size in bytes or bits.
+PlacementRequest at(int row, int byte, int size, int mode = kModeField, const std::string& name = "Name", int option = -1, const Change& change = {}) {
+    PlacementRequest q;
+    q.mode = mode, q.selectedText = q.itemName = name, q.page = 0, q.propertyOption = option;
+    q.row = static_cast<int16_t>(row), q.beginByte = static_cast<int16_t>(byte), q.nrBytesText = std::to_string(size);
+    if (change) change(q);
+    return q;
+}
+PlacementRequest bits(int row, int byte, int bit, int count) {
+    return at(row, byte, count, kModeBitField, "Flag", -1, [bit](auto& q) { q.beginBit = static_cast<int16_t>(bit); });
+}
+PlacementRequest fn(const std::string& word, int mode, int option, int size, const Change& change = {}) { return at(20, 0, size, mode, word, option, change); }
+const Change kCrc = [](auto& q) { q.polynomText = "263", q.startValueText = "0"; };
+const Change kBitCrc = [](auto& q) { q.polynomText = "17", q.startValueText = "15"; };
+Change crcAnd(const Change& base, const Change& more) { return [=](auto& q) { base(q), more(q); }; }
+CIClass chipOf(IClassType type) {
+    CIClass card;
+    card.setChipSize(type);
+    return card;
+}
+RecordArray recordsOf(const std::vector<ItemRecord>& list) {
+    RecordArray records;
+    for (const auto& r : list) records.add(r);
+    return records;
+}
+
+struct RuleCase { const char* name; IClassType chip; PlacementRequest request; int32_t textId; EditorBox focus = EditorBox::None; };  // textId 0: accepted
+
+class Placement : public ::testing::TestWithParam<RuleCase> {};
+
+TEST_P(Placement, FirstBrokenRuleIsReported) {
+    const auto& c = GetParam();
+    const CIClass card = chipOf(c.chip);
+    RecordArray records;
+    RecordingPrompter prompter;
+    const PlacementResult result = ValidatePlacement(c.request, card, records, prompter, tr);
+    ASSERT_EQ(std::tuple(result.code, result.focus, prompter.messages.size()), std::tuple(c.textId == 0 ? kPlacementAccepted : kPlacementRejected, c.focus, c.textId == 0 ? 0u : 1u));
+    if (c.textId == 0) return;
+    const auto v = placementViolations(c.request, card, records, tr);
+    ASSERT_EQ(v.size(), 1u);
+    EXPECT_EQ(std::tuple(v[0].textId, v[0].message, prompter.messages[0].icon), std::tuple(c.textId, prompter.messages[0].text, Icon::Exclamation));
+}
+
+using B = EditorBox;
+const std::vector<RuleCase> kRules{
+    {"EndsAtPageEnd", iSmallOnePage, at(30, 0, 16), 0}, {"OneBytePastPageEnd", iSmallOnePage, at(30, 1, 16), kTextPageFit},
+    {"BitsEndingAtTheEnd", iSmallOnePage, bits(31, 7, 5, 3), 0}, {"BitsSpanningTwoBytesAtTheEnd", iSmallOnePage, bits(31, 7, 6, 3), kTextPageFit},
+    {"HidRow19", iSmallOnePage, at(19, 0, 1), 0}, {"HidRow18", iSmallOnePage, at(18, 0, 1), kTextHeaderOrHid},
+    {"NothingChosen", iSmallOnePage, at(19, 0, 1, kModeField, ""), kTextIncomplete}, {"NegativeRow", iSmallOnePage, at(-1, 0, 1), kTextIncomplete}, {"ZeroSize", iSmallOnePage, at(19, 0, 0), kTextIncomplete},
+    {"SizeNotANumber", iSmallOnePage, at(19, 0, 1, kModeField, "Name", -1, [](auto& q) { q.nrBytesText = "x"; }), kTextIncomplete},
+    {"AbsurdSize", iSmallOnePage, at(19, 0, 1, kModeField, "Name", -1, [](auto& q) { q.nrBytesText = std::string(32, '9'); }), kTextPageFit},
+    {"PageNotOnCard", iSmallOnePage, at(19, 0, 1, kModeField, "Name", -1, [](auto& q) { q.page = 3; }), kTextIncomplete},
+    // Boundary 18: bytes 151 and 152 straddle block 19's start on the paged chip only.
+    {"EndsBeforeBoundaryBlock19", iBigEightPages, at(18, 6, 2, kModeField, "Name", -1, [](auto& q) { q.page = 1; }), 0},
+    {"AcrossBoundary", iBigEightPages, at(18, 7, 2, kModeField, "Name", -1, [](auto& q) { q.page = 1; }), kTextBoundary},
+    {"NoBoundaryOnOnePageFreeRow", iBigOnePage, at(19, 7, 2), 0},
+    {"CardSnNrDecimal10", iSmallOnePage, fn("CardSnNr", kModeFunction, 0, 10), 0}, {"CardSnNrDecimal9", iSmallOnePage, fn("CardSnNr", kModeFunction, 0, 9), kTextCardSnNrDecimal},
+    {"CardSnNrHex", iSmallOnePage, fn("CardSnNr", kModeFunction, 1, 10), kTextCardSnNrHex}, {"CardSnNrMotorola", iSmallOnePage, fn("CardSnNr", kModeFunction, 2, 8), kTextCardSnNrMotorola},
+    {"CardSnNrIntel4", iSmallOnePage, fn("CardSnNr", kModeFunction, 3, 4), 0}, {"CardSnNrIntel5", iSmallOnePage, fn("CardSnNr", kModeFunction, 3, 5), kTextCardSnNrIntel},
+    {"CardSnNrNoRepresentationNoSizeRule", iSmallOnePage, fn("CardSnNr", kModeFunction, 4, 3), 0},
+    {"ChecksumTwoBytes", iSmallOnePage, fn("Checksum", kModeFunction, kChecksumCrc, 2), kTextChecksumOneByte},
+    {"ByteCrcOk", iSmallOnePage, fn("Checksum", kModeFunction, kChecksumCrc, 1, kCrc), 0},
+    {"ByteCrcPolynomial256", iSmallOnePage, fn("Checksum", kModeFunction, kChecksumCrc, 1, crcAnd(kCrc, [](auto& q) { q.polynomText = "256"; })), kTextOutOfRange, B::Polynom},
+    {"ByteCrcStart256", iSmallOnePage, fn("Checksum", kModeFunction, kChecksumCrc, 1, crcAnd(kCrc, [](auto& q) { q.startValueText = "256"; })), kTextOutOfRange, B::StartValue},
+    {"ByteParityStart2", iSmallOnePage, fn("Checksum", kModeFunction, kChecksumParity, 1, [](auto& q) { q.startValueText = "2"; }), kTextOutOfRange, B::StartValue},
+    {"BitAdd8", iSmallOnePage, fn("Checksum", kModeBitFunction, kChecksumAdd, 8), 0}, {"BitAdd7", iSmallOnePage, fn("Checksum", kModeBitFunction, kChecksumAdd, 7), kTextNotExactly, B::NrBytes},
+    {"BitParity2", iSmallOnePage, fn("Checksum", kModeBitFunction, kChecksumParity, 2), kTextNotExactly, B::NrBytes},
+    {"BitCrcOk", iSmallOnePage, fn("Checksum", kModeBitFunction, kChecksumCrc, 4, kBitCrc), 0},
+    {"BitCrcStartZero", iSmallOnePage, fn("Checksum", kModeBitFunction, kChecksumCrc, 4, crcAnd(kBitCrc, [](auto& q) { q.startValueText = "0"; })), 0},
+    {"BitCrc9Bits", iSmallOnePage, fn("Checksum", kModeBitFunction, kChecksumCrc, 9, kBitCrc), kTextOutOfRange, B::NrBytes},
+    {"BitCrcPolynomialTooSmall", iSmallOnePage, fn("Checksum", kModeBitFunction, kChecksumCrc, 4, crcAnd(kBitCrc, [](auto& q) { q.polynomText = "16"; })), kTextOutOfRange, B::Polynom},
+    {"BitCrcStartTooBig", iSmallOnePage, fn("Checksum", kModeBitFunction, kChecksumCrc, 4, crcAnd(kBitCrc, [](auto& q) { q.startValueText = "16"; })), kTextOutOfRange, B::StartValue},
+    {"BitConstantFits9Bits", iSmallOnePage, fn("Constant", kModeBitFunction, 0, 9, [](auto& q) { q.constantText = "511"; }), 0},
+    {"BitConstantTooBig", iSmallOnePage, fn("Constant", kModeBitFunction, 0, 9, [](auto& q) { q.constantText = "512"; }), kTextOutOfRange, B::ConstantValue},
+    {"ConstantFromFieldWithoutField", iSmallOnePage, fn("Constant", kModeFunction, 1, 1, [](auto& q) { q.valueFromField = true; }), kTextIncomplete},
+    {"CountFromField", iSmallOnePage, fn("Count", kModeFunction, 0, 4, [](auto& q) { q.valueFromField = true, q.fieldChosen = "Name"; }), 0},
+    {"ChecksumCoversItself", iSmallOnePage, at(19, 0, 1, kModeFunction, "Checksum", kChecksumCrc, crcAnd(kCrc, [](auto& q) { q.rangeRow = 19, q.rangeCountText = "16"; })), kTextChecksumCoversItself}};
+INSTANTIATE_TEST_SUITE_P(Cases, Placement, ::testing::ValuesIn(kRules), [](const auto& p) { return std::string(p.param.name); });
+
+class Overlap : public ::testing::Test {
+protected:
+    Overlap() { card.setChipSize(iSmallOnePage); }
+    PlacementResult place(const PlacementRequest& q) { return ValidatePlacement(q, card, records, prompter, tr); }
+    std::vector<PlacementViolation> violations(const PlacementRequest& q) { return placementViolations(q, card, records, tr); }
+    CIClass card;
+    RecordArray records;
+    RecordingPrompter prompter{Answer::Ok};
+};
+
+TEST_F(Overlap, StartInsideEndInsideOrCoveringAreFoundTouchingIsNot) {
+    records.add(field("Old", 0, 20, 2, 4));  // bytes 162..165
+    for (const auto& [q, found] : {std::pair(at(20, 0, 3), 1u), {at(20, 5, 3), 1u}, {at(20, 3, 1), 1u}, {at(20, 0, 8), 1u}, {at(20, 0, 2), 0u}, {at(20, 6, 2), 0u}}) {
+        const auto v = violations(q);
+        ASSERT_EQ(v.size(), found) << q.beginByte << "+" << q.nrBytesText;
+        if (found) { EXPECT_EQ(v[0].overlappedIndex, 0); }
+    }
+}
+
+TEST_F(Overlap, OtherPagesAndDatabaseUpdatesDoNotCountTheSameItemIsReplacedSilently) {
+    card.setChipSize(iBigEightPages);
+    records = recordsOf({field("Old", 1, 20, 0, 4), dbUpdate("X", "Constant", "1")});
+    EXPECT_EQ(place(at(20, 0, 4)).code, kPlacementAccepted);
+    records = recordsOf({field("Name", 0, 20, 0, 4)});
+    EXPECT_EQ(place(at(20, 0, 4)).code, kPlacementReplaced);
+    EXPECT_EQ(std::tuple(prompter.messages.size(), records.size()), std::tuple(0u, 0));
+}
+
+struct OverlapCase { const char* name; ItemRecord existing; int32_t textId; Answer answer; int32_t code; };
+
+class OverlapQuestion : public Overlap, public ::testing::WithParamInterface<OverlapCase> {};
+
+TEST_P(OverlapQuestion, AsksAndReplacesOnOk) {
+    const auto& c = GetParam();
+    records = recordsOf({field("Keep", 0, 25, 0, 1), c.existing});
+    prompter = RecordingPrompter(c.answer);
+    EXPECT_EQ(place(at(20, 0, 4)).code, c.code);
+    ASSERT_EQ(prompter.messages.size(), 1u);
+    EXPECT_EQ(std::tuple(prompter.messages[0].buttons, prompter.messages[0].text), std::tuple(Buttons::OkCancel, tr.text(c.textId) + ": " + c.existing.name + "."));
+    EXPECT_EQ(std::tuple(records.size(), records[0].name), std::tuple(c.code == kPlacementReplaced ? 1 : 2, "Keep"));
+}
+
+const std::vector<OverlapCase> kOverlaps{
+    {"SameNameElsewhere", field("Name", 0, 20, 1, 2), kTextOverlapSameName, Answer::Ok, kPlacementReplaced},
+    {"OtherName", field("Other", 0, 20, 0, 4), kTextOverlapOther, Answer::Ok, kPlacementReplaced},
+    {"SameNameOtherKind", bitField("Name", 0, 20, 0, 0, 8), kTextOverlapOther, Answer::Ok, kPlacementReplaced},
+    {"Cancelled", field("Other", 0, 20, 0, 4), kTextOverlapOther, Answer::Cancel, kPlacementRejected}};
+INSTANTIATE_TEST_SUITE_P(Outcomes, OverlapQuestion, ::testing::ValuesIn(kOverlaps), [](const auto& p) { return std::string(p.param.name); });
+
+TEST_F(Overlap, ChecksumRangeRulesCompareWithinAPageOnly) {
+    card.setChipSize(iBigEightPages);
+    ItemRecord other = function("Checksum", "1", "", "", 3, 22, 0, 1);  // another page, block 22
+    other.range = {1, 19, 0, 8, 0};  // page 1's range lies at page offset 0 when placed with its page
+    records.add(other);
+    auto v = violations(at(25, 0, 1, kModeFunction, "Checksum", kChecksumAdd, [](auto& q) { q.rangeRow = 22, q.rangeCountText = "1"; }));
+    ASSERT_EQ(v.size(), 1u);
+    EXPECT_EQ(v[0].textId, kTextRangeHoldsChecksum);  // page 3's checksum counts on page 0
+    other.block = 30, other.range = {1, 19, 0, 16, 0};  // bits 1216..1343 of the page-1-based range
+    records = recordsOf({other});
+    v = violations(at(19, 0, 1, kModeFunction, "Checksum", kChecksumAdd, [](auto& q) { q.rangeRow = 25, q.rangeCountText = "1"; }));
+    ASSERT_EQ(v.size(), 1u);
+    EXPECT_EQ(v[0].textId, kTextInsideOtherRange);  // the new start bit 1216 is compared without a page term
+}
+
+TEST_F(Overlap, AuditCollectsEveryRule) {
+    card.setChipSize(iBigEightPages);
+    records.add(field("Old", 0, 18, 0, 16));
+    const auto v = placementViolations(at(18, 0, 16), card, records, tr, false);
+    ASSERT_EQ(v.size(), 3u);
+    EXPECT_EQ(std::vector<int32_t>({v[0].textId, v[1].textId, v[2].textId}), std::vector<int32_t>({kTextHeaderOrHid, kTextBoundary, kTextOverlapOther}));
+}
+
+struct MultiTrackCase { const char* name; IClassType chip; MultiTrackRequest request; int32_t textId; };  // textId 0: accepted
+
+class MultiTrack : public ::testing::TestWithParam<MultiTrackCase> {};
+
+TEST_P(MultiTrack, RefusesTheFirstBrokenRuleAndKeepsTheRecords) {
+    const auto& c = GetParam();
+    const CIClass card = chipOf(c.chip);
+    RecordArray records = recordsOf({field("Other", 0, 28, 0, 8)});
+    RecordingPrompter prompter;
+    EXPECT_EQ(ValidateMultiTrack(c.request, card, records, prompter, tr), c.textId == 0);
+    const auto v = multiTrackViolation(c.request, card, records, tr);
+    EXPECT_EQ(std::tuple(v ? v->textId : 0, prompter.messages.size(), records.size()), std::tuple(c.textId, c.textId == 0 ? 0u : 1u, 1));
+}
+
+const std::vector<MultiTrackCase> kMultiTrack{
+    {"EndsAtPageEnd", iSmallOnePage, {"Photo", 0, 30, 0, 0, "16"}, 0}, {"OneBytePast", iSmallOnePage, {"Photo", 0, 30, 1, 0, "16"}, kTextSegmentFit},
+    {"BitPushesPast", iSmallOnePage, {"Photo", 0, 30, 0, 1, "16"}, kTextSegmentFit},
+    {"NoField", iSmallOnePage, {"", 0, 19, 0, 0, "4"}, kTextIncomplete}, {"NoSize", iSmallOnePage, {"Photo", 0, 19, 0, 0, ""}, kTextIncomplete},
+    {"FirstFreeBlock", iSmallOnePage, {"Photo", 0, 19, 0, 0, "8"}, 0}, {"InHid", iSmallOnePage, {"Photo", 0, 18, 7, 0, "1"}, kTextStartInHeader},
+    {"AcrossBoundary", iBigEightPages, {"Photo", 2, 17, 0, 0, "16"}, kTextBoundary},
+    {"UpToBoundary", iBigEightPages, {"Photo", 2, 16, 0, 0, "16"}, 0}, {"NoBoundaryOnOnePage", iBigOnePage, {"Photo", 0, 19, 0, 0, "16"}, 0},
+    {"OverOtherItem", iSmallOnePage, {"Photo", 0, 27, 0, 0, "9"}, kTextOverlapOther}, {"OverSameName", iSmallOnePage, {"Other", 0, 28, 7, 0, "1"}, kTextOverlapSameName}};
+INSTANTIATE_TEST_SUITE_P(Cases, MultiTrack, ::testing::ValuesIn(kMultiTrack), [](const auto& p) { return std::string(p.param.name); });
+
+ItemRecord with(ItemRecord r, const std::function<void(ItemRecord&)>& change) { return change(r), r; }
+ItemRecord sum(int page, int block, std::array<int16_t, 5> range) { return with(function("Checksum", "1", "", "", page, block, 0, 1), [&](auto& r) { r.range = range; }); }
+// A bit checksum stored with mode 0 reads back as a simple bit function: it has its bits and no
+// byte count, and is judged by the bit-function rules rather than found incomplete.
+ItemRecord simpleSum(const char* method, int bits, std::array<int16_t, 2> polynomial) {
+    return with(bitFunction("Checksum", method, 0, 20, 0, 0, bits), [&](auto& r) {
+        r.isBitFunction = false, r.isSimpleBitFunction = true, r.polynomial = polynomial, r.range = {0, 25, 0, 0, 16};
+    });
+}
+ItemRecord binary(ItemRecord r) { return with(std::move(r), [](auto& x) { x.isBinary = true; }); }
+
+struct AuditCase { const char* name; IClassType chip; std::vector<ItemRecord> records; std::vector<int32_t> ids; };
+
+class Audit : public ::testing::TestWithParam<AuditCase> {};
+
+TEST_P(Audit, EachItemIsReplayedAgainstTheItemsBeforeIt) {
+    std::vector<int32_t> ids;
+    for (const auto& v : auditLayout(chipOf(GetParam().chip), recordsOf(GetParam().records), tr)) ids.push_back(v.textId);
+    EXPECT_EQ(ids, GetParam().ids);
+}
+
+const std::vector<AuditCase> kLayouts{
+    {"Clean", iBigEightPages, {field("Name", 0, 19, 0, 16), with(sum(1, 20, {1, 6, 0, 16, 0}), [](auto& r) { r.name = "Checksum", r.param1 = "2", r.polynomial = {263, 0}; }), bitFunction("Constant", "7", 1, 21, 0, 0, 3), binary(field("Photo", 2, 6, 0, 64)), dbUpdate("X", "Count", "1", "1")}, {}},
+    {"EveryRule", iBigEightPages, {field("First", 1, 17, 0, 24), field("Second", 1, 18, 4, 2), field("Hid", 0, 10, 0, 1), function("CardSnNr", "0", "", "", 1, 22, 0, 9), bitFunction("Constant", "8", 1, 26, 0, 0, 3), binary(field("Photo", 1, 30, 0, 24))},
+              {kTextBoundary, kTextOverlapOther, kTextHeaderOrHid, kTextCardSnNrDecimal, kTextOutOfRange, kTextSegmentFit, kTextBoundaryCuts, kTextHidCovers}},
+    // The first range covers block 21 of page 0 once placed with its page; the second covers itself; the third holds the first checksum; the fourth lies in the first's range.
+    {"ChecksumRangesAndPageEnd", iSmallOnePage, {sum(0, 20, {1, 21, 0, 8, 0}), sum(0, 22, {0, 22, 0, 8, 0}), sum(0, 23, {0, 20, 0, 4, 0}), sum(0, 21, {0, 24, 0, 1, 0}), field("Tail", 0, 31, 4, 5)},
+              {kTextChecksumCoversItself, kTextRangeHoldsChecksum, kTextInsideOtherRange, kTextPageFit}},
+    {"SimpleAdd8", iSmallOnePage, {simpleSum("1", 8, {0, 0})}, {}}, {"SimpleParity1", iSmallOnePage, {simpleSum("3", 1, {0, 0})}, {}},
+    {"SimpleCrc", iSmallOnePage, {simpleSum("2", 4, {19, 3})}, {}}, {"SimpleParity2", iSmallOnePage, {simpleSum("3", 2, {0, 0})}, {kTextNotExactly}},
+    {"SimpleCrcPolynomialTooBig", iSmallOnePage, {simpleSum("2", 4, {40, 3})}, {kTextOutOfRange}}};
+INSTANTIATE_TEST_SUITE_P(Layouts, Audit, ::testing::ValuesIn(kLayouts), [](const auto& p) { return std::string(p.param.name); });
+
+TEST(Audit, NamesTheItemAndItsPlace) {
+    const auto v = auditLayout(chipOf(iBigEightPages), recordsOf({field("First", 1, 17, 0, 24), field("Second", 1, 18, 4, 2)}), tr);
+    ASSERT_EQ(v.size(), 3u);
+    EXPECT_EQ(std::tuple(v[1].name, v[1].kind, v[1].block, v[1].beginByte, v[2].name), std::tuple("Second", "Field", 18, 4, "First"));
+}
+
+}  // namespace
+}  // namespace kestrin::test
