@@ -55,30 +55,23 @@ public:
     std::function<void()> beforeChange;
 
     std::error_code status(const std::filesystem::path& path, FileStatus& out) override {
-        if (auto ec = enter(Call::Status, path)) return ec;
-        return os().status(map(path), out);
+        return guarded(Call::Status, path, [&] { return os().status(map(path), out); });
     }
     std::error_code createNew(const std::filesystem::path& path, Handle& out) override {
-        if (auto ec = enter(Call::CreateNew, path)) return ec;
-        auto ec = os().createNew(map(path), out);
-        if (!ec) ++openHandles_;
-        return ec;
+        return guarded(Call::CreateNew, path, [&] {
+            const auto ec = os().createNew(map(path), out);
+            openHandles_ += !ec;
+            return ec;
+        });
     }
     std::error_code write(Handle file, std::string_view bytes, std::size_t& written) override {
         const bool chosen = next(Call::Write);
         if (diskFull_) return error(ENOSPC);
-        if (chosen && fault_ != Fault::Error) {
-            diskFull_ = fault_ == Fault::DiskFull;
-            bytes = bytes.substr(0, std::max<std::size_t>(bytes.size() / 2, 1));
-        } else if (chosen) {
-            return error(errno_);
-        }
+        if (chosen && fault_ == Fault::Error) return error(errno_);
+        if (chosen) diskFull_ = fault_ == Fault::DiskFull, bytes = bytes.substr(0, std::max<std::size_t>(bytes.size() / 2, 1));
         return os().write(file, bytes, written);
     }
-    std::error_code sync(Handle file) override {
-        if (next(Call::Sync)) return error(errno_);
-        return os().sync(file);
-    }
+    std::error_code sync(Handle file) override { return next(Call::Sync) ? error(errno_) : os().sync(file); }
     std::error_code close(Handle file) override {
         const bool chosen = next(Call::Close);
         --openHandles_;
@@ -86,26 +79,19 @@ public:
         return chosen ? error(errno_) : ec;
     }
     std::error_code rename(const std::filesystem::path& from, const std::filesystem::path& to) override {
-        if (auto ec = enter(Call::Rename, to)) return ec;
-        return os().rename(map(from), map(to));
+        return guarded(Call::Rename, to, [&] { return os().rename(map(from), map(to)); });
     }
     std::error_code link(const std::filesystem::path& existing, const std::filesystem::path& newName) override {
-        if (auto ec = enter(Call::Link, newName)) return ec;
-        if (!hardLinks_) return error(EPERM);
-        return os().link(map(existing), map(newName));
+        return guarded(Call::Link, newName, [&] { return !hardLinks_ ? error(EPERM) : os().link(map(existing), map(newName)); });
     }
     std::error_code copy(const std::filesystem::path& existing, const std::filesystem::path& newFile) override {
-        if (auto ec = enter(Call::Copy, newFile)) return ec;
-        if (diskFull_) return error(ENOSPC);
-        return os().copy(map(existing), map(newFile));
+        return guarded(Call::Copy, newFile, [&] { return diskFull_ ? error(ENOSPC) : os().copy(map(existing), map(newFile)); });
     }
     std::error_code remove(const std::filesystem::path& path) override {
-        if (auto ec = enter(Call::Remove, path)) return ec;
-        return os().remove(map(path));
+        return guarded(Call::Remove, path, [&] { return os().remove(map(path)); });
     }
     std::error_code list(const std::filesystem::path& folder, std::vector<std::string>& names) override {
-        if (auto ec = enter(Call::List, folder)) return ec;
-        return os().list(map(folder), names);
+        return guarded(Call::List, folder, [&] { return os().list(map(folder), names); });
     }
 
 private:
@@ -125,8 +111,10 @@ private:
         injected_ = injected_ || chosen;
         return chosen;
     }
-    std::error_code enter(Call c, const std::filesystem::path& path) {
-        if (!next(c)) return {};
+    // Counts a call about path: the error when it is the one to fail, else what call() returns.
+    template <class Then>
+    std::error_code guarded(Call c, const std::filesystem::path& path, Then call) {
+        if (!next(c)) return call();
         failedPath_ = map(path);
         return error(errno_);
     }
