@@ -3,8 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "persist/ChipEncodeFile.h"
-#include "persist/HostFields.h"
-#include "support/TestSupport.h"
+#include "support/SavedFiles.h"
 
 using namespace kestrin;
 using namespace kestrin::test;
@@ -49,8 +48,7 @@ TEST(HostFields, ProjectFilesAreReadAsTheHostWritesThem) {
     TempDir dir;
     HostFieldList list;
     for (const auto& c : cases) {
-        std::string text;
-        for (const auto& l : c.lines) text += l + "\r\n";
+        const std::string text = crlf(c.lines);
         fs::remove(dir / "P.ini");
         if (!c.lines.empty()) writeBytes(dir / "P.ini", text);
         std::vector<std::string> warnings;

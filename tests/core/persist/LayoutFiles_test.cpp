@@ -235,28 +235,18 @@ TEST(LayoutReader, EntriesThatDoNotFitAreDroppedWithTheRuleTheyBreak) {
     EXPECT_EQ(o->records[0].name, "Good");
     EXPECT_EQ(o->records[0].color, 0);  // no ITEMCOLOR entry
     EXPECT_EQ(o->records[1].name, "Header");
-    const struct {
-        const char* key;
-        const char* name;
-        const char* kind;
-        int32_t textId;
-    } expected[] = {{"WrongPage(1)", "WrongPage", "Field", 3158}, {"TooLong(1)", "TooLong", "Field", 4600},
-                    {"Block(1)", "Block", "Field", 4600}, {"Before(1)", "Before", "Field", 4601},
-                    {"Byte(1)", "Byte", "Field", 0}, {"Zero(1)", "Zero", "Field", 3158}, {"Huge(1)", "Huge", "Field", 0},
-                    {"Text(1)", "Text", "Field", 0}, {"Short(1)", "Short", "Field", 0},
-                    {"Bits(1)", "Bits", "Bit Field", 4600}, {"NoBits(1)", "NoBits", "Bit Field", 3158},
-                    {"Bit8(1)", "Bit8", "Bit Field", 0}, {"1Value", "", "Function", 0}, {"2Place", "Count", "Function", 0},
-                    {"3Value", "CardSnNr", "Function", 4600}, {"1Value", "Constant", "Bit Function", 4600},
-                    {"1Field", "Constant", "Database Update", 0}, {"2Field", "Constant", "Database Update", 0},
-                    {"3Field", "Checksum", "Database Update", 0}, {"4Field", "Count", "Database Update", 0},
-                    {"5Field", "", "Database Update", 0}};
+    const std::string expected[] = {  // key / item name / kind / the rule broken
+        "WrongPage(1)/WrongPage/Field/3158", "TooLong(1)/TooLong/Field/4600", "Block(1)/Block/Field/4600",
+        "Before(1)/Before/Field/4601", "Byte(1)/Byte/Field/0", "Zero(1)/Zero/Field/3158", "Huge(1)/Huge/Field/0",
+        "Text(1)/Text/Field/0", "Short(1)/Short/Field/0", "Bits(1)/Bits/Bit Field/4600", "NoBits(1)/NoBits/Bit Field/3158",
+        "Bit8(1)/Bit8/Bit Field/0", "1Value//Function/0", "2Place/Count/Function/0", "3Value/CardSnNr/Function/4600",
+        "1Value/Constant/Bit Function/4600", "1Field/Constant/Database Update/0", "2Field/Constant/Database Update/0",
+        "3Field/Checksum/Database Update/0", "4Field/Count/Database Update/0", "5Field//Database Update/0"};
     ASSERT_EQ(o->result.dropped.size(), std::size(expected));
     ASSERT_EQ(o->result.warnings.size(), std::size(expected));
     for (size_t i = 0; i < std::size(expected); ++i) {
         const DroppedEntry& d = o->result.dropped[i];
-        EXPECT_EQ(d.key + "/" + d.name + "/" + d.kind + "/" + std::to_string(d.textId),
-                  std::string(expected[i].key) + "/" + expected[i].name + "/" + expected[i].kind + "/" +
-                      std::to_string(expected[i].textId));
+        EXPECT_EQ(d.key + "/" + d.name + "/" + d.kind + "/" + std::to_string(d.textId), expected[i]);
         EXPECT_EQ(o->result.warnings[i], "[" + d.section + "] " + d.key + ": " + d.reason + "; entry dropped");
     }
     EXPECT_EQ(o->result.dropped[3].block, -1);  // a full place
@@ -279,26 +269,16 @@ TEST(LayoutReader, OlderFilesReadAsTheyAlwaysDid) {
          "1Mode=1", "[CHECKSUM]", "1Range=0,19,0,8,5", "1Init_=7", "2Range=0,20,0,8", "2Init_=1", "3Range=0,21,0,8",
          "3Poly_=263,9", "3Init_=4", "4Range=0,22,0,0,8,9", "4Init_=6", "[SETTINGS]", "Zoom=2", "Note=@#@#\"x\""}));
     ASSERT_EQ(o->records.size(), 8);
-    const struct {
-        const char* name;
-        int16_t block, beginBit, numBytes, bigItemNumber;
-    } fieldsRead[] = {{"Photo", 19, 3, 4, 2}, {"Logo", 21, 0, 2, 3}, {"Logo", 22, 5, 2, 0}, {"Sign", 25, 0, 8, 0}};
-    for (int32_t i = 0; i < 4; ++i) {
-        const ItemRecord& f = o->records[i < 2 ? i : i + 4];  // ENCODE first, FieldsMultiTrack last
-        const auto& e = fieldsRead[i];
-        EXPECT_TRUE(f.isBinary && f.name == e.name && f.block == e.block && f.beginBit == e.beginBit &&
-                    f.numBytes == e.numBytes && f.bigItemNumber == e.bigItemNumber) << i << " " << f.name;
-    }
-    const struct {
-        const char* method;
-        int16_t initValue;
-        std::array<int16_t, 2> polynomial;
-        int16_t rangeLast;
-    } sums[] = {{"1", 0, {0, 0}, 0}, {"3", 1, {0, 0}, 0}, {"2", 0, {263, 9}, 0}, {"1", 0, {0, 0}, 8}};
-    for (int32_t i = 0; i < 4; ++i) {
-        const ItemRecord& r = o->records[i + 2];
-        EXPECT_TRUE(r.param1 == sums[i].method && r.initValue == sums[i].initValue &&
-                    r.polynomial == sums[i].polynomial && r.range[4] == sums[i].rangeLast) << i;
+    // fields: name block beginBit numBytes bigItemNumber; checksums: method initValue polynomial last range value
+    const char* expected[] = {"Photo 19 3 4 2", "Logo 21 0 2 3", "1 0 0,0 0", "3 1 0,0 0", "2 0 263,9 0", "1 0 0,0 8",
+                              "Logo 22 5 2 0", "Sign 25 0 8 0"};
+    for (int32_t i = 0; i < 8; ++i) {
+        const ItemRecord& r = o->records[i];
+        EXPECT_EQ(r.isBinary ? r.name + " " + std::to_string(r.block) + " " + std::to_string(r.beginBit) + " " +
+                                   std::to_string(r.numBytes) + " " + std::to_string(r.bigItemNumber)
+                             : r.param1 + " " + std::to_string(r.initValue) + " " + std::to_string(r.polynomial[0]) +
+                                   "," + std::to_string(r.polynomial[1]) + " " + std::to_string(r.range[4]),
+                  expected[i]);
     }
     ASSERT_EQ(o->result.settings.size(), 2u);
     EXPECT_EQ(o->result.settings[1], (std::pair<std::string, std::string>{"Note", "\"x\""}));

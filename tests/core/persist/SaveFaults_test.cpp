@@ -79,7 +79,7 @@ protected:
         for (int i : failing) files.failCall(i, fault, error);
         before.write(dir.path(), "Card");
         writeBytes(dir / kLeftover, "left by a crashed save");
-        if (!GetParam().hardLinks) files.withoutHardLinks();
+        if (!GetParam().hardLinks) files.hardLinks = false;
         prompter.messages.clear();
         return saveTo(dir / "unseen", records, files);
     }
@@ -89,7 +89,7 @@ protected:
         EXPECT_TRUE(saveFailing(dir, files).saved);
         expectFiles(dir.path(), "the new layout", "the new chip encode file", contents.nameOf(before.layout));
         EXPECT_EQ(hiddenTempFiles(dir.path()), std::vector<std::string>{});
-        return files.calls();
+        return files.calls;
     }
     void expectFiles(const fs::path& folder, const std::string& layout, const std::string& encode,
                      const std::string& backup) {
@@ -123,8 +123,8 @@ TEST_P(SaveFaults, EveryFailingCallLeavesCompleteFilesAndTellsTheOperator) {
             TempDir dir;
             FaultyFileSystem files(dir / "unseen", dir.path());
             const SaveOutcome out = saveFailing(dir, files, {i}, fault, error);
-            ASSERT_TRUE(files.injected());
-            EXPECT_EQ(files.openHandles(), 0);
+            ASSERT_TRUE(files.injected);
+            EXPECT_EQ(files.openHandles, 0);
             ASSERT_EQ(out.saved, saveSurvives(calls[i], fault, error)) << out.message;
             const SavedFiles failed = SavedFiles::read(dir.path(), "Card");
             if (out.saved) {
@@ -142,7 +142,7 @@ TEST_P(SaveFaults, EveryFailingCallLeavesCompleteFilesAndTellsTheOperator) {
             }
             // Temporary files are removed, but for one whose removal was the failing call.
             for (const std::string& name : hiddenTempFiles(dir.path()))
-                EXPECT_TRUE(name == kLeftover || (calls[i] == Call::Remove && files.failedPath() == dir / name))
+                EXPECT_TRUE(name == kLeftover || (calls[i] == Call::Remove && files.failedPath == dir / name))
                     << "temporary file left behind: " << name;
             // The next save works and removes every leftover.
             ASSERT_TRUE(saveTo(dir.path(), records).saved);

@@ -6,6 +6,7 @@
 #include <optional>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -19,6 +20,8 @@
 #include "text/Translator.h"
 
 namespace kestrin::test {
+
+using namespace std::string_literals;
 
 using MaybeBytes = std::optional<std::string>;
 
@@ -125,12 +128,12 @@ struct TwoLayouts {
     // Each of the three files holds one complete layout or chip encode file, A's or B's.
     std::string incomplete(const std::filesystem::path& folder) const {
         const SavedFiles now = SavedFiles::read(folder, "Card");
-        const std::string layout = contents.nameOf(now.layout), encode = contents.nameOf(now.encode),
-                          backup = contents.nameOf(now.backup);
-        if (layout != "layout A" && layout != "layout B") return "the layout is " + layout;
-        if (encode != "encode A" && encode != "encode B") return "the chip encode file is " + encode;
-        if (backup != "layout A" && backup != "layout B") return "the backup is " + backup;
-        return {};
+        std::string found;
+        for (const auto& [what, bytes, kind] : {std::tuple{"the layout is ", now.layout, "layout "},
+                                                std::tuple{"the chip encode file is ", now.encode, "encode "},
+                                                std::tuple{"the backup is ", now.backup, "layout "}})
+            if (const std::string name = contents.nameOf(bytes); name != kind + "A"s && name != kind + "B"s) found += what + name;
+        return found;
     }
 };
 
