@@ -1,6 +1,9 @@
-// Profile files read and written as the Windows profile functions read and write them.
+// Profile files read and written as the Windows profile functions read and write them, in
+// their code page: every byte survives the trip to UTF-8 and back, and what the code page
+// cannot hold is written as "?", one for each character or broken byte.
 #include <gtest/gtest.h>
 
+#include "persist/Cp1252.h"
 #include "persist/ProfileDocument.h"
 #include "persist/ProfileStrings.h"
 #include "persist/ProfileWriter.h"
@@ -12,7 +15,7 @@ namespace {
 
 std::string join(const std::vector<std::string>& names) {
     std::string out;
-    for (const auto& n : names) out += (out.empty() ? "" : "|") + n;
+    for (const auto& n : names) out += "|" + n;
     return out;
 }
 
@@ -53,9 +56,9 @@ TEST(ProfileDocument, ReadsAsTheProfileFunctionsDo) {
         {"[s]\r\nk\r\n", 'i', "s", "k", "777"},
         {"[s]\r\nk=\r\n", 'i', "s", "k", "777"},
         {"[s]\r\n", 'i', "t", "k", "777"},
-        {listed, 'k', "a", "", "k1|k2"},
+        {listed, 'k', "a", "", "|k1|k2"},
         {listed, 'k', "missing", "", ""},
-        {listed, 'S', "", "", "A|B|a"},
+        {listed, 'S', "", "", "|A|B|a"},
         {"[s]\r\nk=@#@#\"quoted\"\r\n", 'L', "s", "k", "\"quoted\""},
         {"[s]\r\nk=a/@b/@\r\n", 'L', "s", "k", "a\"b\""},
         {"[s]\r\nk=@#@#/@x\r\n", 'L', "s", "k", "\"x"},
@@ -133,6 +136,20 @@ TEST(ProfileWriter, EveryByteOfAValueRoundTrips) {
     ProfileWriter w;
     w.write("s", "k", ProfileDocument::parse(file).getString("s", "k", ""));
     EXPECT_EQ(w.bytes(), file);
+}
+
+TEST(Cp1252, EveryByteComesBackFromUtf8AndWhatItCannotHoldBecomesQuestionMarks) {
+    for (int b = 0; b < 256; ++b) EXPECT_EQ(utf8ToCp1252(cp1252ToUtf8(std::string(1, static_cast<char>(b)))), std::string(1, static_cast<char>(b))) << b;
+    const std::pair<std::string, std::string> cases[] = {
+        {"\xE2\x82\xAC 5", "\x80 5"},  // the euro sign has a byte of its own
+        {"\xE6\x97\xA5", "?"},          // one character, one mark
+        {"\xF4\x8F\xBF\xBF", "?"},      // the last code point
+        {"\xF4\x90\x80\x80", "????"},   // beyond it: four broken bytes
+        {"\xED\xA0\x80", "???"},        // a surrogate half
+        {"\xC0\xAF", "??"},             // an overlong form
+        {"a\xE2\x82", "a??"},           // cut short
+    };
+    for (const auto& [utf8, bytes] : cases) EXPECT_EQ(utf8ToCp1252(utf8), bytes);
 }
 
 }  // namespace

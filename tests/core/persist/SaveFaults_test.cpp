@@ -6,15 +6,8 @@
 #include <algorithm>
 #include <cerrno>
 
-#include "card/CIClass.h"
-#include "items/RecordArray.h"
-#include "persist/HostFields.h"
-#include "persist/LayoutSaver.h"
 #include "support/FaultyFileSystem.h"
-#include "support/Records.h"
 #include "support/SavedFiles.h"
-#include "support/TestSupport.h"
-#include "text/Translator.h"
 
 using namespace kestrin;
 using namespace kestrin::test;
@@ -57,15 +50,13 @@ protected:
         card.setChipSize(iBigOnePage);
         card.setEnableBitwise(true);
         fields.setFields({{"Name", "NAME", "Character", 16, 0, true}, {"Level", "LEVEL", "Number", 3, 3, true}});
-        records.add(field("Name", 0, 19, 0, 16, 0, 0x00E0C0A0));
-        records.add(bitField("Flag", 0, 26, 0, 3, 4));
-        records.add(function("Count", "1", "1000", "0", 0, 28, 0, 4));
-        records.add(dbUpdate("LEVEL", "Count", "5", "1"));
-        TempDir reference;
+        for (const ItemRecord& r : {field("Name", 0, 19, 0, 16, 0, 0x00E0C0A0), bitField("Flag", 0, 26, 0, 3, 4),
+                                    function("Count", "1", "1000", "0", 0, 28, 0, 4), dbUpdate("LEVEL", "Count", "5", "1")})
+            records.add(r);
+        TempDir reference, past;
         EXPECT_TRUE(saveTo(reference.path(), records).saved);
-        expected = SavedFiles::read(reference.path(), "Card");
+        const SavedFiles expected = SavedFiles::read(reference.path(), "Card");
         if (GetParam().overExistingLayout) {
-            TempDir past;
             RecordArray older, old;
             older.add(field("Name", 0, 19, 0, 4));
             old.add(field("Name", 0, 19, 0, 8));
@@ -82,20 +73,29 @@ protected:
     SaveOutcome saveTo(const fs::path& folder, const RecordArray& items, FileSystem& files = systemFileSystem()) {
         return saveLayout(folder / "Card.IIF", &card, items, fields, prompter, translator, {}, files);
     }
-    // A save through files, which alone maps the folder "unseen" to the real one.
-    SaveOutcome saveFailing(const TempDir& dir, FaultyFileSystem& files) {
+    // A save through files failing the calls given, which alone maps the folder "unseen" to dir.
+    SaveOutcome saveFailing(const TempDir& dir, FaultyFileSystem& files, std::vector<int> failing = {},
+                            Fault fault = Fault::Error, int error = 0) {
+        for (int i : failing) files.failCall(i, fault, error);
         before.write(dir.path(), "Card");
         writeBytes(dir / kLeftover, "left by a crashed save");
-        if (!GetParam().hardLinks) files.withoutHardLinks();
+        if (!GetParam().hardLinks) files.hardLinks = false;
         prompter.messages.clear();
         return saveTo(dir / "unseen", records, files);
+    }
+    std::vector<Call> callsOfASave() {
+        TempDir dir;
+        FaultyFileSystem files(dir / "unseen", dir.path());
+        EXPECT_TRUE(saveFailing(dir, files).saved);
+        expectFiles(dir.path(), "the new layout", "the new chip encode file", contents.nameOf(before.layout));
+        EXPECT_EQ(hiddenTempFiles(dir.path()), std::vector<std::string>{});
+        return files.calls;
     }
     void expectFiles(const fs::path& folder, const std::string& layout, const std::string& encode,
                      const std::string& backup) {
         const SavedFiles now = SavedFiles::read(folder, "Card");
-        EXPECT_EQ(contents.nameOf(now.layout), layout);
-        EXPECT_EQ(contents.nameOf(now.encode), encode);
-        EXPECT_EQ(contents.nameOf(now.backup), backup);
+        EXPECT_EQ(contents.nameOf(now.layout) + " / " + contents.nameOf(now.encode) + " / " + contents.nameOf(now.backup),
+                  layout + " / " + encode + " / " + backup);
     }
 
     CIClass card;
@@ -103,20 +103,12 @@ protected:
     HostFieldList fields;
     RecordingPrompter prompter;
     Translator translator;
-    SavedFiles expected, before;
+    SavedFiles before;
     KnownContents contents;
 };
 
 TEST_P(SaveFaults, EveryFailingCallLeavesCompleteFilesAndTellsTheOperator) {
-    std::vector<Call> calls;
-    {
-        TempDir dir;
-        FaultyFileSystem files(dir / "unseen", dir.path());
-        ASSERT_TRUE(saveFailing(dir, files).saved);
-        expectFiles(dir.path(), "the new layout", "the new chip encode file", contents.nameOf(before.layout));
-        EXPECT_EQ(hiddenTempFiles(dir.path()), std::vector<std::string>{});
-        calls = files.calls();
-    }
+    const std::vector<Call> calls = callsOfASave();
     for (Call c : {Call::Status, Call::CreateNew, Call::Write, Call::Sync, Call::Close, Call::Rename, Call::List})
         ASSERT_NE(std::find(calls.begin(), calls.end(), c), calls.end()) << callName(c);
 
@@ -130,10 +122,9 @@ TEST_P(SaveFaults, EveryFailingCallLeavesCompleteFilesAndTellsTheOperator) {
                          (fault == Fault::ShortWrite ? "short write" : errorText));
             TempDir dir;
             FaultyFileSystem files(dir / "unseen", dir.path());
-            files.failCall(i, fault, error);
-            const SaveOutcome out = saveFailing(dir, files);
-            ASSERT_TRUE(files.injected());
-            EXPECT_EQ(files.openHandles(), 0);
+            const SaveOutcome out = saveFailing(dir, files, {i}, fault, error);
+            ASSERT_TRUE(files.injected);
+            EXPECT_EQ(files.openHandles, 0);
             ASSERT_EQ(out.saved, saveSurvives(calls[i], fault, error)) << out.message;
             const SavedFiles failed = SavedFiles::read(dir.path(), "Card");
             if (out.saved) {
@@ -151,7 +142,7 @@ TEST_P(SaveFaults, EveryFailingCallLeavesCompleteFilesAndTellsTheOperator) {
             }
             // Temporary files are removed, but for one whose removal was the failing call.
             for (const std::string& name : hiddenTempFiles(dir.path()))
-                EXPECT_TRUE(name == kLeftover || (calls[i] == Call::Remove && files.failedPath() == dir / name))
+                EXPECT_TRUE(name == kLeftover || (calls[i] == Call::Remove && files.failedPath == dir / name))
                     << "temporary file left behind: " << name;
             // The next save works and removes every leftover.
             ASSERT_TRUE(saveTo(dir.path(), records).saved);
@@ -166,25 +157,16 @@ TEST_P(SaveFaults, EveryFailingCallLeavesCompleteFilesAndTellsTheOperator) {
 // When the layout file cannot be put in place and the previous chip encode file cannot be put
 // back either, the operator is told that the two files no longer belong together.
 TEST_P(SaveFaults, AChipEncodeFileThatCannotBeTakenBackIsReported) {
-    std::vector<Call> calls;
-    {
-        TempDir dir;
-        FaultyFileSystem files(dir / "unseen", dir.path());
-        ASSERT_TRUE(saveFailing(dir, files).saved);
-        calls = files.calls();
-    }
+    const std::vector<Call> calls = callsOfASave();
     const int layoutRename = static_cast<int>(calls.rend() - std::find(calls.rbegin(), calls.rend(), Call::Rename)) - 1;
     TempDir dir;
     FaultyFileSystem files(dir / "unseen", dir.path());
-    files.failCall(layoutRename, Fault::Error, EIO);
-    files.failCall(layoutRename + 1, Fault::Error, EIO);
-    const SaveOutcome out = saveFailing(dir, files);
+    const SaveOutcome out = saveFailing(dir, files, {layoutRename, layoutRename + 1}, Fault::Error, EIO);
     EXPECT_FALSE(out.saved);
     ASSERT_EQ(prompter.messages.size(), 1u);
     EXPECT_NE(out.message.find("no longer belong together"), std::string::npos) << out.message;
-    const SavedFiles after = SavedFiles::read(dir.path(), "Card");
-    EXPECT_EQ(contents.nameOf(after.layout), contents.nameOf(before.layout));
-    EXPECT_EQ(contents.nameOf(after.encode), "the new chip encode file");
+    expectFiles(dir.path(), contents.nameOf(before.layout), "the new chip encode file",
+                contents.nameOf(SavedFiles::read(dir.path(), "Card").backup));
 }
 
 INSTANTIATE_TEST_SUITE_P(Saves, SaveFaults,

@@ -1,5 +1,6 @@
 #pragma once
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <filesystem>
 #include <functional>
@@ -16,9 +17,7 @@ namespace kestrin::test {
 enum class Call { Status, CreateNew, Write, Sync, Close, Rename, Link, Copy, Remove, List };
 
 inline const char* callName(Call c) {
-    static constexpr const char* names[] = {"status", "createNew", "write", "sync",   "close",
-                                            "rename", "link",      "copy",  "remove", "list"};
-    return names[static_cast<int>(c)];
+    return std::array{"status", "createNew", "write", "sync", "close", "rename", "link", "copy", "remove", "list"}[static_cast<int>(c)];
 }
 
 // How the chosen call fails; ShortWrite and DiskFull are for write calls.
@@ -42,70 +41,54 @@ public:
         fault_ = fault;
         errno_ = error;
     }
-    // Every link fails with EPERM, as on file systems without hard links.
-    void withoutHardLinks() { hardLinks_ = false; }
 
-    const std::vector<Call>& calls() const { return calls_; }
-    bool injected() const { return injected_; }
-    // The real path the failed call was about (empty for calls on a handle).
-    const std::filesystem::path& failedPath() const { return failedPath_; }
-    int openHandles() const { return openHandles_; }
+    bool hardLinks = true;  // false: every link fails with EPERM, as on file systems without them
+    std::vector<Call> calls;
+    bool injected = false;
+    std::filesystem::path failedPath;  // the real path the failed call was about (empty for handles)
+    int openHandles = 0;
     // Runs once, at the first call that may change the disk (any call but status): the
     // save has rendered its files and checked the old ones by then.
     std::function<void()> beforeChange;
 
     std::error_code status(const std::filesystem::path& path, FileStatus& out) override {
-        if (auto ec = enter(Call::Status, path)) return ec;
-        return os().status(map(path), out);
+        return guarded(Call::Status, path, [&] { return os().status(map(path), out); });
     }
     std::error_code createNew(const std::filesystem::path& path, Handle& out) override {
-        if (auto ec = enter(Call::CreateNew, path)) return ec;
-        auto ec = os().createNew(map(path), out);
-        if (!ec) ++openHandles_;
-        return ec;
+        return guarded(Call::CreateNew, path, [&] {
+            const auto ec = os().createNew(map(path), out);
+            openHandles += !ec;
+            return ec;
+        });
     }
     std::error_code write(Handle file, std::string_view bytes, std::size_t& written) override {
         const bool chosen = next(Call::Write);
         if (diskFull_) return error(ENOSPC);
-        if (chosen && fault_ != Fault::Error) {
-            diskFull_ = fault_ == Fault::DiskFull;
-            bytes = bytes.substr(0, std::max<std::size_t>(bytes.size() / 2, 1));
-        } else if (chosen) {
-            return error(errno_);
-        }
+        if (chosen && fault_ == Fault::Error) return error(errno_);
+        if (chosen) diskFull_ = fault_ == Fault::DiskFull, bytes = bytes.substr(0, std::max<std::size_t>(bytes.size() / 2, 1));
         return os().write(file, bytes, written);
     }
-    std::error_code sync(Handle file) override {
-        if (next(Call::Sync)) return error(errno_);
-        return os().sync(file);
-    }
+    std::error_code sync(Handle file) override { return next(Call::Sync) ? error(errno_) : os().sync(file); }
     std::error_code close(Handle file) override {
         const bool chosen = next(Call::Close);
-        --openHandles_;
+        --openHandles;
         const auto ec = os().close(file);
         return chosen ? error(errno_) : ec;
     }
     std::error_code rename(const std::filesystem::path& from, const std::filesystem::path& to) override {
-        if (auto ec = enter(Call::Rename, to)) return ec;
-        return os().rename(map(from), map(to));
+        return guarded(Call::Rename, to, [&] { return os().rename(map(from), map(to)); });
     }
     std::error_code link(const std::filesystem::path& existing, const std::filesystem::path& newName) override {
-        if (auto ec = enter(Call::Link, newName)) return ec;
-        if (!hardLinks_) return error(EPERM);
-        return os().link(map(existing), map(newName));
+        return guarded(Call::Link, newName, [&] { return !hardLinks ? error(EPERM) : os().link(map(existing), map(newName)); });
     }
     std::error_code copy(const std::filesystem::path& existing, const std::filesystem::path& newFile) override {
-        if (auto ec = enter(Call::Copy, newFile)) return ec;
-        if (diskFull_) return error(ENOSPC);
-        return os().copy(map(existing), map(newFile));
+        return guarded(Call::Copy, newFile, [&] { return diskFull_ ? error(ENOSPC) : os().copy(map(existing), map(newFile)); });
     }
     std::error_code remove(const std::filesystem::path& path) override {
-        if (auto ec = enter(Call::Remove, path)) return ec;
-        return os().remove(map(path));
+        return guarded(Call::Remove, path, [&] { return os().remove(map(path)); });
     }
     std::error_code list(const std::filesystem::path& folder, std::vector<std::string>& names) override {
-        if (auto ec = enter(Call::List, folder)) return ec;
-        return os().list(map(folder), names);
+        return guarded(Call::List, folder, [&] { return os().list(map(folder), names); });
     }
 
 private:
@@ -119,29 +102,24 @@ private:
     // Counts a call; true when it is the one to fail.
     bool next(Call c) {
         if (c != Call::Status && beforeChange) std::exchange(beforeChange, nullptr)();
-        calls_.push_back(c);
-        const bool chosen =
-            std::find(failAt_.begin(), failAt_.end(), static_cast<int>(calls_.size()) - 1) != failAt_.end();
-        injected_ = injected_ || chosen;
+        calls.push_back(c);
+        const bool chosen = std::find(failAt_.begin(), failAt_.end(), static_cast<int>(calls.size()) - 1) != failAt_.end();
+        injected = injected || chosen;
         return chosen;
     }
-    std::error_code enter(Call c, const std::filesystem::path& path) {
-        if (!next(c)) return {};
-        failedPath_ = map(path);
+    // Counts a call about path: the error when it is the one to fail, else what call() returns.
+    template <class Then>
+    std::error_code guarded(Call c, const std::filesystem::path& path, Then call) {
+        if (!next(c)) return call();
+        failedPath = map(path);
         return error(errno_);
     }
 
-    std::filesystem::path virtual_;
-    std::filesystem::path real_;
-    std::vector<Call> calls_;
+    std::filesystem::path virtual_, real_;
     std::vector<int> failAt_;
     Fault fault_ = Fault::Error;
     int errno_ = 0;
-    bool hardLinks_ = true;
     bool diskFull_ = false;
-    bool injected_ = false;
-    std::filesystem::path failedPath_;
-    int openHandles_ = 0;
 };
 
 }  // namespace kestrin::test

@@ -1,15 +1,27 @@
 #pragma once
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <optional>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
+#include "Records.h"
 #include "TestSupport.h"
+#include "card/CIClass.h"
+#include "items/RecordArray.h"
+#include "persist/HostFields.h"
+#include "persist/LayoutReader.h"
+#include "persist/LayoutSaver.h"
+#include "text/Translator.h"
 
 namespace kestrin::test {
+
+using namespace std::string_literals;
 
 using MaybeBytes = std::optional<std::string>;
 
@@ -21,11 +33,25 @@ inline MaybeBytes readIfPresent(const std::filesystem::path& p) {
     return std::move(bytes).str();
 }
 
+// A layout opened from bytes on a card of the chip given, answering questions as given.
+struct Opened {
+    LayoutReadResult result;
+    CIClass card;
+    RecordArray records;
+    RecordingPrompter prompter;
+};
+inline std::unique_ptr<Opened> openLayout(const std::string& bytes, Answer answer = Answer::Yes,
+                                          const HostFieldList* fields = nullptr, IClassType before = iSmallOnePage) {
+    auto o = std::make_unique<Opened>();
+    o->prompter = RecordingPrompter(answer);
+    o->card.setChipSize(before);
+    o->result = readLayoutBytes(bytes, o->card, o->records, o->prompter, fields);
+    return o;
+}
+
 // The three files of a layout NAME.IIF in one folder, as read back from the disk.
 struct SavedFiles {
-    MaybeBytes layout;  // NAME.IIF
-    MaybeBytes encode;  // NAME.CHP
-    MaybeBytes backup;  // NAME.IIF.BAK
+    MaybeBytes layout, encode, backup;  // NAME.IIF, NAME.CHP, NAME.IIF.BAK
 
     static SavedFiles read(const std::filesystem::path& folder, const std::string& stem) {
         return {readIfPresent(folder / (stem + ".IIF")), readIfPresent(folder / (stem + ".CHP")),
@@ -64,6 +90,51 @@ public:
 
 private:
     std::vector<std::pair<std::string, std::string>> known_;
+};
+
+// Two large layouts of one-byte fields ("A0000".., "B0000"..) with different counts, so that
+// every file of one differs from the other's, for the tests that end a save midway.
+struct TwoLayouts {
+    CIClass card;
+    RecordArray records[2];
+    HostFieldList fields;
+    Translator translator;
+    KnownContents contents;  // "layout A", "encode A", "layout B", "encode B"
+
+    explicit TwoLayouts(int countA, int countB) {
+        card.setChipSize(iBigOnePage);
+        std::vector<HostField> hostFields;
+        for (int which = 0; which < 2; ++which)
+            for (int i = 0; i < (which == 0 ? countA : countB); ++i) {
+                char name[16];
+                std::snprintf(name, sizeof name, "%c%04d", which == 0 ? 'A' : 'B', i);
+                const int byte = i + which * 200;
+                records[which].add(field(name, 0, 19 + byte / 8, byte % 8, 1, 0, 0x10000 + i));
+                hostFields.push_back({name, name, "Character", 1, static_cast<int16_t>(hostFields.size()), true});
+            }
+        fields.setFields(std::move(hostFields));
+        for (int which = 0; which < 2; ++which) {
+            TempDir one;
+            save(one.path(), which);
+            const SavedFiles files = SavedFiles::read(one.path(), "Card");
+            contents.add(which == 0 ? "layout A" : "layout B", files.layout);
+            contents.add(which == 0 ? "encode A" : "encode B", files.encode);
+        }
+    }
+    SaveOutcome save(const std::filesystem::path& folder, int which, FileSystem& files = systemFileSystem()) const {
+        RecordingPrompter quiet;
+        return saveLayout(folder / "Card.IIF", &card, records[which], fields, quiet, translator, {}, files);
+    }
+    // Each of the three files holds one complete layout or chip encode file, A's or B's.
+    std::string incomplete(const std::filesystem::path& folder) const {
+        const SavedFiles now = SavedFiles::read(folder, "Card");
+        std::string found;
+        for (const auto& [what, bytes, kind] : {std::tuple{"the layout is ", now.layout, "layout "},
+                                                std::tuple{"the chip encode file is ", now.encode, "encode "},
+                                                std::tuple{"the backup is ", now.backup, "layout "}})
+            if (const std::string name = contents.nameOf(bytes); name != kind + "A"s && name != kind + "B"s) found += what + name;
+        return found;
+    }
 };
 
 }  // namespace kestrin::test

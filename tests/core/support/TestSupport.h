@@ -77,7 +77,7 @@ inline void writeBytes(const std::filesystem::path& p, const std::string& bytes)
 }
 
 // Lines joined with CR LF and ended by one, as the profile writer leaves them.
-inline std::string crlf(std::initializer_list<std::string> lines) {
+inline std::string crlf(const std::vector<std::string>& lines) {
     std::string out;
     for (const auto& l : lines) out += l + "\r\n";
     return out;
