@@ -124,6 +124,11 @@ public:
         }
     }
 
+    ItemRecord candidateFor(const RandomLayout& l) {
+        layout_ = &l;
+        return candidate();
+    }
+
     Rng rng;
 
 private:
@@ -314,27 +319,10 @@ TEST(PlacementProperty, InvalidPlacementsNeverCorruptTheRecords) {
             if (!r.isDbUpdate) placed.push_back(r);
         for (int k = 0; k < 15; ++k) {
             const int64_t pages = layout.card.PagesCount();
-            PlacementRequest q;
-            const bool again = !placed.empty() && rng.chance(1, 2);
-            if (again) {
-                q = placementRequestOf(rng.pick(placed));  // the item again, or something on top of it
-                q.beginByte = static_cast<int16_t>(q.beginByte + rng.between(-1, 1) * rng.chance(1, 2));
-            } else {
-                q.itemName = q.selectedText = rng.chance(1, 2) ? rng.pick<std::string>({"Constant", "Count", "CardSnNr", "Checksum"})
-                                                               : rng.pick(layout.fields.fields()).dbField;
-                q.page = static_cast<int16_t>(rng.between(0, pages - 1));
-                q.row = static_cast<int16_t>(rng.between(6, 31));
-                q.beginByte = static_cast<int16_t>(rng.between(0, 7));
-                q.beginBit = static_cast<int16_t>(rng.between(0, 7));
-                q.nrBytesText = std::to_string(rng.between(1, 16));
-                q.propertyOption = static_cast<int>(rng.between(-1, 4));
-                q.valueFromField = rng.chance(1, 4);
-                q.constantText = q.polynomText = std::to_string(rng.between(0, 600));
-                q.startValueText = std::to_string(rng.between(0, 300));
-                q.rangeRow = static_cast<int16_t>(rng.between(0, 32));
-                q.rangeCountText = std::to_string(rng.between(0, 40));
-            }
-            if (!again || rng.chance(1, 3)) q.mode = static_cast<int32_t>(rng.between(kModeField, kModeBitFunction));
+            // The item again, something on top of it, or a new candidate of any kind.
+            PlacementRequest q = placementRequestOf(!placed.empty() && rng.chance(1, 2) ? rng.pick(placed) : gen.candidateFor(layout));
+            q.beginByte = static_cast<int16_t>(q.beginByte + rng.between(-1, 1) * rng.chance(1, 2));
+            if (rng.chance(1, 3)) q.mode = static_cast<int32_t>(rng.between(kModeField, kModeBitFunction));
             for (int64_t breaks = rng.chance(1, 6) ? 0 : rng.between(1, 3); breaks > 0; --breaks) {
                 const auto big = [&](int64_t lo, int64_t hi) { return static_cast<int16_t>(rng.chance(1, 2) ? -1 : rng.between(lo, hi)); };
                 switch (rng.between(0, 8)) {
