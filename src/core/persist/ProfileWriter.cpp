@@ -53,11 +53,11 @@ ProfileWriter::Section& ProfileWriter::sectionNamed(std::string_view name) {
     for (const Recent& r : recent_)
         if (r.at == name.data() && r.size == name.size() && sections_[r.section].name == name)
             return sections_[r.section];
-    size_t i = 0;
-    while (i < sections_.size() && !AsciiCaselessEqual{}(sections_[i].name, name)) ++i;
+    const auto found = sectionIndex_.find(name);
+    const size_t i = found != sectionIndex_.end() ? found->second : sections_.size();
     if (i == sections_.size()) {
         Section& s = sections_.emplace_back();
-        s.name = name;
+        sectionIndex_.emplace(s.name.assign(name), i);
         if (!isAscii(name)) ascii_ = false;
         for (const Expected& e : expected_)
             if (AsciiCaselessEqual{}(e.section, name)) {

@@ -2,7 +2,10 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
+
+#include "AsciiCaseless.h"
 
 namespace kestrin {
 
@@ -60,6 +63,8 @@ private:
     void append(Section& s, std::string_view key, std::string_view value);
 
     std::vector<Section> sections_;
+    // Section numbers by name: a chip encode file has a section for every field it uses.
+    std::unordered_map<std::string, size_t, AsciiCaselessHash, AsciiCaselessEqual> sectionIndex_;
     bool ascii_ = true;  // nothing above 0x7F written: bytes() needs no conversion
     // The sections written last, by where the caller keeps their names: writes come in runs
     // over a few sections, and a hit is confirmed by comparing the names.
