@@ -3,19 +3,13 @@
 // blocks 19 to 31 unless told), three host fields, a catalog whose texts read "T<number>" so a
 // test sees which text was shown, a recording prompter, and helpers that drive the real
 // controls by their names.
-#include <QAbstractButton>
-#include <QApplication>
-#include <QComboBox>
-#include <QLineEdit>
-#include <QTableWidget>
-#include <QTest>
+#include <QtTest>
+#include <QtWidgets>
 #include <gtest/gtest.h>
-#include <memory>
-#include <string>
-#include <vector>
 
 #include "card/CIClass.h"
 #include "document/LayoutDocument.h"
+#include "preview/PagePainter.h"
 #include "support/Records.h"
 #include "support/TestSupport.h"
 #include "text/CatalogRegistry.h"
@@ -100,6 +94,15 @@ struct DialogFixture {
         choose("cboBeginByte", QString::number(byte));
         type("txtNrBytes", size);
     }
+    void typeAll(const std::vector<std::pair<const char*, const char*>>& boxes) const {
+        for (const auto& [box, typed] : boxes) type(box, typed);
+    }
+    void activate() const {
+        form->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(form.get()));
+    }
+    bool applyEnabled() const { return child<QPushButton>("cmdApply")->isEnabled(); }
+    QColor mapColour(int row, int column) const { return child<QTableWidget>("grdPreview")->item(row, column)->background().color(); }
     const RecordArray& records() const { return doc.records(); }
     std::vector<std::string> messageTexts() const { return texts(prompter); }
 };

@@ -1,23 +1,23 @@
-// The properties, database-update and multi-track dialogs driven by their control names: what
-// each loads, writes on OK, refuses and leaves on Cancel, and the keys a focused button answers.
-#include <QCheckBox>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QSpinBox>
-#include <QTabWidget>
-
+// The item editor, the properties, database-update and multi-track dialogs driven by their
+// control names: what each writes on Apply or OK, what it refuses and why, what it loads for
+// editing and leaves on Cancel, and the keys a focused button answers.
 #include "DialogFixture.h"
 #include "dialogs/frmProperties.h"
+#include "editor/BitMapView.h"
 #include "editor/frmEditiClass.h"
 #include "items/frmDBUpdate.h"
 #include "items/frmMultiTrack.h"
-#include "preview/PagePainter.h"
+#include "rules/Encodings.h"
+#include "rules/FunctionProperties.h"
 
 namespace kestrin::test {
 namespace {
 
+using Boxes = std::vector<std::pair<const char*, const char*>>;
+
 struct Dialog : DialogFixture {
     using DialogFixture::DialogFixture;
+    frmEditiClass& editor(int32_t mode, int32_t editIndex = -1) { return open<frmEditiClass>(mode, editIndex); }
     // The properties dialog on a card of the given chip, HID area and bitwise encoding.
     frmProperties& properties(IClassType chip, bool hid = false, bool bitwise = false, const std::string& bounds = {}) {
         auto card = std::make_unique<CIClass>();
@@ -30,15 +30,248 @@ struct Dialog : DialogFixture {
         activate();
         return p;
     }
-    void activate() const {
-        form->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(form.get()));
-    }
     QRadioButton* chip(int i) const { return child<QRadioButton>(QStringLiteral("optChipType(%1)").arg(i)); }
     QLineEdit* bound(int page) const { return child<QLineEdit>(QStringLiteral("txtBoundary(%1)").arg(page)); }
     bool boundaryTab() const { return child<QTabWidget>("tabIClass")->isTabEnabled(1); }
     bool checked(const char* name) const { return child<QCheckBox>(name)->isChecked(); }
 };
+
+// Items get a light colour: every channel from 127 to 227.
+bool lightColour(int32_t bgr) {
+    for (int shift : {0, 8, 16})
+        if (((bgr >> shift) & 0xFF) < 127 || ((bgr >> shift) & 0xFF) > 227) return false;
+    return (bgr >> 24) == 0;
+}
+
+// Before Apply the page map marks the chosen place; after it, it shows the item.
+TEST(EditiClassFields, ApplyAddsTheChosenFieldAtItsPlace) {
+    Dialog ed;
+    frmEditiClass& form = ed.editor(kModeField);
+    ed.clickField(0);
+    EXPECT_EQ(ed.text("txtSelectedField"), "NAME");
+    EXPECT_TRUE(ed.applyEnabled());  // choosing a field is a change to apply
+    ed.place(20, 2, "4");
+    const QColor mark = memoryMapColor(kMapMarkColor);
+    EXPECT_EQ(std::make_tuple(ed.mapColour(21, 2) == mark, ed.mapColour(21, 3), ed.mapColour(21, 6), ed.mapColour(21, 7) == mark),
+              std::make_tuple(false, mark, mark, false));
+    ed.click("cmdApply");
+    ASSERT_EQ(ed.records().size(), 1);
+    const ItemRecord& r = ed.records()[0];
+    EXPECT_EQ(std::make_tuple(r.name, std::string(kindWord(r)), r.page, r.block, r.beginByte, r.numBytes, r.encodingCode),
+              std::make_tuple(std::string("NAME"), std::string(kKindField), 0, 20, 2, 4, 0));
+    EXPECT_EQ(r.fieldType, kFieldTypeCharacter);
+    EXPECT_TRUE(lightColour(r.color)) << std::hex << r.color;
+    EXPECT_EQ(form.appliedCount(), 1);
+    EXPECT_FALSE(ed.applyEnabled());
+    EXPECT_TRUE(ed.prompter.messages.empty());
+    EXPECT_EQ(ed.child<QTableWidget>("grdPreview")->item(21, 3)->text(), "NAME");
+    EXPECT_EQ(ed.mapColour(21, 3), memoryMapColor(r.color));
+}
+
+// A refused Apply tells why and keeps Apply on; OK applies what is pending and closes only once accepted.
+TEST(EditiClassFields, APlaceBeyondThePageIsRefusedByApplyAndOk) {
+    Dialog ed;
+    frmEditiClass& form = ed.editor(kModeField);
+    ed.clickField(0);
+    ed.place(31, 1, "8");
+    ed.click("cmdApply");
+    EXPECT_EQ(ed.messageTexts(), std::vector<std::string>{"T4600"});
+    EXPECT_TRUE(ed.applyEnabled());
+    ed.click("cmdOK");
+    EXPECT_EQ(ed.records().size(), 0);
+    EXPECT_TRUE(form.isVisible());
+    ed.type("txtNrBytes", "4");
+    ed.click("cmdOK");
+    EXPECT_FALSE(form.isVisible());
+    EXPECT_FALSE(form.Cancelled);
+    EXPECT_EQ(form.result(), QDialog::Accepted);
+    EXPECT_EQ(ed.records().size(), 1);
+}
+
+TEST(EditiClassFields, TheOverlapQuestionDecidesWhetherTheOldItemIsReplaced) {
+    for (const auto& [answer, remaining] : {std::pair{Answer::Ok, "NAME"}, std::pair{Answer::Cancel, "OLD"}}) {
+        Dialog ed({field("OLD", 0, 20, 0, 4)});
+        ed.prompter.answerNext(answer);
+        ed.editor(kModeField);
+        ed.clickField(0);
+        ed.place(20, 2, "4");
+        ed.click("cmdApply");
+        ASSERT_EQ(ed.prompter.messages.size(), 1u);
+        EXPECT_TRUE(ed.prompter.messages[0].question);
+        EXPECT_EQ(ed.prompter.messages[0].buttons, Buttons::OkCancel);
+        ASSERT_EQ(ed.records().size(), 1);
+        EXPECT_EQ(ed.records()[0].name, remaining);
+    }
+}
+
+TEST(EditiClassFields, EditingPresetsTheControlsAndReplacesTheItemOrPutsItBackWhenRefused) {
+    ItemRecord old = field("NUMBER", 0, 20, 1, 6, 4, 0x00A0B0C0);
+    old.fieldType = kFieldTypeNumber;
+    Dialog ed({field("OTHER", 0, 25, 0, 2), old});
+    ed.editor(kModeField, 1);
+    EXPECT_EQ(QStringList({ed.text("txtSelectedField"), ed.child<QComboBox>("cboRow")->currentText(), ed.text("txtNrBytes"),
+                           ed.child<QComboBox>("cboBeginByte")->currentText(), ed.child<QComboBox>("cboFormat")->currentText()}),
+              QStringList({"NUMBER", "20", "6", "1", "Postfix F"}));
+    EXPECT_TRUE(ed.child<QRadioButton>("optEncode(3)")->isChecked());
+    EXPECT_FALSE(ed.applyEnabled());
+    ed.choose("cboRow", "31");
+    ed.choose("cboBeginByte", "6");
+    ed.click("cmdApply");
+    EXPECT_EQ(ed.messageTexts(), std::vector<std::string>{"T4600"});
+    EXPECT_EQ(ed.records().records(), (std::vector<ItemRecord>{field("OTHER", 0, 25, 0, 2), old}));
+
+    ed.choose("cboRow", "21");
+    ed.choose("cboBeginByte", "1");
+    ed.click("cmdApply");
+    EXPECT_EQ(ed.prompter.messages.size(), 1u);
+    ItemRecord moved = old;  // colour and encoding kept
+    moved.block = 21;
+    EXPECT_EQ(ed.records().records(), (std::vector<ItemRecord>{field("OTHER", 0, 25, 0, 2), moved}));
+}
+
+TEST(EditiClassBitFields, ABitFieldIsABinaryNumberAtItsBitAndTheBitMapShowsIt) {
+    Dialog ed;
+    ed.editor(kModeBitField);
+    EXPECT_TRUE(ed.child<QRadioButton>("optEncode(0)")->isChecked());
+    EXPECT_FALSE(ed.child<QRadioButton>("optEncode(0)")->isEnabled());
+    ed.clickField(1);
+    ed.place(20, 1, "5");
+    ed.choose("cboBeginBit", "6");
+    ed.click("cmdApply");
+    ASSERT_EQ(ed.records().size(), 1);
+    const ItemRecord& r = ed.records()[0];
+    EXPECT_EQ(kindWord(r), kKindBitField);
+    EXPECT_EQ(std::vector<int>({r.encodingCode, r.beginBit, r.numBits, r.numBytes}), std::vector<int>({1, 6, 5, 0}));
+    const int row = bitGridRow(*ed.doc.card()->page(0), 20);
+    for (int bit = 5; bit < 12; ++bit)  // bits 6 to 10 from byte 1 are the item's
+        EXPECT_EQ(ed.child<QTableWidget>("grdPreview")->item(row, bitGridColumn(1, 0) + bit)->data(Qt::UserRole).toString(),
+                  bit >= 6 && bit < 11 ? "NUMBER" : "") << bit;
+}
+
+// What the editor stored, read back from the record: option, count number and step, polynomial,
+// start value, range row and range count.
+std::string stored(const ItemRecord& r) {
+    const FunctionInput in = functionInputOf(r);
+    return std::to_string(in.option) + " " + in.countNumberText + "/" + in.countStepText + " " + in.polynomText + "/" +
+           in.startValueText + " " + std::to_string(in.rangeRow) + "/" + in.rangeCountText;
+}
+
+struct FunctionCase {
+    int32_t mode;
+    FunctionKind function;
+    int option;
+    Boxes boxes;  // typed in this order
+    int block, byte, bit;
+    const char* size;  // nullptr: the size the option fixes
+    int storedSize;
+    const char* stored;
+};
+
+TEST(EditiClassFunctions, EachFunctionIsWrittenWithItsValues) {
+    const FunctionCase cases[] = {
+        {kModeFunction, FunctionKind::Count, 1, {{"txtCountNumber", "5"}, {"txtCountStep", "2"}}, 20, 4, 0, "2", 2, "1 5/2 / 0/"},
+        {kModeFunction, FunctionKind::CardSnNr, 3, {}, 21, 0, 0, nullptr, 4, "3 / / 0/"},
+        {kModeFunction, FunctionKind::Checksum, 2, {{"txtPolynom", "263"}, {"txtStartValue", "7"}, {"txtRangeBytesCount", "8"}},
+         24, 0, 0, nullptr, 1, "2 / 263/7 19/8"},
+        {kModeBitFunction, FunctionKind::Checksum, 2,
+         {{"txtNrBytes", "4"}, {"txtPolynom", "19"}, {"txtStartValue", "3"}, {"txtRangeBytesCount", "2"}}, 23, 2, 4, nullptr, 4,
+         "2 / 19/3 19/2"},
+    };
+    for (const FunctionCase& c : cases) {
+        SCOPED_TRACE(c.stored);
+        Dialog ed;
+        ed.editor(c.mode);
+        ed.click(QStringLiteral("optFunction(%1)").arg(static_cast<int>(c.function)));
+        ed.click(QStringLiteral("optProperty(%1)").arg(c.option));
+        ed.typeAll(c.boxes);
+        ed.choose("cboRow", QString::number(c.block));
+        ed.choose("cboBeginByte", QString::number(c.byte));
+        if (c.mode == kModeBitFunction) ed.choose("cboBeginBit", QString::number(c.bit));
+        if (c.size) ed.type("txtNrBytes", c.size);
+        ed.click("cmdApply");
+        EXPECT_EQ(ed.messageTexts(), std::vector<std::string>{});
+        ASSERT_EQ(ed.records().size(), 1);
+        const ItemRecord& r = ed.records()[0];
+        EXPECT_EQ(r.name, functionWord(c.function));
+        EXPECT_EQ(kindWord(r), c.mode == kModeFunction ? kKindFunction : kKindBitFunction);
+        EXPECT_EQ(std::vector<int>({r.block, r.beginByte, r.beginBit, c.mode == kModeFunction ? r.numBytes : r.numBits}),
+                  std::vector<int>({c.block, c.byte, c.bit, c.storedSize}));
+        EXPECT_TRUE(lightColour(r.color));
+        EXPECT_EQ(stored(r), c.stored);
+    }
+}
+
+struct RefusedCase {
+    int32_t mode;
+    const char* function;
+    Boxes boxes;
+    const char* box;      // left, or (with apply) focused after the refusal
+    bool apply;           // refused by Apply rather than on leaving the box
+    const char* limits;   // part of the message
+};
+
+// A value box is checked against its own limits when it is left and again by Apply; the box keeps the focus.
+TEST(EditiClassFunctions, AValueOutOfRangeIsRefusedAndItsBoxKeepsTheFocus) {
+    const RefusedCase cases[] = {
+        {kModeFunction, "optFunction(1)", {{"txtCountStep", "256"}}, "txtCountStep", false, " 0 & 255!"},
+        {kModeFunction, "optFunction(3)", {{"txtPolynom", "1000"}}, "txtPolynom", false, " 257 & 511!"},
+        {kModeFunction, "optFunction(3)", {{"txtPolynom", "256"}, {"txtStartValue", "0"}}, "txtPolynom", true, " 257 & 511!"},
+        {kModeBitFunction, "optFunction(3)", {{"txtNrBytes", "3"}, {"txtPolynom", "20"}, {"txtStartValue", "0"}},
+         "txtPolynom", true, " 9 & 15!"},
+    };
+    for (const RefusedCase& c : cases) {
+        SCOPED_TRACE(c.box + std::string(c.apply ? " on Apply" : " on leaving"));
+        Dialog ed;
+        frmEditiClass& form = ed.editor(c.mode);
+        ed.click(c.function);
+        if (std::string(c.function) == "optFunction(3)") ed.click("optProperty(2)");
+        ed.typeAll(c.boxes);
+        if (c.apply) {
+            ed.choose("cboRow", "25");
+            ed.click("cmdApply");
+        } else {
+            ed.leave(c.box);
+        }
+        ASSERT_EQ(ed.prompter.messages.size(), 1u);
+        EXPECT_NE(ed.prompter.messages[0].text.find(c.limits), std::string::npos) << ed.prompter.messages[0].text;
+        EXPECT_EQ(form.focusWidget(), ed.child<QLineEdit>(c.box));
+        EXPECT_EQ(ed.records().size(), 0);
+    }
+}
+
+// Editing a function presets its controls; Apply replaces it keeping its colour.
+TEST(EditiClassFunctions, EditingAChecksumOrACountPresetsItsValues) {
+    FunctionInput checksum;
+    checksum.kind = FunctionKind::Checksum, checksum.option = kChecksumCrc, checksum.polynomText = "263";
+    checksum.startValueText = "5", checksum.rangeRow = 20, checksum.rangeBeginByte = 3, checksum.rangeCountText = "4";
+    FunctionInput count;
+    count.kind = FunctionKind::Count, count.countNumberText = "7", count.countStepText = "3";
+    for (const auto& [in, bytes, option, boxes] :
+         {std::tuple{checksum, 1, "optProperty(2)", Boxes{{"txtPolynom", "263"}, {"txtStartValue", "5"}}},
+          std::tuple{count, 2, "optProperty(0)", Boxes{{"txtCountNumber", "7"}, {"txtCountStep", "3"}}}}) {
+        ItemRecord old = function(std::string(functionWord(in.kind)), "", "", "", 0, 25, 0, bytes, 0x00909090);
+        applyFunctionValues(in, kModeFunction, old);
+        Dialog ed({old});
+        ed.editor(kModeFunction, 0);
+        EXPECT_TRUE(ed.child<QRadioButton>(QStringLiteral("optFunction(%1)").arg(static_cast<int>(in.kind)))->isChecked());
+        EXPECT_TRUE(ed.child<QRadioButton>(option)->isChecked());
+        for (const auto& [box, shown] : boxes) EXPECT_EQ(ed.text(box), shown) << box;
+        EXPECT_FALSE(ed.applyEnabled());
+        if (in.kind != FunctionKind::Checksum) continue;
+        EXPECT_EQ(ed.child<QComboBox>("cboRangeBeginRow")->currentText(), "20");
+        EXPECT_EQ(ed.child<QComboBox>("cboRangeBeginByte")->currentText(), "3");
+        ed.type("txtStartValue", "9");
+        ed.click("cmdApply");
+        EXPECT_EQ(ed.messageTexts(), std::vector<std::string>{});
+        ASSERT_EQ(ed.records().size(), 1);
+        FunctionInput changed = checksum;
+        changed.startValueText = "9";
+        EXPECT_EQ(functionInputOf(ed.records()[0]), changed);
+        EXPECT_EQ(ed.records()[0].color, 0x00909090);
+    }
+}
+
+
 
 struct LoadCase {
     IClassType chip;
@@ -96,17 +329,6 @@ TEST(Properties, OkWritesTheControlsBackAfterTheChipTypeDrivesMemoryListAndBound
     EXPECT_FALSE(d.boundaryTab());
 }
 
-TEST(Properties, WithoutACardOkMakesOne) {
-    Dialog d;
-    frmProperties& p = d.open<frmProperties>();
-    p.setCard(nullptr);
-    EXPECT_FALSE(d.chip(0)->isChecked() || d.chip(1)->isChecked());
-    d.chip(0)->click();
-    d.click("cmdOK");
-    ASSERT_NE(p.Card, nullptr);
-    EXPECT_EQ(p.Card->ChipSize(), iSmallOnePage);
-}
-
 // A boundary that cuts an item refuses OK with both warnings in turn and writes nothing back;
 // the window's close button writes back without the checks.
 TEST(Properties, OkIsRefusedWhileABoundaryCutsAnItemAndClosingSkipsTheChecks) {
@@ -125,22 +347,6 @@ TEST(Properties, OkIsRefusedWhileABoundaryCutsAnItemAndClosingSkipsTheChecks) {
     EXPECT_FALSE(p.Cancelled);
     EXPECT_TRUE(p.Card->EnableBitwise());
     EXPECT_EQ(p.Card->GetBoundary(0), 11);
-}
-
-// Boxes take digits only; leaving one checks 5 to 31 and a refused value keeps the focus.
-TEST(Properties, BoundaryBoxesFilterAndCheckOnLeaving) {
-    for (const auto& [typed, kept, refused] : {std::tuple{"1x2", "12", false}, {"4", "4", true}}) {
-        Dialog d;
-        d.properties(iBigEightPages);
-        d.child<QTabWidget>("tabIClass")->setCurrentIndex(1);
-        d.bound(1)->setFocus();
-        d.bound(1)->clear();
-        QTest::keyClicks(d.bound(1), typed);
-        d.bound(2)->setFocus(Qt::TabFocusReason);
-        EXPECT_EQ(d.bound(1)->text(), kept);
-        EXPECT_EQ(d.messageTexts(), refused ? std::vector<std::string>{"T3189 5 & 31!"} : std::vector<std::string>{});
-        EXPECT_EQ(QApplication::focusWidget(), refused ? d.bound(1) : d.bound(2));
-    }
 }
 
 ItemRecord update(std::string dbField, int16_t column, std::string word, std::string p1, std::string p2 = {}) {
@@ -185,8 +391,7 @@ TEST(DBUpdate, EditingPresetsTheControlsAndOkReplacesTheRecordInPlaceWhileCancel
         Dialog d({update("BIRTH", 2, "CardSnNr", "1"), item});
         frmDBUpdate& u = d.open<frmDBUpdate>(0);
         EXPECT_EQ(d.text("txtSelectedField"), "BIRTH");
-        EXPECT_TRUE(d.child<QRadioButton>("optFunction(2)")->isChecked());
-        EXPECT_TRUE(d.child<QRadioButton>("optProperty(1)")->isChecked());
+        EXPECT_TRUE(d.child<QRadioButton>("optFunction(2)")->isChecked() && d.child<QRadioButton>("optProperty(1)")->isChecked());
         d.click("optFunction(0)");
         d.type("txtConstantValue", "42");
         d.click(button);
@@ -197,14 +402,11 @@ TEST(DBUpdate, EditingPresetsTheControlsAndOkReplacesTheRecordInPlaceWhileCancel
     }
 }
 
-ItemRecord binary(std::string name, int block, int byte, int bytes, int color) {
-    ItemRecord r = field(std::move(name), 0, block, byte, bytes, 0, color);
-    r.isBinary = true;
-    return r;
-}
-
-TEST(MultiTrack, ApplyStoresABinaryFieldByItsDatabaseNameShowsItOnTheMapAndOkCloses) {
-    Dialog d;
+// A new binary field is stored by its database name and shown on the map; an edited one may
+// overlap its own old place, while an overlap with another item is refused with that item's name.
+TEST(MultiTrack, ApplyStoresABinaryFieldAndRefusesAnOverlapWithAnotherItem) {
+    const ItemRecord other = field("Other", 0, 25, 0, 2);
+    Dialog d({other});
     frmMultiTrack& m = d.open<frmMultiTrack>(-1);
     d.clickField(1);
     EXPECT_EQ(d.text("txtSelectedField"), "NUMBER");
@@ -213,66 +415,32 @@ TEST(MultiTrack, ApplyStoresABinaryFieldByItsDatabaseNameShowsItOnTheMapAndOkClo
     EXPECT_EQ(d.child<QSpinBox>("spinBytes")->value(), 12);
     d.click("cmdApply");
     EXPECT_TRUE(d.prompter.messages.empty());
-    ASSERT_EQ(d.records().size(), 1);
-    const ItemRecord& r = d.records()[0];
-    EXPECT_EQ(kindWord(r), kKindBinaryField);
-    EXPECT_EQ(r.name, "NUMBER");
+    ASSERT_EQ(d.records().size(), 2);
+    ItemRecord r = d.records()[1];
+    EXPECT_EQ(std::make_tuple(std::string(kindWord(r)), r.name), std::make_tuple(std::string(kKindBinaryField), std::string("NUMBER")));
     EXPECT_EQ(std::vector<int>({r.block, r.beginByte, r.beginBit, r.numBytes}), std::vector<int>({20, 2, 3, 12}));
-    const QTableWidgetItem* cell = d.child<QTableWidget>("grdPreview")->item(21, 3);
-    EXPECT_EQ(cell->text(), "NUMBER");
-    EXPECT_EQ(cell->background().color(), memoryMapColor(r.color));
-    EXPECT_FALSE(d.child<QPushButton>("cmdApply")->isEnabled());
+    EXPECT_EQ(d.child<QTableWidget>("grdPreview")->item(21, 3)->text(), "NUMBER");
+    EXPECT_EQ(d.mapColour(21, 3), memoryMapColor(r.color));
+    EXPECT_FALSE(d.applyEnabled());
     d.click("cmdOK");
     EXPECT_FALSE(m.Cancelled);
     EXPECT_FALSE(m.isVisible());
-}
 
-// An edited item may overlap its own old place; an overlap with another item is refused with
-// that item's name, and Cancel afterwards keeps what was applied.
-TEST(MultiTrack, EditingMovesTheItemInItsSlotAndAnOverlapIsRefused) {
-    const ItemRecord old = binary("NAME", 20, 0, 4, 0x123456);
-    const ItemRecord other = field("Other", 0, 25, 0, 2);
-    Dialog d({old, other});
-    frmMultiTrack& m = d.open<frmMultiTrack>(0);
-    EXPECT_EQ(d.child<QComboBox>("cboRow")->currentText(), "20");
-    EXPECT_EQ(d.text("txtNrBytes"), "4");
-    d.choose("cboBeginByte", "2");
-    d.click("cmdApply");
-    EXPECT_TRUE(d.prompter.messages.empty());
-    ItemRecord moved = old;
-    moved.beginByte = 2;
-    EXPECT_EQ(d.records().records(), (std::vector<ItemRecord>{moved, other}));
-    d.choose("cboRow", "25");
-    d.choose("cboBeginByte", "1");
-    d.click("cmdApply");
-    d.click("cmdOK");
-    EXPECT_EQ(d.messageTexts(), (std::vector<std::string>{"T3166: Other.", "T3166: Other."}));
-    EXPECT_TRUE(d.child<QPushButton>("cmdApply")->isEnabled());
-    d.click("cmdCancel");
-    EXPECT_TRUE(m.Cancelled);
-    EXPECT_EQ(d.records().records(), (std::vector<ItemRecord>{moved, other}));
-}
-
-// Enter on a focused Apply or New runs that button, not the default one; Enter in a box means OK.
-TEST(DialogKeys, EnterOnAFocusedButtonRunsIt) {
-    Dialog ed;
-    frmEditiClass& e = ed.open<frmEditiClass>(kModeField, -1);
-    ed.activate();
-    const auto enterOn = [&](const char* name) {
-        ed.child(name)->setFocus(Qt::TabFocusReason);
-        QTest::keyClick(ed.child(name), Qt::Key_Return);
-    };
-    ed.clickField(0);
-    ed.place(20, 0, "4");
-    enterOn("cmdApply");
-    EXPECT_EQ(e.appliedCount(), 1);
-    enterOn("cmdNew");
-    EXPECT_EQ(ed.text("txtSelectedField"), "");
-    ed.clickField(1);
-    ed.place(21, 0, "2");
-    enterOn("txtNrBytes");
-    EXPECT_FALSE(e.Cancelled);
-    EXPECT_EQ(ed.records().size(), 2);
+    Dialog edit({r, other});
+    frmMultiTrack& e = edit.open<frmMultiTrack>(0);
+    EXPECT_EQ(std::make_pair(edit.child<QComboBox>("cboRow")->currentText(), edit.text("txtNrBytes")), std::make_pair(QString("20"), QString("12")));
+    edit.choose("cboBeginByte", "0");
+    edit.click("cmdApply");
+    EXPECT_TRUE(edit.prompter.messages.empty());
+    r.beginByte = 0;
+    EXPECT_EQ(edit.records().records(), (std::vector<ItemRecord>{r, other}));
+    edit.choose("cboRow", "25");
+    edit.click("cmdOK");
+    EXPECT_EQ(edit.messageTexts(), std::vector<std::string>{"T3166: Other."});
+    EXPECT_TRUE(edit.applyEnabled());
+    edit.click("cmdCancel");
+    EXPECT_TRUE(e.Cancelled);
+    EXPECT_EQ(edit.records().records(), (std::vector<ItemRecord>{r, other}));
 }
 
 }  // namespace

@@ -1,22 +1,12 @@
 // The preview's views and page grids, printing to PDF through the print seams, and the two grid
 // models read through the model interface as a view reads them.
-#include <QAbstractItemModelTester>
-#include <QLabel>
 #include <QPrinter>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QTimer>
-#include <QProcess>
-#include <gtest/gtest.h>
-
 #include "DialogFixture.h"
 #include "control/DbUpdateGridModel.h"
 #include "control/ItemGridModel.h"
 #include "items/PageMap.h"
-#include "preview/PagePainter.h"
 #include "preview/PreviewPrinting.h"
 #include "preview/frmPreview.h"
-#include "text/Translator.h"
 
 namespace kestrin::test {
 namespace {
