@@ -14,16 +14,16 @@ namespace {
 struct StepCase {
     IClassType chip;
     int view;  // after Previous, Next four times and Previous
-    const char *title0, *description, *grid;
+    const char *title0, *grid;
     int row, column;  // a cell of that grid and its text
     const char* text;
 };
 
 TEST(Preview, ButtonsStepThroughTheViewsAndTheGridsShowTheirPages) {
     const StepCase cases[] = {
-        {iSmallOnePage, 0, "<Card Layout>", "<2 kbit/256 bytes card>", "grdPreview0", 1, 1, "Card Serial Number"},
-        {iBigOnePage, 2, "Blocks 128 - 159", "<16 kbit (2 kbyte) card, non-paged>", "grdPreview1", 32, 0, "191"},
-        {iBigEightPages, 2, "Page 4", "<16 kbit (2 kbyte) card, paged>", "grdPreview1", 9, 1, "Badge"},
+        {iSmallOnePage, 0, "<Card Layout>", "grdPreview0", 1, 1, "Card Serial Number"},
+        {iBigOnePage, 2, "Blocks 128 - 159", "grdPreview1", 32, 0, "191"},
+        {iBigEightPages, 2, "Page 4", "grdPreview1", 9, 1, "Badge"},
     };
     for (const StepCase& c : cases) {
         CIClass card;
@@ -33,7 +33,6 @@ TEST(Preview, ButtonsStepThroughTheViewsAndTheGridsShowTheirPages) {
         const Translator translator;
         frmPreview form(card, records, translator, "card.iif", PrintServices{});
         auto button = [&](const char* name) { return form.findChild<QPushButton*>(name); };
-        EXPECT_EQ(form.findChild<QLabel*>("lblChip")->text(), c.description);
         button("cmdPrevious")->click();
         for (int i = 0; i < 4; ++i) button("cmdNext")->click();
         EXPECT_FALSE(button("cmdNext")->isEnabled());
@@ -126,20 +125,19 @@ TEST_P(Printing, AllPagesToFileGiveOneSheetPerViewAndRestoreTheView) {
     EXPECT_EQ(text.find("<PAGES> 6 <and> 7") != std::string::npos, GetParam() == iBigEightPages) << text;
 }
 
-TEST_P(Printing, CancelledChoicesAndUnwritableFilesPrintNothing) {
+// Cancelled choices and unwritable files print nothing.
+TEST_P(Printing, OptionsDialogDrivesThePrintingAndEnterOnTheFocusedPrintRunsIt) {
     setup.cancel = true;
     EXPECT_FALSE(printPreview(*preview, true, false));
-    chooser.file.clear();
-    EXPECT_FALSE(printPreview(*preview, true, true));
-    chooser.file = QString::fromStdString((dir / "missing" / "map.pdf").string());
-    EXPECT_FALSE(printPreview(*preview, true, true));
+    setup.cancel = false;
+    for (const QString& file : {QString(), QString::fromStdString((dir / "missing" / "map.pdf").string())}) {
+        chooser.file = file;
+        EXPECT_FALSE(printPreview(*preview, true, true)) << file.toStdString();
+    }
     answerPrintOptions(false, false, true);
     preview->findChild<QPushButton*>("cmdPrint")->click();
-    EXPECT_EQ(preview->viewIndex(), 0);
     EXPECT_FALSE(std::filesystem::exists(dir / "printed.pdf"));
-}
-
-TEST_P(Printing, OptionsDialogDrivesThePrintingAndEnterOnTheFocusedPrintRunsIt) {
+    chooser.file = QString::fromStdString((dir / "map.pdf").string());
     answerPrintOptions(true, true, false);
     preview->findChild<QPushButton*>("cmdPrint")->click();
     EXPECT_EQ(pdfPages(dir / "map.pdf"), views());
@@ -150,7 +148,7 @@ TEST_P(Printing, OptionsDialogDrivesThePrintingAndEnterOnTheFocusedPrintRunsIt) 
     setup.copies = 2;  // the current view, twice
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Enter);
     EXPECT_EQ(pdfPages(dir / "printed.pdf"), 2);
-    EXPECT_EQ(chooser.asked, 1);
+    EXPECT_EQ(chooser.asked, 3);
     EXPECT_TRUE(preview->isVisible());
 }
 
