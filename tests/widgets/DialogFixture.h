@@ -47,11 +47,9 @@ struct DialogFixture {
     // Opens dialog D on the document, as the control does, and shows it.
     template <class D, class... Args>
     D& open(Args&&... args) {
-        auto dialog = std::make_unique<D>(doc, std::forward<Args>(args)...);
-        D& result = *dialog;
-        form = std::move(dialog);
+        form = std::make_unique<D>(doc, std::forward<Args>(args)...);
         form->show();
-        return result;
+        return static_cast<D&>(*form);
     }
     template <class T = QWidget>
     T* child(const QString& name) const {
@@ -66,9 +64,8 @@ struct DialogFixture {
     }
     QString text(const QString& box) const { return child<QLineEdit>(box)->text(); }
     void choose(const QString& combo, const QString& entry) const {
-        QComboBox* c = child<QComboBox>(combo);
-        EXPECT_GE(c->findText(entry), 0) << combo.toStdString() << " has no " << entry.toStdString();
-        c->setCurrentIndex(c->findText(entry));
+        EXPECT_GE(child<QComboBox>(combo)->findText(entry), 0) << combo.toStdString() << " has no " << entry.toStdString();
+        child<QComboBox>(combo)->setCurrentIndex(child<QComboBox>(combo)->findText(entry));
     }
     // Clicks a row of the field grid, as the operator picks a field.
     void clickField(int row, Qt::KeyboardModifiers modifiers = {}) const {

@@ -33,7 +33,6 @@ struct Dialog : DialogFixture {
     QRadioButton* chip(int i) const { return child<QRadioButton>(QStringLiteral("optChipType(%1)").arg(i)); }
     QLineEdit* bound(int page) const { return child<QLineEdit>(QStringLiteral("txtBoundary(%1)").arg(page)); }
     bool boundaryTab() const { return child<QTabWidget>("tabIClass")->isTabEnabled(1); }
-    bool checked(const char* name) const { return child<QCheckBox>(name)->isChecked(); }
 };
 
 // Items get a light colour: every channel from 127 to 227.
@@ -279,12 +278,11 @@ TEST(Properties, TheCardFillsTheControls) {
         SCOPED_TRACE(c.chip);
         Dialog d(c.items);
         frmProperties& p = d.properties(c.chip, c.hid, c.bitwise, c.chip == iBigEightPages ? "5|6|7|8|9|10|11|12" : "");
-        EXPECT_EQ(d.chip(1)->isChecked(), c.chip != iSmallOnePage);
-        EXPECT_EQ(d.chip(0)->isChecked(), c.chip == iSmallOnePage);
-        EXPECT_EQ(d.child<QComboBox>("cboMemoryType")->isEnabled(), c.memoryEnabled);
-        EXPECT_EQ(d.chip(0)->isEnabled(), !c.chipLocked);
-        EXPECT_EQ(d.boundaryTab(), c.tabEnabled);
-        EXPECT_EQ(std::make_pair(d.checked("chkICHID"), d.checked("chkICBitwise")), std::make_pair(c.hid, c.bitwise));
+        EXPECT_EQ(std::make_tuple(d.chip(0)->isChecked(), d.chip(1)->isChecked(), d.chip(0)->isEnabled()),
+                  std::make_tuple(c.chip == iSmallOnePage, c.chip != iSmallOnePage, !c.chipLocked));
+        EXPECT_EQ(std::make_pair(d.child<QComboBox>("cboMemoryType")->isEnabled(), d.boundaryTab()), std::make_pair(c.memoryEnabled, c.tabEnabled));
+        EXPECT_EQ(std::make_pair(d.child<QCheckBox>("chkICHID")->isChecked(), d.child<QCheckBox>("chkICBitwise")->isChecked()),
+                  std::make_pair(c.hid, c.bitwise));
         EXPECT_EQ(d.bound(7)->text(), c.chip == iBigEightPages ? "12" : "18");
         d.click("chkICBitwise");
         d.click("cmdCancel");  // changes nothing
@@ -296,8 +294,7 @@ TEST(Properties, OkWritesTheControlsBackAfterTheChipTypeDrivesMemoryListAndBound
     Dialog d;
     frmProperties& p = d.properties(iSmallOnePage, true, false);
     d.chip(1)->click();
-    EXPECT_TRUE(d.child<QComboBox>("cboMemoryType")->isEnabled());
-    EXPECT_FALSE(d.boundaryTab());
+    EXPECT_EQ(std::make_pair(d.child<QComboBox>("cboMemoryType")->isEnabled(), d.boundaryTab()), std::make_pair(true, false));
     d.child<QComboBox>("cboMemoryType")->setCurrentIndex(1);
     EXPECT_TRUE(d.boundaryTab());
     d.click("chkICHID");
@@ -312,8 +309,7 @@ TEST(Properties, OkWritesTheControlsBackAfterTheChipTypeDrivesMemoryListAndBound
     for (int page = 0; page < 8; ++page) bounds.push_back(p.Card->GetBoundary(page));
     EXPECT_EQ(bounds, (std::vector<int>{5, 18, 18, 20, 18, 18, 18, 31}));
     d.chip(0)->click();
-    EXPECT_FALSE(d.child<QComboBox>("cboMemoryType")->isEnabled());
-    EXPECT_FALSE(d.boundaryTab());
+    EXPECT_EQ(std::make_pair(d.child<QComboBox>("cboMemoryType")->isEnabled(), d.boundaryTab()), std::make_pair(false, false));
 }
 
 // A boundary that cuts an item refuses OK with both warnings in turn and writes nothing back;
@@ -325,15 +321,11 @@ TEST(Properties, OkIsRefusedWhileABoundaryCutsAnItemAndClosingSkipsTheChecks) {
     d.click("cmdOK");
     EXPECT_EQ(d.messageTexts(), (std::vector<std::string>{"T4610\r\nT4611", "T4643\r\nT4644"}));
     EXPECT_EQ(d.prompter.messages.front().icon, Icon::Exclamation);
-    EXPECT_TRUE(p.isVisible());
-    EXPECT_TRUE(p.Unchanged);
-    EXPECT_EQ(p.Card->GetBoundary(0), 18);
+    EXPECT_EQ(std::make_tuple(p.isVisible(), p.Unchanged, p.Card->GetBoundary(0)), std::make_tuple(true, true, 18));
     d.click("chkICBitwise");
     p.close();
     EXPECT_EQ(d.prompter.messages.size(), 2u);
-    EXPECT_FALSE(p.Cancelled);
-    EXPECT_TRUE(p.Card->EnableBitwise());
-    EXPECT_EQ(p.Card->GetBoundary(0), 11);
+    EXPECT_EQ(std::make_tuple(p.Cancelled, p.Card->EnableBitwise(), p.Card->GetBoundary(0)), std::make_tuple(false, true, 11));
 }
 
 ItemRecord update(std::string dbField, int16_t column, std::string word, std::string p1, std::string p2 = {}) {

@@ -59,27 +59,6 @@ int pdfPages(const std::filesystem::path& pdf) {
     return info.find("Pages:") == std::string::npos ? -1 : std::stoi(info.substr(info.find("Pages:") + 6));
 }
 
-class GivenFile : public FileChooser {
-public:
-    QString saveFileName(QWidget*, const QString&, const QString&, const QString&) override { return ++asked, file; }
-    QString file;
-    int asked = 0;
-};
-
-// Stands in for the system print dialog: prints to a PDF with the chosen copies.
-class PdfPrinterSetup : public PrintSetup {
-public:
-    bool setUp(QPrinter& printer, QWidget*) override {
-        printer.setOutputFormat(QPrinter::PdfFormat);
-        printer.setOutputFileName(file);
-        printer.setCopyCount(copies);
-        return !cancel;
-    }
-    QString file;
-    int copies = 1;
-    bool cancel = false;
-};
-
 // Answers the modal print options with the given choices once they are shown.
 void answerPrintOptions(bool toFile, bool allPages, bool cancel) {
     QTimer::singleShot(0, [=] {
@@ -92,15 +71,21 @@ void answerPrintOptions(bool toFile, bool allPages, bool cancel) {
     });
 }
 
-class Printing : public ::testing::TestWithParam<IClassType> {
+// The print seams: the file chooser names a PDF, the system print dialog is a PDF printer.
+class Printing : public ::testing::TestWithParam<IClassType>, public FileChooser, public PrintSetup {
 protected:
     void SetUp() override {
         card.setChipSize(GetParam());
         records.add(field("Name", 0, 19, 0, 16));
-        chooser.file = QString::fromStdString((dir / "map.pdf").string());
-        setup.file = QString::fromStdString((dir / "printed.pdf").string());
-        preview = std::make_unique<frmPreview>(card, records, tr, "C:/layouts/Staff.IIF", PrintServices{&setup, &chooser});
+        preview = std::make_unique<frmPreview>(card, records, tr, "C:/layouts/Staff.IIF", PrintServices{this, this});
         preview->adjustSize();
+    }
+    QString saveFileName(QWidget*, const QString&, const QString&, const QString&) override { return ++asked, file; }
+    bool setUp(QPrinter& printer, QWidget*) override {
+        printer.setOutputFormat(QPrinter::PdfFormat);
+        printer.setOutputFileName(QString::fromStdString((dir / "printed.pdf").string()));
+        printer.setCopyCount(copies);
+        return !cancel;
     }
     int views() const { return GetParam() == iSmallOnePage ? 1 : 4; }
 
@@ -108,18 +93,19 @@ protected:
     CIClass card;
     RecordArray records;
     const Translator tr;
-    GivenFile chooser;
-    PdfPrinterSetup setup;
     std::unique_ptr<frmPreview> preview;
+    QString file = QString::fromStdString((dir / "map.pdf").string());  // the chooser's answer
+    int asked = 0, copies = 1;
+    bool cancel = false;  // the print dialog's answer
 };
 
 TEST_P(Printing, AllPagesToFileGiveOneSheetPerViewAndRestoreTheView) {
     if (views() > 1) preview->showNext();
     ASSERT_TRUE(printPreview(*preview, true, true));
-    EXPECT_EQ(chooser.asked, 1);
+    EXPECT_EQ(asked, 1);
     EXPECT_EQ(pdfPages(dir / "map.pdf"), views());
     EXPECT_EQ(preview->viewIndex(), views() > 1 ? 1 : 0);
-    const std::string text = run("pdftotext", {"-layout", chooser.file, "-"});
+    const std::string text = run("pdftotext", {"-layout", file, "-"});
     EXPECT_NE(text.find("<Filename>: C:/layouts/Staff.IIF; <Date>: "), std::string::npos) << text;
     EXPECT_NE(text.find("; <Time>: "), std::string::npos);
     EXPECT_EQ(text.find("<PAGES> 6 <and> 7") != std::string::npos, GetParam() == iBigEightPages) << text;
@@ -127,17 +113,17 @@ TEST_P(Printing, AllPagesToFileGiveOneSheetPerViewAndRestoreTheView) {
 
 // Cancelled choices and unwritable files print nothing.
 TEST_P(Printing, OptionsDialogDrivesThePrintingAndEnterOnTheFocusedPrintRunsIt) {
-    setup.cancel = true;
+    cancel = true;
     EXPECT_FALSE(printPreview(*preview, true, false));
-    setup.cancel = false;
-    for (const QString& file : {QString(), QString::fromStdString((dir / "missing" / "map.pdf").string())}) {
-        chooser.file = file;
-        EXPECT_FALSE(printPreview(*preview, true, true)) << file.toStdString();
+    cancel = false;
+    for (const QString& unwritable : {QString(), QString::fromStdString((dir / "missing" / "map.pdf").string())}) {
+        file = unwritable;
+        EXPECT_FALSE(printPreview(*preview, true, true)) << unwritable.toStdString();
     }
     answerPrintOptions(false, false, true);
     preview->findChild<QPushButton*>("cmdPrint")->click();
     EXPECT_FALSE(std::filesystem::exists(dir / "printed.pdf"));
-    chooser.file = QString::fromStdString((dir / "map.pdf").string());
+    file = QString::fromStdString((dir / "map.pdf").string());
     answerPrintOptions(true, true, false);
     preview->findChild<QPushButton*>("cmdPrint")->click();
     EXPECT_EQ(pdfPages(dir / "map.pdf"), views());
@@ -145,10 +131,10 @@ TEST_P(Printing, OptionsDialogDrivesThePrintingAndEnterOnTheFocusedPrintRunsIt) 
     ASSERT_TRUE(QTest::qWaitForWindowActive(preview.get()));
     preview->findChild<QPushButton*>("cmdPrint")->setFocus();
     answerPrintOptions(false, false, false);
-    setup.copies = 2;  // the current view, twice
+    copies = 2;  // the current view, twice
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Enter);
     EXPECT_EQ(pdfPages(dir / "printed.pdf"), 2);
-    EXPECT_EQ(chooser.asked, 3);
+    EXPECT_EQ(asked, 3);
     EXPECT_TRUE(preview->isVisible());
 }
 
