@@ -75,14 +75,12 @@ struct DialogFixture {
     // Moves the keyboard focus out of a box the way Tab does; a box that still has the focus
     // afterwards has taken it back.
     void leave(const QString& box) const {
-        QLineEdit* e = child<QLineEdit>(box);
-        QWidget* elsewhere = form->findChild<QComboBox*>("cboPage");
-        if (!elsewhere) elsewhere = child<QTableWidget>("grdFields");
-        if (!e->hasFocus()) {
+        if (!child<QLineEdit>(box)->hasFocus()) {
             QFocusEvent out(QEvent::FocusOut, Qt::TabFocusReason);
-            QApplication::sendEvent(e, &out);
+            QApplication::sendEvent(child<QLineEdit>(box), &out);
         }
-        elsewhere->setFocus(Qt::TabFocusReason);
+        QWidget* pageList = form->findChild<QWidget*>("cboPage");  // the update dialog has none
+        (pageList ? pageList : child("grdFields"))->setFocus(Qt::TabFocusReason);
         QApplication::processEvents();
     }
     // Chooses place and size: block, begin byte and the size text.

@@ -152,12 +152,11 @@ TEST(PagePainter, GridShowsThePageMapCellByCellAndReusesItsCells) {
         ASSERT_EQ(g->rowCount(), map.rows());
         for (int row = 0; row < map.rows(); ++row)
             for (int column = 0; column < map.columns(); ++column) {
-                SCOPED_TRACE(testing::Message() << page << ": " << row << "," << column);
                 const QTableWidgetItem* cell = g->item(row, column);
-                EXPECT_EQ(cell->text().toStdString(), map.textAt(row, column));
-                EXPECT_EQ(std::make_pair(cell->background().color(), cell->foreground().color()),
-                          std::make_pair(memoryMapColor(map.at(row, column).background), memoryMapColor(map.at(row, column).foreground)));
-                EXPECT_EQ(g->columnSpan(row, column), map.columnSpan(row, column));
+                EXPECT_EQ(std::make_tuple(cell->text().toStdString(), cell->background().color(), cell->foreground().color(), g->columnSpan(row, column)),
+                          std::make_tuple(map.textAt(row, column), memoryMapColor(map.at(row, column).background),
+                                          memoryMapColor(map.at(row, column).foreground), map.columnSpan(row, column)))
+                    << page << ": " << row << "," << column;
             }
     }
     EXPECT_EQ(g->item(11, 4)->background().color(), QColor(255, 128, 192));
