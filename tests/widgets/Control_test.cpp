@@ -189,9 +189,8 @@ TEST(IClassSession, AHostMakesEditsSavesClosesAndReopensALayoutByMemberName) {
         host.call("AddField");
         EXPECT_EQ(host.events, kRefresh);
     }
-    EXPECT_EQ(host.dialogs, (std::vector<QString>{"frmEditiClass", "frmEditiClass"}));
-    EXPECT_EQ(std::make_pair(host.cell("grdItems", 0, 1), host.cell("grdItems", 1, 4)), std::make_pair(QString("NAME"), QString("25")));
-    EXPECT_FALSE(host.get("Saved").toBool());
+    EXPECT_EQ(std::make_tuple(host.dialogs, host.cell("grdItems", 0, 1), host.cell("grdItems", 1, 4), host.get("Saved").toBool()),
+              std::make_tuple(std::vector<QString>{"frmEditiClass", "frmEditiClass"}, QString("NAME"), QString("25"), false));
     host.grid("grdItems")->setCurrentIndex(host.grid("grdItems")->model()->index(1, 1));
     QString block;
     host.onDialog = [&](QDialog& d) { return block = d.findChild<QComboBox*>("cboRow")->currentText(), int(QDialog::Rejected); };
@@ -206,22 +205,19 @@ TEST(IClassSession, AHostMakesEditsSavesClosesAndReopensALayoutByMemberName) {
     EXPECT_TRUE(host.callFor<bool>("SaveiClassAs"));
     EXPECT_EQ(host.chosen, QStringList({"T3122", host.path(""), "Lumisk (*.IIF);;T3121 (*.*)"}));
     EXPECT_EQ(host.messageTexts(), std::vector<std::string>{"T3123"});
-    EXPECT_EQ(host.get("LayoutFile").toString(), host.path("Staff.IIF"));
-    EXPECT_TRUE(host.get("Saved").toBool());
+    EXPECT_EQ(std::make_pair(host.get("LayoutFile").toString(), host.get("Saved").toBool()), std::make_pair(host.path("Staff.IIF"), true));
 
     host.prompter.messages.clear();
     EXPECT_TRUE(host.callFor<bool>("CloseLayout"));
     EXPECT_EQ(host.messageTexts(), std::vector<std::string>{"T3124"});
-    EXPECT_EQ(std::make_pair(host.cell("grdItems", 0, 1), host.grid("grdItems")->model()->rowCount()), std::make_pair(QString(), 1));
-    EXPECT_FALSE(host.get("CLessLayoutEntered").toBool());
-    EXPECT_FALSE(host.get("Saved").toBool());
-    EXPECT_EQ(host.get("LayoutFile").toString(), "");
+    EXPECT_EQ(std::make_tuple(host.cell("grdItems", 0, 1), host.grid("grdItems")->model()->rowCount(), host.get("CLessLayoutEntered").toBool(),
+                              host.get("Saved").toBool(), host.get("LayoutFile").toString()),
+              std::make_tuple(QString(), 1, false, false, QString()));
 
     host.events.clear();
     EXPECT_TRUE(host.callFor<bool>("OpenLayout", host.path("Staff.IIF")));
-    EXPECT_EQ(std::make_pair(host.cell("grdItems", 0, 1), host.cell("grdItems", 0, 4)), std::make_pair(QString("NAME"), QString("20")));
-    EXPECT_TRUE(host.get("Saved").toBool());
-    EXPECT_EQ(host.events, kRefresh);
+    EXPECT_EQ(std::make_tuple(host.cell("grdItems", 0, 1), host.cell("grdItems", 0, 4), host.get("Saved").toBool(), host.events),
+              std::make_tuple(QString("NAME"), QString("20"), true, kRefresh));
 }
 
 // SaveLayout asks for a name in the encode folder the first time; a new layout uses the HID area
@@ -291,9 +287,8 @@ TEST(IClassCommands, PropertiesConfirmedOnANewLayoutAreOneChange) {
     };
     host.onDialog = confirmBitwise;  // Cancel: nullptr
     host.call("NewLayout", true);
-    EXPECT_EQ(host.dialogs, std::vector<QString>{"frmProperties"});
-    EXPECT_EQ(host.events, kRefresh);
-    EXPECT_TRUE(host.get("UseBit").toBool());
+    EXPECT_EQ(std::make_tuple(host.dialogs, host.events, host.get("UseBit").toBool()),
+              std::make_tuple(std::vector<QString>{"frmProperties"}, kRefresh, true));
     host.events.clear();
     host.onDialog = nullptr;
     host.call("SetProperties");
@@ -337,13 +332,11 @@ TEST(DesignerPlugin, CreatesTheControlInDesignMode) {
     QPluginLoader loader(KESTRIN_DESIGNER_PLUGIN);
     auto* plugin = qobject_cast<QDesignerCustomWidgetInterface*>(loader.instance());
     ASSERT_NE(plugin, nullptr) << loader.errorString().toStdString();
-    EXPECT_EQ(plugin->name(), "kestrin::IClass");
-    EXPECT_TRUE(plugin->domXml().contains("kestrin::IClass"));
+    EXPECT_TRUE(plugin->name() == "kestrin::IClass" && plugin->domXml().contains("kestrin::IClass"));
     std::unique_ptr<QWidget> control(plugin->createWidget(nullptr));
     ASSERT_NE(control, nullptr);
     control->show();
-    EXPECT_TRUE(control->findChild<QWidget*>("imgIClass")->isVisible());
-    EXPECT_FALSE(control->findChild<QWidget*>("grdItems")->isVisible());
+    EXPECT_TRUE(control->findChild<QWidget*>("imgIClass")->isVisible() && !control->findChild<QWidget*>("grdItems")->isVisible());
 }
 #endif
 

@@ -89,9 +89,6 @@ struct DialogFixture {
         choose("cboBeginByte", QString::number(byte));
         type("txtNrBytes", size);
     }
-    void typeAll(const std::vector<std::pair<const char*, const char*>>& boxes) const {
-        for (const auto& [box, typed] : boxes) type(box, typed);
-    }
     void activate() const {
         form->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(form.get()));
