@@ -3,32 +3,23 @@
 // blocks 19 to 31 unless told), three host fields, a catalog whose texts read "T<number>" so a
 // test sees which text was shown, a recording prompter, and helpers that drive the real
 // controls by their names.
-#include <QAbstractButton>
-#include <QApplication>
-#include <QComboBox>
-#include <QLineEdit>
-#include <QTableWidget>
-#include <QTest>
+#include <QtTest>
+#include <QtWidgets>
 #include <gtest/gtest.h>
-#include <memory>
-#include <string>
-#include <vector>
 
 #include "card/CIClass.h"
 #include "document/LayoutDocument.h"
+#include "preview/PagePainter.h"
 #include "support/Records.h"
 #include "support/TestSupport.h"
 #include "text/CatalogRegistry.h"
 
 namespace kestrin::test {
 
-// Every message and caption id the dialog tests look for.
-inline std::string dialogCatalog() {
-    std::string lines;
-    for (int id : {3158, 3160, 3162, 3163, 3164, 3165, 3166, 3189, 3190, 3194, 3288, 4536, 4600, 4601, 4602, 4609,
-                   4610, 4611, 4643, 4644})
-        lines += std::to_string(id) + "=T" + std::to_string(id) + "\n";
-    return lines;
+inline std::vector<std::string> texts(const RecordingPrompter& prompter) {
+    std::vector<std::string> shown;
+    for (const auto& m : prompter.messages) shown.push_back(m.text);
+    return shown;
 }
 
 struct DialogFixture {
@@ -39,7 +30,9 @@ struct DialogFixture {
     std::unique_ptr<QWidget> form;
 
     explicit DialogFixture(std::vector<ItemRecord> items = {}, IClassType chip = iSmallOnePage) {
-        writeBytes(dir / "lang.txt", dialogCatalog());
+        std::string catalog;
+        for (int id : {3166, 3189, 4600, 4610, 4611, 4643, 4644}) catalog += std::to_string(id) + "=T" + std::to_string(id) + "\n";
+        writeBytes(dir / "lang.txt", catalog);
         doc.translator().setLanguageDLL(registry.open(dir / "lang.txt"));
         doc.fields().setFields({{"Surname", "NAME", "Character", 20, 0, true},
                                 {"Number", "NUMBER", "Number", 6, 1, true},
@@ -54,14 +47,11 @@ struct DialogFixture {
     // Opens dialog D on the document, as the control does, and shows it.
     template <class D, class... Args>
     D& open(Args&&... args) {
-        auto dialog = std::make_unique<D>(doc, std::forward<Args>(args)...);
-        D& result = *dialog;
-        form = std::move(dialog);
+        form = std::make_unique<D>(doc, std::forward<Args>(args)...);
         form->show();
-        return result;
+        return static_cast<D&>(*form);
     }
-
-    template <class T>
+    template <class T = QWidget>
     T* child(const QString& name) const {
         T* w = form->findChild<T*>(name);
         EXPECT_NE(w, nullptr) << name.toStdString();
@@ -69,36 +59,28 @@ struct DialogFixture {
     }
     void click(const QString& name) const { child<QAbstractButton>(name)->click(); }
     void type(const QString& box, const QString& text) const {
-        QLineEdit* e = child<QLineEdit>(box);
-        e->clear();
-        QTest::keyClicks(e, text);
+        child<QLineEdit>(box)->clear();
+        QTest::keyClicks(child<QLineEdit>(box), text);
     }
     QString text(const QString& box) const { return child<QLineEdit>(box)->text(); }
     void choose(const QString& combo, const QString& entry) const {
-        QComboBox* c = child<QComboBox>(combo);
-        const int i = c->findText(entry);
-        EXPECT_GE(i, 0) << combo.toStdString() << " has no " << entry.toStdString();
-        c->setCurrentIndex(i);
+        EXPECT_GE(child<QComboBox>(combo)->findText(entry), 0) << combo.toStdString() << " has no " << entry.toStdString();
+        child<QComboBox>(combo)->setCurrentIndex(child<QComboBox>(combo)->findText(entry));
     }
     // Clicks a row of the field grid, as the operator picks a field.
     void clickField(int row, Qt::KeyboardModifiers modifiers = {}) const {
         QTableWidget* grid = child<QTableWidget>("grdFields");
-        const QRect cell = grid->visualItemRect(grid->item(row, 0));
-        QTest::mouseClick(grid->viewport(), Qt::LeftButton, modifiers, cell.center());
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, modifiers, grid->visualItemRect(grid->item(row, 0)).center());
     }
-    // Moves the keyboard focus out of a box the way Tab does, to the page list (or the field
-    // grid); a box that still has the focus afterwards has taken it back.
+    // Moves the keyboard focus out of a box the way Tab does; a box that still has the focus
+    // afterwards has taken it back.
     void leave(const QString& box) const {
-        QLineEdit* e = child<QLineEdit>(box);
-        QWidget* elsewhere = form->findChild<QComboBox*>("cboPage");
-        if (!elsewhere) elsewhere = child<QTableWidget>("grdFields");
-        if (e->hasFocus()) {
-            elsewhere->setFocus(Qt::TabFocusReason);
-        } else {
+        if (!child<QLineEdit>(box)->hasFocus()) {
             QFocusEvent out(QEvent::FocusOut, Qt::TabFocusReason);
-            QApplication::sendEvent(e, &out);
-            elsewhere->setFocus(Qt::TabFocusReason);
+            QApplication::sendEvent(child<QLineEdit>(box), &out);
         }
+        QWidget* pageList = form->findChild<QWidget*>("cboPage");  // the update dialog has none
+        (pageList ? pageList : child("grdFields"))->setFocus(Qt::TabFocusReason);
         QApplication::processEvents();
     }
     // Chooses place and size: block, begin byte and the size text.
@@ -107,12 +89,14 @@ struct DialogFixture {
         choose("cboBeginByte", QString::number(byte));
         type("txtNrBytes", size);
     }
-    const RecordArray& records() const { return doc.records(); }
-    std::vector<std::string> messageTexts() const {
-        std::vector<std::string> texts;
-        for (const auto& m : prompter.messages) texts.push_back(m.text);
-        return texts;
+    void activate() const {
+        form->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(form.get()));
     }
+    bool applyEnabled() const { return child<QPushButton>("cmdApply")->isEnabled(); }
+    QColor mapColour(int row, int column) const { return child<QTableWidget>("grdPreview")->item(row, column)->background().color(); }
+    const RecordArray& records() const { return doc.records(); }
+    std::vector<std::string> messageTexts() const { return texts(prompter); }
 };
 
 }  // namespace kestrin::test

@@ -1,0 +1,344 @@
+// The control as a host meets it: its automation members by name, its events, the message
+// boxes answered through the prompter, the dialogs it runs, the grids, and the Designer plugin.
+#include "DialogFixture.h"
+#include "base/ProductInfo.h"
+#include "control/IClass.h"
+#include "persist/ProfileDocument.h"
+#include "preview/PrintServices.h"
+
+#ifdef KESTRIN_DESIGNER_PLUGIN
+#include <QtUiPlugin/QDesignerCustomWidgetInterface>
+#endif
+
+namespace kestrin::test {
+namespace {
+
+// A host that reaches the control only through the meta-object by member name, answers message
+// boxes through a recording prompter and the save dialog through a recording file chooser, and
+// drives every modal dialog through the control's dialog runner. Texts read "T<id>".
+struct Host : FileChooser {
+    QString saveFileName(QWidget*, const QString& title, const QString& folder, const QString& filter) override {
+        chosen << title << folder << filter;
+        return answer;
+    }
+    QString answer;      // the save dialog's answer; empty: the operator cancels
+    QStringList chosen;  // title, folder and filter of each save dialog
+    TempDir dir;
+    CatalogRegistry registry;
+    RecordingPrompter prompter{Answer::Yes};
+    IClass control;
+    std::vector<QString> dialogs;           // object names of the dialogs run, in order
+    std::function<int(QDialog&)> onDialog;  // what the operator does; none: cancel
+    std::vector<QString> events;            // Changed / GenericEvent in the order raised
+
+    Host() {
+        control.setPrompter(&prompter);
+        control.setFileChooser(this);
+        control.setCatalogRegistry(&registry);
+        control.setDialogRunner([this](QDialog& d) { return dialogs.push_back(d.objectName()), onDialog ? onDialog(d) : (d.reject(), int(QDialog::Rejected)); });
+        QObject::connect(&control, &IClass::Changed, [this] { events.push_back("Changed"); });
+        QObject::connect(&control, &IClass::GenericEvent,
+                         [this](const QString& name, const QString& params) { events.push_back("GenericEvent " + name + " " + params); });
+        writeBytes(dir / "texts.txt", "3104=T3104\n3105=T3105\n3121=T3121\n3122=T3122\n3123=T3123\n3124=T3124\n");
+        set("LanguageDLL", registry.open(dir / "texts.txt"));
+        writeBytes(dir / "Project.ini", crlf({"[DATABASE]", "NUMCOLUMNS=2", "[COLUMN1]", "DbFIELD=NAME", "NAME=Surname",
+                                              "FIELDTYPE=Character", "FIELDSIZE=20", "[COLUMN2]", "DbFIELD=NUMBER",
+                                              "NAME=Number", "FIELDTYPE=Number", "FIELDSIZE=6"}));
+    }
+    QString path(const std::string& name) const { return QString::fromStdString((dir / name).string()); }
+    void set(const char* name, const QVariant& value) { EXPECT_TRUE(control.setProperty(name, value)) << name; }
+    QVariant get(const char* name) const { return control.property(name); }
+    template <class... A>
+    void call(const char* member, A... args) {
+        EXPECT_TRUE(QMetaObject::invokeMethod(&control, member, QArgument<A>(QMetaType::fromType<A>().name(), args)...)) << member;
+    }
+    template <class R, class... A>
+    R callFor(const char* member, A... args) {
+        R result{};
+        EXPECT_TRUE(QMetaObject::invokeMethod(&control, member, QReturnArgument<R>(QMetaType::fromType<R>().name(), result),
+                                              QArgument<A>(QMetaType::fromType<A>().name(), args)...)) << member;
+        return result;
+    }
+    // The start a host makes: its settings, a new layout, the project's fields.
+    void startLayout() {
+        set("ProjectFile", path("Project.ini"));
+        set("EncodePath", path(""));
+        call("NewLayout", false);
+        EXPECT_TRUE(callFor<bool>("FetchDBFields"));
+    }
+    QTableView* grid(const char* name) const { return control.findChild<QTableView*>(name); }
+    QString cell(const char* gridName, int row, int column) const { return grid(gridName)->model()->index(row, column).data().toString(); }
+    std::vector<std::string> messageTexts() const { return texts(prompter); }
+};
+
+// Adds the first database field through the item editor as the operator would: at the given
+// block, begin byte 0, the given size, Apply and OK.
+int addFieldInEditor(QDialog& dialog, int block, int bytes) {
+    dialog.show();
+    auto* fields = dialog.findChild<QTableWidget*>("grdFields");
+    QTest::mouseClick(fields->viewport(), Qt::LeftButton, {}, fields->visualItemRect(fields->item(0, 0)).center());
+    for (const auto& [name, value] : {std::pair{"cboRow", block}, {"cboBeginByte", 0}})
+        dialog.findChild<QComboBox*>(name)->setCurrentText(QString::number(value));
+    dialog.findChild<QLineEdit*>("txtNrBytes")->clear();
+    QTest::keyClicks(dialog.findChild<QLineEdit*>("txtNrBytes"), QString::number(bytes));
+    dialog.findChild<QPushButton*>("cmdApply")->click();
+    dialog.findChild<QPushButton*>("cmdOK")->click();
+    return dialog.result();
+}
+
+const std::vector<QString> kRefresh = {"Changed", "GenericEvent Hallo xyz"};
+
+// What an ActiveX server makes of the meta-object: from the class named by ToSuperClass on,
+// exactly these properties and methods in their order, and three events.
+TEST(IClassInterface, TheAutomationSurfaceHoldsTheMembersInOrderAndNothingElse) {
+    const QMetaObject& mo = IClass::staticMetaObject;
+    auto info = [&](const char* name) { return QString::fromLatin1(mo.classInfo(mo.indexOfClassInfo(name)).value()); };
+    EXPECT_EQ(info("ToSuperClass"), QString::fromLatin1(mo.className()));
+    const QRegularExpression guid("^\\{[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}\\}$");
+    for (const char* id : {"ClassID", "InterfaceID", "EventsID"}) EXPECT_TRUE(guid.match(info(id)).hasMatch()) << id;
+    const std::tuple<std::string, int, bool> properties[] = {  // name, type, writable
+        {"ProjectFile", QMetaType::QString, true},
+        {"IifDirectory", QMetaType::QString, true},
+        {"PellmarkINI", QMetaType::QString, true},
+        {"CLessLayoutEntered", QMetaType::Bool, true},
+        {"UseBit", QMetaType::Bool, true},
+        {"UseHID", QMetaType::Bool, true},
+        {"LayoutFile", QMetaType::QString, false},
+        {"EncodePath", QMetaType::QString, true},
+        {"Saved", QMetaType::Bool, false},
+        {"LanguageDLL", QMetaType::Int, true},
+        {"CustomLanguageDLL", QMetaType::Int, true},
+        {"AppName", QMetaType::QString, true},
+        {"SelectedGrid", QMetaType::QString, false},
+    };
+    ASSERT_EQ(mo.propertyCount() - mo.propertyOffset(), static_cast<int>(std::size(properties)));
+    for (int i = 0; i < static_cast<int>(std::size(properties)); ++i) {
+        const QMetaProperty p = mo.property(mo.propertyOffset() + i);
+        EXPECT_EQ(std::make_tuple(std::string(p.name()), p.typeId(), p.isWritable()), properties[i]);
+    }
+    const QStringList methods = {"SetChipType", "SetAppBoundaries", "AddField", "AddFunction", "AddBitField", "AddBitFunction",
+                                 "AddDBUpdateItem", "RemoveItem", "ShowPreview", "NewLayout", "SetProperties", "SaveLayout",
+                                 "SaveiClassAs", "OpenLayout", "CloseLayout", "FetchDBFields", "AddItemOverMultipleTracks",
+                                 "RemoveDBUpdateItem", "ShowAbout", "ShowSettings", "EditItem", "CallGenericFunction",
+                                 "SetPropertyValue", "GetPropertyValue", "SetObjectProperty", "GetObjectProperty"};
+    QStringList declared, signalNames;
+    for (int i = mo.methodOffset(); i < mo.methodCount(); ++i) {
+        const QMetaMethod m = mo.method(i);
+        QStringList& list = m.methodType() == QMetaMethod::Signal ? signalNames : declared;
+        if (m.methodType() != QMetaMethod::Slot && (list.isEmpty() || list.back() != m.name())) list << m.name();
+    }
+    EXPECT_EQ(declared, methods);  // the clone moc makes for a default argument counts once
+    EXPECT_EQ(signalNames, QStringList({"Changed", "GenericEvent", "exception"}));
+    EXPECT_EQ(mo.method(mo.indexOfSignal("exception(int,QString,QString,QString)")).parameterNames(),
+              (QList<QByteArray>{"code", "source", "description", "help"}));
+    const QMetaEnum chip = mo.enumerator(mo.indexOfEnumerator("IClassType"));
+    EXPECT_EQ(std::vector<int>({chip.keyToValue("iSmallOnePage"), chip.keyToValue("iBigOnePage"), chip.keyToValue("iBigEightPages")}),
+              std::vector<int>({0, 1, 2}));
+    EXPECT_EQ(mo.method(mo.indexOfMethod("SaveLayout()")).returnType(), QMetaType::QVariant);
+    EXPECT_EQ(mo.method(mo.indexOfMethod("OpenLayout(QString)")).parameterNames(), QList<QByteArray>{"sFileName"});
+}
+
+// No C++ exception leaves a member: a raised error reaches the host through the exception
+// signal before the member returns.
+TEST(IClassInterface, RaisedErrorsArriveThroughTheExceptionSignal) {
+    Host host;
+    QStringList errors;
+    QObject::connect(&host.control, &IClass::exception,
+                     [&](int code, const QString& source, const QString& text) { errors << QStringLiteral("%1 %2: %3").arg(code).arg(source, text); });
+    EXPECT_FALSE(host.callFor<bool>("OpenLayout", QString()));
+    EXPECT_FALSE(host.callFor<bool>("OpenLayout", host.path("Missing.IIF")));
+    host.call("NewLayout", false);
+    host.call("SetAppBoundaries", QString("10|11|12|13|14|15|16|17"));  // a one-page card takes none
+    ASSERT_EQ(errors.size(), 3);
+    EXPECT_EQ(errors.mid(0, 2), QStringList({"52 iClass UserControl: No filename given.", "53 iClass UserControl: File doesn't exist"}));
+    EXPECT_TRUE(errors[2].startsWith("9 ")) << errors[2].toStdString();
+}
+
+// The probe name "1" does nothing; any other name tells, under the host's name, that the
+// control is out of date (the host script checks the whole text).
+TEST(IClassBridge, TheProbeNameDoesNothingAndAnyOtherNameTellsTheControlIsOutOfDate) {
+    const std::function<void(Host&, const QString&)> calls[] = {
+        [](Host& h, const QString& n) { h.call("CallGenericFunction", n, QString("a;b")); },
+        [](Host& h, const QString& n) { h.call("CallGenericFunction", n); },
+        [](Host& h, const QString& n) { h.call("SetPropertyValue", n, QString("v")); },
+        [](Host& h, const QString& n) { EXPECT_EQ(h.callFor<QString>("GetPropertyValue", n), ""); },
+        [](Host& h, const QString& n) { h.call("SetObjectProperty", n, static_cast<QObject*>(&h.control)); },
+        [](Host& h, const QString& n) { EXPECT_EQ(h.callFor<QObject*>("GetObjectProperty", n), nullptr); },
+    };
+    for (const auto& call : calls) {
+        Host host;
+        host.set("AppName", "Badge host");
+        call(host, "1");
+        EXPECT_TRUE(host.prompter.messages.empty());
+        call(host, "Export");
+        ASSERT_EQ(host.prompter.messages.size(), 1u);
+        const auto& m = host.prompter.messages[0];
+        EXPECT_EQ(std::make_tuple(m.icon, m.question, m.title), std::make_tuple(Icon::Exclamation, false, std::string("Badge host")));
+        EXPECT_TRUE(m.text.ends_with(std::string(kProgramName) + ";\r\nCalled function is: Export.")) << m.text;
+        EXPECT_TRUE(host.events.empty());
+    }
+}
+
+// EditItem opens the editor on the current row; RemoveItem asks and removes it.
+TEST(IClassSession, AHostMakesEditsSavesClosesAndReopensALayoutByMemberName) {
+    Host host;
+    host.startLayout();
+    for (int block : {20, 25}) {
+        host.onDialog = [block](QDialog& d) { return addFieldInEditor(d, block, 4); };
+        host.events.clear();
+        host.call("AddField");
+        EXPECT_EQ(host.events, kRefresh);
+    }
+    EXPECT_EQ(std::make_tuple(host.dialogs, host.cell("grdItems", 0, 1), host.cell("grdItems", 1, 4), host.get("Saved").toBool()),
+              std::make_tuple(std::vector<QString>{"frmEditiClass", "frmEditiClass"}, QString("NAME"), QString("25"), false));
+    host.grid("grdItems")->setCurrentIndex(host.grid("grdItems")->model()->index(1, 1));
+    QString block;
+    host.onDialog = [&](QDialog& d) { return block = d.findChild<QComboBox*>("cboRow")->currentText(), int(QDialog::Rejected); };
+    host.call("EditItem");
+    EXPECT_EQ(block, "25");
+    host.call("RemoveItem");
+    EXPECT_EQ(host.messageTexts(), std::vector<std::string>{"T3104\r\nT3105"});
+    EXPECT_EQ(host.control.document().records().size(), 1);
+
+    host.prompter.messages.clear();
+    host.answer = host.path("Staff");
+    EXPECT_TRUE(host.callFor<bool>("SaveiClassAs"));
+    EXPECT_EQ(host.chosen, QStringList({"T3122", host.path(""), "Lumisk (*.IIF);;T3121 (*.*)"}));
+    EXPECT_EQ(host.messageTexts(), std::vector<std::string>{"T3123"});
+    EXPECT_EQ(std::make_pair(host.get("LayoutFile").toString(), host.get("Saved").toBool()), std::make_pair(host.path("Staff.IIF"), true));
+
+    host.prompter.messages.clear();
+    EXPECT_TRUE(host.callFor<bool>("CloseLayout"));
+    EXPECT_EQ(host.messageTexts(), std::vector<std::string>{"T3124"});
+    EXPECT_EQ(std::make_tuple(host.cell("grdItems", 0, 1), host.grid("grdItems")->model()->rowCount(), host.get("CLessLayoutEntered").toBool(),
+                              host.get("Saved").toBool(), host.get("LayoutFile").toString()),
+              std::make_tuple(QString(), 1, false, false, QString()));
+
+    host.events.clear();
+    EXPECT_TRUE(host.callFor<bool>("OpenLayout", host.path("Staff.IIF")));
+    EXPECT_EQ(std::make_tuple(host.cell("grdItems", 0, 1), host.cell("grdItems", 0, 4), host.get("Saved").toBool(), host.events),
+              std::make_tuple(QString("NAME"), QString("20"), true, kRefresh));
+}
+
+// SaveLayout asks for a name in the encode folder the first time; a new layout uses the HID area
+// and UseBit goes into the card.
+TEST(IClassSession, SaveLayoutUsesTheEncodePathAndANewLayoutSavesItsHidArea) {
+    Host host;
+    host.startLayout();
+    EXPECT_TRUE(host.get("UseHID").toBool());
+    std::filesystem::create_directories(host.dir / "encode");
+    host.set("EncodePath", host.path("encode"));
+    EXPECT_FALSE(host.callFor<QVariant>("SaveLayout").toBool());  // no name chosen: cancelled
+    host.answer = host.path("Card.IIF");
+    EXPECT_TRUE(host.callFor<QVariant>("SaveLayout").toBool());
+    EXPECT_EQ(host.chosen.mid(4), QStringList({host.path("encode"), host.chosen[2]}));
+    EXPECT_TRUE(std::filesystem::exists(host.dir / "encode" / "Card.CHP"));
+    EXPECT_EQ(ProfileDocument::parse(readBytes(host.dir / "Card.IIF")).getInt("CARDDESIGN", "UseHID", 0), 1);
+    host.set("UseBit", true);
+    EXPECT_TRUE(host.control.document().card()->EnableBitwise());
+}
+
+struct GateCase {
+    const char* member;
+    bool gated;          // does nothing until a layout is entered
+    const char *dialog;  // the dialog it opens, or the message it shows
+    const char* told;
+};
+
+// A dialog the operator cancels leaves the grids, the card and the saved mark as they were.
+TEST(IClassCommands, ItemDialogsOpenWhileALayoutIsEnteredAndACancelledOneChangesNothing) {
+    const GateCase cases[] = {
+        {"AddField", true, "frmEditiClass", ""},
+        {"AddFunction", true, "frmEditiClass", ""},
+        {"AddDBUpdateItem", true, "frmDBUpdate", ""},
+        {"EditItem", true, "frmEditiClass", ""},
+        {"AddItemOverMultipleTracks", false, "frmMultiTrack", ""},
+        {"ShowAbout", false, "frmAbout", ""},
+        {"AddBitField", false, "", "This function has not been implemented yet!"},
+        {"AddBitFunction", false, "", "This function has not been implemented yet!"},
+    };
+    for (const GateCase& c : cases) {
+        SCOPED_TRACE(c.member);
+        const std::vector<QString> opened = *c.dialog ? std::vector<QString>{c.dialog} : std::vector<QString>{};
+        Host host;
+        host.call(c.member);
+        EXPECT_EQ(host.dialogs, c.gated ? std::vector<QString>{} : opened);
+        Host saved;
+        saved.startLayout();
+        saved.answer = saved.path("Saved.IIF");
+        ASSERT_TRUE(saved.callFor<bool>("SaveiClassAs"));
+        saved.events.clear();
+        saved.prompter.messages.clear();
+        saved.call(c.member);
+        EXPECT_EQ(saved.dialogs, opened);
+        EXPECT_EQ(saved.messageTexts(), *c.told ? std::vector<std::string>{c.told} : std::vector<std::string>{});
+        EXPECT_TRUE(saved.events.empty());
+        EXPECT_TRUE(saved.get("Saved").toBool());
+    }
+}
+
+TEST(IClassCommands, PropertiesConfirmedOnANewLayoutAreOneChange) {
+    Host host;
+    const auto confirmBitwise = [](QDialog& d) {
+        d.show();
+        d.findChild<QCheckBox*>("chkICBitwise")->setChecked(true);
+        d.findChild<QPushButton*>("cmdOK")->click();
+        return d.result();
+    };
+    host.onDialog = confirmBitwise;  // Cancel: nullptr
+    host.call("NewLayout", true);
+    EXPECT_EQ(std::make_tuple(host.dialogs, host.events, host.get("UseBit").toBool()),
+              std::make_tuple(std::vector<QString>{"frmProperties"}, kRefresh, true));
+    host.events.clear();
+    host.onDialog = nullptr;
+    host.call("SetProperties");
+    EXPECT_TRUE(host.events.empty());
+    host.onDialog = confirmBitwise;
+    host.call("SetProperties");
+    EXPECT_EQ(host.events, std::vector<QString>{"Changed"});
+    EXPECT_FALSE(host.get("Saved").toBool());
+}
+
+TEST(IClassCommands, WithoutALayoutTheCardCommandsLeaveNoCardForThePreview) {
+    Host host;
+    for (bool layout : {false, true}) {
+        if (layout) host.call("NewLayout", false);
+        const IClass::IClassType chip = IClass::iBigEightPages;
+        EXPECT_TRUE(QMetaObject::invokeMethod(&host.control, "SetChipType", QGenericArgument("IClassType", &chip)));
+        host.call("SetAppBoundaries", QString("10|12|13|14|15|16|17|18"));
+        host.call("ShowPreview");
+    }
+    EXPECT_EQ(host.messageTexts(), std::vector<std::string>{"Error: no iClass object found!"});
+    EXPECT_EQ(std::make_tuple(host.control.document().card()->GetBoundary(1), host.dialogs), std::make_tuple(12, std::vector<QString>{"frmPreview"}));
+}
+
+// Database updates of a layout opened before the host fetched its fields are named once the
+// fields arrive, without the layout counting as changed.
+TEST(IClassFields, FetchingFieldsNamesTheDatabaseUpdatesOfAnOpenLayout) {
+    IClass control;
+    control.setProperty("ProjectFile", QString(KESTRIN_WIDGET_EXAMPLES "/project/Sample.ini"));
+    ASSERT_TRUE(control.OpenLayout(KESTRIN_WIDGET_EXAMPLES "/layouts/Visitors16K.IIF"));
+    const auto names = [&] { return control.dbUpdateGrid()->model()->index(0, 1).data().toString() + "," +
+                                     control.dbUpdateGrid()->model()->index(1, 1).data().toString(); };
+    EXPECT_EQ(names(), ",");
+    EXPECT_TRUE(control.FetchDBFields());
+    EXPECT_EQ(names(), "ACCESSLEVEL,ENCODECOUNT");
+    EXPECT_TRUE(control.property("Saved").toBool());
+}
+
+#ifdef KESTRIN_DESIGNER_PLUGIN
+// Designer loads the plugin and places the control, which shows its design-mode picture.
+TEST(DesignerPlugin, CreatesTheControlInDesignMode) {
+    QPluginLoader loader(KESTRIN_DESIGNER_PLUGIN);
+    auto* plugin = qobject_cast<QDesignerCustomWidgetInterface*>(loader.instance());
+    ASSERT_NE(plugin, nullptr) << loader.errorString().toStdString();
+    EXPECT_TRUE(plugin->name() == "kestrin::IClass" && plugin->domXml().contains("kestrin::IClass"));
+    std::unique_ptr<QWidget> control(plugin->createWidget(nullptr));
+    ASSERT_NE(control, nullptr);
+    control->show();
+    EXPECT_TRUE(control->findChild<QWidget*>("imgIClass")->isVisible() && !control->findChild<QWidget*>("grdItems")->isVisible());
+}
+#endif
+
+}  // namespace
+}  // namespace kestrin::test

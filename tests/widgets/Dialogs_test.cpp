@@ -1,0 +1,416 @@
+// The item editor, the properties, database-update and multi-track dialogs driven by their
+// control names: what each writes on Apply or OK, what it refuses and why, what it loads for
+// editing and leaves on Cancel, and the keys a focused button answers.
+#include "DialogFixture.h"
+#include "dialogs/frmProperties.h"
+#include "editor/BitMapView.h"
+#include "editor/frmEditiClass.h"
+#include "items/frmDBUpdate.h"
+#include "items/frmMultiTrack.h"
+#include "rules/Encodings.h"
+#include "rules/FunctionProperties.h"
+
+namespace kestrin::test {
+namespace {
+
+using Boxes = std::vector<std::pair<const char*, const char*>>;
+
+struct Dialog : DialogFixture {
+    using DialogFixture::DialogFixture;
+    frmEditiClass& editor(int32_t mode, int32_t editIndex = -1) { return open<frmEditiClass>(mode, editIndex); }
+    // The properties dialog on a card of the given chip, HID area and bitwise encoding.
+    frmProperties& properties(IClassType chip, bool hid = false, bool bitwise = false, const std::string& bounds = {}) {
+        auto card = std::make_unique<CIClass>();
+        card->setChipSize(chip);
+        card->setUseHIDSection(hid);
+        card->setEnableBitwise(bitwise);
+        if (!bounds.empty()) card->SetBoundaries(bounds);
+        frmProperties& p = open<frmProperties>();
+        p.setCard(std::move(card));
+        activate();
+        return p;
+    }
+    QRadioButton* chip(int i) const { return child<QRadioButton>(QStringLiteral("optChipType(%1)").arg(i)); }
+    QLineEdit* bound(int page) const { return child<QLineEdit>(QStringLiteral("txtBoundary(%1)").arg(page)); }
+    bool boundaryTab() const { return child<QTabWidget>("tabIClass")->isTabEnabled(1); }
+};
+
+// Items get a light colour: every channel from 127 to 227.
+bool lightColour(int32_t bgr) {
+    const auto light = [&](int shift) { return ((bgr >> shift) & 0xFF) >= 127 && ((bgr >> shift) & 0xFF) <= 227; };
+    return light(0) && light(8) && light(16) && (bgr >> 24) == 0;
+}
+
+// Before Apply the page map marks the chosen place; after it, it shows the item.
+TEST(EditiClassFields, ApplyAddsTheChosenFieldAtItsPlace) {
+    Dialog ed;
+    frmEditiClass& form = ed.editor(kModeField);
+    ed.clickField(0);
+    EXPECT_EQ(ed.text("txtSelectedField"), "NAME");
+    EXPECT_TRUE(ed.applyEnabled());  // choosing a field is a change to apply
+    ed.place(20, 2, "4");
+    const QColor mark = memoryMapColor(kMapMarkColor);
+    EXPECT_EQ(std::make_tuple(ed.mapColour(21, 2) == mark, ed.mapColour(21, 3), ed.mapColour(21, 6), ed.mapColour(21, 7) == mark),
+              std::make_tuple(false, mark, mark, false));
+    ed.click("cmdApply");
+    ASSERT_EQ(ed.records().size(), 1);
+    const ItemRecord& r = ed.records()[0];
+    EXPECT_EQ(std::make_tuple(r.name, std::string(kindWord(r)), r.page, r.block, r.beginByte, r.numBytes, r.encodingCode, r.fieldType),
+              std::make_tuple(std::string("NAME"), std::string(kKindField), 0, 20, 2, 4, 0, int{kFieldTypeCharacter}));
+    EXPECT_TRUE(lightColour(r.color)) << std::hex << r.color;
+    EXPECT_EQ(std::make_tuple(form.appliedCount(), ed.applyEnabled(), ed.prompter.messages.size()), std::make_tuple(1, false, 0));
+    EXPECT_EQ(std::make_pair(ed.child<QTableWidget>("grdPreview")->item(21, 3)->text(), ed.mapColour(21, 3)),
+              std::make_pair(QString("NAME"), memoryMapColor(r.color)));
+}
+
+// A refused Apply tells why and keeps Apply on; OK applies what is pending and closes only once accepted.
+TEST(EditiClassFields, APlaceBeyondThePageIsRefusedByApplyAndOk) {
+    Dialog ed;
+    frmEditiClass& form = ed.editor(kModeField);
+    ed.clickField(0);
+    ed.place(31, 1, "8");
+    ed.click("cmdApply");
+    EXPECT_EQ(ed.messageTexts(), std::vector<std::string>{"T4600"});
+    EXPECT_TRUE(ed.applyEnabled());
+    ed.click("cmdOK");
+    EXPECT_EQ(std::make_tuple(ed.records().size(), form.isVisible()), std::make_tuple(0, true));
+    ed.type("txtNrBytes", "4");
+    ed.click("cmdOK");
+    EXPECT_EQ(std::make_tuple(form.isVisible(), form.Cancelled, form.result(), ed.records().size()),
+              std::make_tuple(false, false, int(QDialog::Accepted), 1));
+}
+
+TEST(EditiClassFields, TheOverlapQuestionDecidesWhetherTheOldItemIsReplaced) {
+    for (const auto& [answer, remaining] : {std::pair{Answer::Ok, "NAME"}, std::pair{Answer::Cancel, "OLD"}}) {
+        Dialog ed({field("OLD", 0, 20, 0, 4)});
+        ed.prompter.answerNext(answer);
+        ed.editor(kModeField);
+        ed.clickField(0);
+        ed.place(20, 2, "4");
+        ed.click("cmdApply");
+        ASSERT_EQ(ed.prompter.messages.size(), 1u);
+        EXPECT_EQ(std::make_pair(ed.prompter.messages[0].question, ed.prompter.messages[0].buttons), std::make_pair(true, Buttons::OkCancel));
+        ASSERT_EQ(ed.records().size(), 1);
+        EXPECT_EQ(ed.records()[0].name, remaining);
+    }
+}
+
+TEST(EditiClassFields, EditingPresetsTheControlsAndReplacesTheItemOrPutsItBackWhenRefused) {
+    ItemRecord old = field("NUMBER", 0, 20, 1, 6, 4, 0x00A0B0C0);
+    old.fieldType = kFieldTypeNumber;
+    Dialog ed({field("OTHER", 0, 25, 0, 2), old});
+    ed.editor(kModeField, 1);
+    EXPECT_EQ(QStringList({ed.text("txtSelectedField"), ed.child<QComboBox>("cboRow")->currentText(), ed.text("txtNrBytes"),
+                           ed.child<QComboBox>("cboBeginByte")->currentText(), ed.child<QComboBox>("cboFormat")->currentText()}),
+              QStringList({"NUMBER", "20", "6", "1", "Postfix F"}));
+    EXPECT_TRUE(ed.child<QRadioButton>("optEncode(3)")->isChecked());
+    EXPECT_FALSE(ed.applyEnabled());
+    ed.choose("cboRow", "31");
+    ed.choose("cboBeginByte", "6");
+    ed.click("cmdApply");
+    EXPECT_EQ(ed.messageTexts(), std::vector<std::string>{"T4600"});
+    EXPECT_EQ(ed.records().records(), (std::vector<ItemRecord>{field("OTHER", 0, 25, 0, 2), old}));
+
+    ed.choose("cboRow", "21");
+    ed.choose("cboBeginByte", "1");
+    ed.click("cmdApply");
+    EXPECT_EQ(ed.prompter.messages.size(), 1u);
+    ItemRecord moved = old;  // colour and encoding kept
+    moved.block = 21;
+    EXPECT_EQ(ed.records().records(), (std::vector<ItemRecord>{field("OTHER", 0, 25, 0, 2), moved}));
+}
+
+TEST(EditiClassBitFields, ABitFieldIsABinaryNumberAtItsBitAndTheBitMapShowsIt) {
+    Dialog ed;
+    ed.editor(kModeBitField);
+    EXPECT_TRUE(ed.child<QRadioButton>("optEncode(0)")->isChecked());
+    EXPECT_FALSE(ed.child<QRadioButton>("optEncode(0)")->isEnabled());
+    ed.clickField(1);
+    ed.place(20, 1, "5");
+    ed.choose("cboBeginBit", "6");
+    ed.click("cmdApply");
+    ASSERT_EQ(ed.records().size(), 1);
+    const ItemRecord& r = ed.records()[0];
+    EXPECT_EQ(std::make_tuple(std::string(kindWord(r)), r.encodingCode, r.beginBit, r.numBits, r.numBytes),
+              std::make_tuple(std::string(kKindBitField), 1, 6, 5, 0));
+    const int row = bitGridRow(*ed.doc.card()->page(0), 20);
+    for (int bit = 5; bit < 12; ++bit)  // bits 6 to 10 from byte 1 are the item's
+        EXPECT_EQ(ed.child<QTableWidget>("grdPreview")->item(row, bitGridColumn(1, 0) + bit)->data(Qt::UserRole).toString(),
+                  bit >= 6 && bit < 11 ? "NUMBER" : "") << bit;
+}
+
+// What the editor stored, read back from the record: option, count number and step, polynomial,
+// start value, range row and range count.
+std::string stored(const ItemRecord& r) {
+    const FunctionInput in = functionInputOf(r);
+    return std::to_string(in.option) + " " + in.countNumberText + "/" + in.countStepText + " " + in.polynomText + "/" +
+           in.startValueText + " " + std::to_string(in.rangeRow) + "/" + in.rangeCountText;
+}
+
+struct FunctionCase {
+    int32_t mode;
+    FunctionKind function;
+    int option;
+    Boxes boxes;  // typed in this order
+    int block, byte, bit;
+    int storedSize;  // bytes, or bits for a bit function
+    const char* stored;
+};
+
+TEST(EditiClassFunctions, EachFunctionIsWrittenWithItsValues) {
+    const FunctionCase cases[] = {
+        {kModeFunction, FunctionKind::Count, 1, {{"txtCountNumber", "5"}, {"txtCountStep", "2"}, {"txtNrBytes", "2"}}, 20, 4, 0, 2, "1 5/2 / 0/"},
+        {kModeFunction, FunctionKind::CardSnNr, 3, {}, 21, 0, 0, 4, "3 / / 0/"},
+        {kModeFunction, FunctionKind::Checksum, 2, {{"txtPolynom", "263"}, {"txtStartValue", "7"}, {"txtRangeBytesCount", "8"}},
+         24, 0, 0, 1, "2 / 263/7 19/8"},
+        {kModeBitFunction, FunctionKind::Checksum, 2,
+         {{"txtNrBytes", "4"}, {"txtPolynom", "19"}, {"txtStartValue", "3"}, {"txtRangeBytesCount", "2"}}, 23, 2, 4, 4, "2 / 19/3 19/2"},
+    };
+    for (const FunctionCase& c : cases) {
+        SCOPED_TRACE(c.stored);
+        Dialog ed;
+        ed.editor(c.mode);
+        ed.click(QStringLiteral("optFunction(%1)").arg(static_cast<int>(c.function)));
+        ed.click(QStringLiteral("optProperty(%1)").arg(c.option));
+        for (const auto& [box, typed] : c.boxes) ed.type(box, typed);
+        ed.choose("cboRow", QString::number(c.block));
+        ed.choose("cboBeginByte", QString::number(c.byte));
+        if (c.mode == kModeBitFunction) ed.choose("cboBeginBit", QString::number(c.bit));
+        ed.click("cmdApply");
+        EXPECT_EQ(ed.messageTexts(), std::vector<std::string>{});
+        ASSERT_EQ(ed.records().size(), 1);
+        const ItemRecord& r = ed.records()[0];
+        EXPECT_EQ(std::make_pair(r.name, std::string(kindWord(r))), std::make_pair(std::string(functionWord(c.function)),
+                  std::string(c.mode == kModeFunction ? kKindFunction : kKindBitFunction)));
+        EXPECT_EQ(std::vector<int>({r.block, r.beginByte, r.beginBit, c.mode == kModeFunction ? r.numBytes : r.numBits}),
+                  std::vector<int>({c.block, c.byte, c.bit, c.storedSize}));
+        EXPECT_TRUE(lightColour(r.color));
+        EXPECT_EQ(stored(r), c.stored);
+    }
+}
+
+struct RefusedCase {
+    int32_t mode;
+    const char* function;
+    Boxes boxes;
+    const char* box;      // left, or (with apply) focused after the refusal
+    bool apply;           // refused by Apply rather than on leaving the box
+    const char* limits;   // part of the message
+};
+
+// A value box is checked against its own limits when it is left and again by Apply; the box keeps the focus.
+TEST(EditiClassFunctions, AValueOutOfRangeIsRefusedAndItsBoxKeepsTheFocus) {
+    const RefusedCase cases[] = {
+        {kModeFunction, "optFunction(1)", {{"txtCountStep", "256"}}, "txtCountStep", false, " 0 & 255!"},
+        {kModeFunction, "optFunction(3)", {{"txtPolynom", "1000"}}, "txtPolynom", false, " 257 & 511!"},
+        {kModeFunction, "optFunction(3)", {{"txtPolynom", "256"}, {"txtStartValue", "0"}}, "txtPolynom", true, " 257 & 511!"},
+        {kModeBitFunction, "optFunction(3)", {{"txtNrBytes", "3"}, {"txtPolynom", "20"}, {"txtStartValue", "0"}},
+         "txtPolynom", true, " 9 & 15!"},
+    };
+    for (const RefusedCase& c : cases) {
+        SCOPED_TRACE(c.box + std::string(c.apply ? " on Apply" : " on leaving"));
+        Dialog ed;
+        frmEditiClass& form = ed.editor(c.mode);
+        ed.click(c.function);
+        if (std::string(c.function) == "optFunction(3)") ed.click("optProperty(2)");
+        for (const auto& [box, typed] : c.boxes) ed.type(box, typed);
+        c.apply ? ed.click("cmdApply") : ed.leave(c.box);
+        ASSERT_EQ(ed.prompter.messages.size(), 1u);
+        EXPECT_NE(ed.prompter.messages[0].text.find(c.limits), std::string::npos) << ed.prompter.messages[0].text;
+        EXPECT_EQ(form.focusWidget(), ed.child<QLineEdit>(c.box));
+        EXPECT_EQ(ed.records().size(), 0);
+    }
+}
+
+// Editing a function presets its controls; Apply replaces it keeping its colour.
+TEST(EditiClassFunctions, EditingAChecksumOrACountPresetsItsValues) {
+    FunctionInput checksum;
+    checksum.kind = FunctionKind::Checksum, checksum.option = kChecksumCrc, checksum.polynomText = "263";
+    checksum.startValueText = "5", checksum.rangeRow = 20, checksum.rangeBeginByte = 3, checksum.rangeCountText = "4";
+    FunctionInput count;
+    count.kind = FunctionKind::Count, count.countNumberText = "7", count.countStepText = "3";
+    for (const auto& [in, bytes, option, boxes] :
+         {std::tuple{checksum, 1, "optProperty(2)", Boxes{{"txtPolynom", "263"}, {"txtStartValue", "5"}}},
+          std::tuple{count, 2, "optProperty(0)", Boxes{{"txtCountNumber", "7"}, {"txtCountStep", "3"}}}}) {
+        ItemRecord old = function(std::string(functionWord(in.kind)), "", "", "", 0, 25, 0, bytes, 0x00909090);
+        applyFunctionValues(in, kModeFunction, old);
+        Dialog ed({old});
+        ed.editor(kModeFunction, 0);
+        EXPECT_TRUE(ed.child<QRadioButton>(QStringLiteral("optFunction(%1)").arg(int(in.kind)))->isChecked() &&
+                    ed.child<QRadioButton>(option)->isChecked());
+        for (const auto& [box, shown] : boxes) EXPECT_EQ(ed.text(box), shown) << box;
+        EXPECT_FALSE(ed.applyEnabled());
+        if (in.kind != FunctionKind::Checksum) continue;
+        EXPECT_EQ(ed.child<QComboBox>("cboRangeBeginRow")->currentText() + ed.child<QComboBox>("cboRangeBeginByte")->currentText(), "203");
+        ed.type("txtStartValue", "9");
+        ed.click("cmdApply");
+        EXPECT_EQ(ed.messageTexts(), std::vector<std::string>{});
+        checksum.startValueText = "9";
+        EXPECT_EQ(std::make_pair(functionInputOf(ed.records()[0]), ed.records()[0].color), std::make_pair(checksum, 0x00909090));
+    }
+}
+
+
+
+struct LoadCase {
+    IClassType chip;
+    bool hid, bitwise;
+    std::vector<ItemRecord> items;
+    bool memoryEnabled, tabEnabled, chipLocked;
+};
+
+// The card fills the controls; items (not database updates) lock the chip type; Cancel drops what was changed.
+TEST(Properties, TheCardFillsTheControls) {
+    const LoadCase cases[] = {
+        {iSmallOnePage, true, false, {}, false, false, false},
+        {iBigOnePage, false, true, {}, true, false, false},
+        {iBigEightPages, true, true, {dbUpdate("Field", "Count", "1")}, true, true, false},
+        {iBigEightPages, false, false, {field("Name", 0, 20, 0, 4)}, false, true, true},
+    };
+    for (const LoadCase& c : cases) {
+        SCOPED_TRACE(c.chip);
+        Dialog d(c.items);
+        frmProperties& p = d.properties(c.chip, c.hid, c.bitwise, c.chip == iBigEightPages ? "5|6|7|8|9|10|11|12" : "");
+        EXPECT_EQ(std::make_tuple(d.chip(0)->isChecked(), d.chip(1)->isChecked(), d.chip(0)->isEnabled()),
+                  std::make_tuple(c.chip == iSmallOnePage, c.chip != iSmallOnePage, !c.chipLocked));
+        EXPECT_EQ(std::make_pair(d.child<QComboBox>("cboMemoryType")->isEnabled(), d.boundaryTab()), std::make_pair(c.memoryEnabled, c.tabEnabled));
+        EXPECT_EQ(std::make_pair(d.child<QCheckBox>("chkICHID")->isChecked(), d.child<QCheckBox>("chkICBitwise")->isChecked()),
+                  std::make_pair(c.hid, c.bitwise));
+        EXPECT_EQ(d.bound(7)->text(), c.chip == iBigEightPages ? "12" : "18");
+        d.click("chkICBitwise");
+        d.click("cmdCancel");  // changes nothing
+        EXPECT_EQ(std::make_tuple(p.result(), p.Cancelled, p.Unchanged), std::make_tuple(int(QDialog::Rejected), true, true));
+    }
+}
+
+TEST(Properties, OkWritesTheControlsBackAfterTheChipTypeDrivesMemoryListAndBoundaryTab) {
+    Dialog d;
+    frmProperties& p = d.properties(iSmallOnePage, true, false);
+    d.chip(1)->click();
+    EXPECT_EQ(std::make_pair(d.child<QComboBox>("cboMemoryType")->isEnabled(), d.boundaryTab()), std::make_pair(true, false));
+    d.child<QComboBox>("cboMemoryType")->setCurrentIndex(1);
+    EXPECT_TRUE(d.boundaryTab());
+    d.click("chkICHID");
+    d.click("chkICBitwise");
+    for (const auto& [page, value] : {std::pair{0, "5"}, {3, "20"}, {7, "31"}}) d.bound(page)->setText(value);
+    d.click("cmdOK");
+    EXPECT_EQ(d.prompter.messages.size(), 0u);
+    EXPECT_EQ(std::make_tuple(p.result(), p.Cancelled, p.Unchanged), std::make_tuple(int(QDialog::Accepted), false, false));
+    EXPECT_EQ(std::make_tuple(p.Card->ChipSize(), p.Card->UseHIDSection(), p.Card->EnableBitwise()),
+              std::make_tuple(iBigEightPages, false, true));
+    std::vector<int> bounds;
+    for (int page = 0; page < 8; ++page) bounds.push_back(p.Card->GetBoundary(page));
+    EXPECT_EQ(bounds, (std::vector<int>{5, 18, 18, 20, 18, 18, 18, 31}));
+    d.chip(0)->click();
+    EXPECT_EQ(std::make_pair(d.child<QComboBox>("cboMemoryType")->isEnabled(), d.boundaryTab()), std::make_pair(false, false));
+}
+
+// A boundary that cuts an item refuses OK with both warnings in turn and writes nothing back;
+// the window's close button writes back without the checks.
+TEST(Properties, OkIsRefusedWhileABoundaryCutsAnItemAndClosingSkipsTheChecks) {
+    Dialog d({field("Low", 0, 10, 0, 8), field("Cut", 1, 10, 0, 24)});
+    frmProperties& p = d.properties(iBigEightPages, true);
+    d.bound(0)->setText("11");
+    d.click("cmdOK");
+    EXPECT_EQ(d.messageTexts(), (std::vector<std::string>{"T4610\r\nT4611", "T4643\r\nT4644"}));
+    EXPECT_EQ(d.prompter.messages.front().icon, Icon::Exclamation);
+    EXPECT_EQ(std::make_tuple(p.isVisible(), p.Unchanged, p.Card->GetBoundary(0)), std::make_tuple(true, true, 18));
+    d.click("chkICBitwise");
+    p.close();
+    EXPECT_EQ(d.prompter.messages.size(), 2u);
+    EXPECT_EQ(std::make_tuple(p.Cancelled, p.Card->EnableBitwise(), p.Card->GetBoundary(0)), std::make_tuple(false, true, 11));
+}
+
+ItemRecord update(std::string dbField, int16_t column, std::string word, std::string p1, std::string p2 = {}) {
+    ItemRecord r = dbUpdate(std::move(dbField), std::move(word), std::move(p1), std::move(p2));
+    r.dbColumn = column;
+    return r;
+}
+
+TEST(DBUpdate, OkWritesTheChosenFieldAndFunctionAsOneRecord) {
+    Dialog d({field("Card", 0, 20, 0, 4)});
+    frmDBUpdate& u = d.open<frmDBUpdate>(-1);
+    d.clickField(1);
+    EXPECT_EQ(d.text("txtSelectedField"), "NUMBER");
+    d.click("optFunction(1)");
+    // Only the boxes of the chosen function show, with their labels.
+    for (const auto& [name, shown] : {std::pair{"txtConstantValue", false}, {"lblConstantValue", false},
+                                      {"txtCountStep", true}, {"lblCountStep", true}})
+        EXPECT_EQ(d.child(name)->isVisible(), shown) << name;
+    d.type("txtCountNumber", "1a0");
+    d.type("txtCountStep", "255");
+    d.click("cmdOK");
+    EXPECT_TRUE(d.prompter.messages.empty() && !u.Cancelled);
+    EXPECT_EQ(d.records().records(), (std::vector<ItemRecord>{field("Card", 0, 20, 0, 4), update("NUMBER", 1, "Count", "10", "255")}));
+}
+
+TEST(DBUpdate, ABoxOutOfRangeIsRefusedWhenLeftAndOnOk) {
+    Dialog d;
+    frmDBUpdate& u = d.open<frmDBUpdate>(-1);
+    d.clickField(0);
+    d.type("txtConstantValue", "256");
+    d.leave("txtConstantValue");
+    EXPECT_EQ(d.messageTexts(), std::vector<std::string>{"T3189 0 & 255!"});
+    d.click("cmdOK");
+    EXPECT_TRUE(d.records().empty() && u.Cancelled);
+}
+
+TEST(DBUpdate, EditingPresetsTheControlsAndOkReplacesTheRecordInPlaceWhileCancelKeepsIt) {
+    for (const char* button : {"cmdOK", "cmdCancel"}) {
+        const ItemRecord item = field("Card", 0, 20, 0, 4);
+        Dialog d({update("BIRTH", 2, "CardSnNr", "1"), item});
+        frmDBUpdate& u = d.open<frmDBUpdate>(0);
+        EXPECT_EQ(d.text("txtSelectedField"), "BIRTH");
+        EXPECT_TRUE(d.child<QRadioButton>("optFunction(2)")->isChecked() && d.child<QRadioButton>("optProperty(1)")->isChecked());
+        d.click("optFunction(0)");
+        d.type("txtConstantValue", "42");
+        d.click(button);
+        const bool ok = button == std::string("cmdOK");
+        EXPECT_EQ(u.Cancelled, !ok);
+        EXPECT_EQ(d.records().records(), (std::vector<ItemRecord>{ok ? update("BIRTH", 2, "Constant", "42")
+                                                                     : update("BIRTH", 2, "CardSnNr", "1"), item}));
+    }
+}
+
+// A new binary field is stored by its database name and shown on the map; an edited one may
+// overlap its own old place, while an overlap with another item is refused with that item's name.
+TEST(MultiTrack, ApplyStoresABinaryFieldAndRefusesAnOverlapWithAnotherItem) {
+    const ItemRecord other = field("Other", 0, 25, 0, 2);
+    Dialog d({other});
+    frmMultiTrack& m = d.open<frmMultiTrack>(-1);
+    d.clickField(1);
+    EXPECT_EQ(d.text("txtSelectedField"), "NUMBER");
+    d.place(20, 2, "1x2");
+    d.choose("cboBeginBit", "3");
+    EXPECT_EQ(d.child<QSpinBox>("spinBytes")->value(), 12);
+    d.click("cmdApply");
+    EXPECT_TRUE(d.prompter.messages.empty());
+    ASSERT_EQ(d.records().size(), 2);
+    ItemRecord r = d.records()[1];
+    EXPECT_EQ(std::make_tuple(std::string(kindWord(r)), r.name), std::make_tuple(std::string(kKindBinaryField), std::string("NUMBER")));
+    EXPECT_EQ(std::vector<int>({r.block, r.beginByte, r.beginBit, r.numBytes}), std::vector<int>({20, 2, 3, 12}));
+    EXPECT_EQ(std::make_pair(d.child<QTableWidget>("grdPreview")->item(21, 3)->text(), d.mapColour(21, 3)),
+              std::make_pair(QString("NUMBER"), memoryMapColor(r.color)));
+    EXPECT_FALSE(d.applyEnabled());
+    d.click("cmdOK");
+    EXPECT_FALSE(m.Cancelled || m.isVisible());
+
+    Dialog edit({r, other});
+    frmMultiTrack& e = edit.open<frmMultiTrack>(0);
+    EXPECT_EQ(std::make_pair(edit.child<QComboBox>("cboRow")->currentText(), edit.text("txtNrBytes")), std::make_pair(QString("20"), QString("12")));
+    edit.choose("cboBeginByte", "0");
+    edit.click("cmdApply");
+    EXPECT_TRUE(edit.prompter.messages.empty());
+    r.beginByte = 0;
+    EXPECT_EQ(edit.records().records(), (std::vector<ItemRecord>{r, other}));
+    edit.choose("cboRow", "25");
+    edit.click("cmdOK");
+    EXPECT_EQ(edit.messageTexts(), std::vector<std::string>{"T3166: Other."});
+    EXPECT_TRUE(edit.applyEnabled());
+    edit.click("cmdCancel");
+    EXPECT_TRUE(e.Cancelled);
+    EXPECT_EQ(edit.records().records(), (std::vector<ItemRecord>{r, other}));
+}
+
+}  // namespace
+}  // namespace kestrin::test
