@@ -18,13 +18,12 @@ namespace {
 
 using namespace test;
 const std::filesystem::path kExamples = KESTRIN_EXAMPLES;
-auto open(const std::string& bytes) { return openLayout(bytes); }
 
 // Opens bytes as a layout; when they open, the layout saved from them opens to the same items.
 void expectOpensSafely(const std::string& bytes, const std::string& what) {
-    const auto first = open(bytes);
+    const auto first = openLayout(bytes);
     if (!first->result.opened) return;
-    const auto again = open(renderLayoutFile(first->card, first->records, HostFieldList{}).bytes);
+    const auto again = openLayout(renderLayoutFile(first->card, first->records, HostFieldList{}).bytes);
     ASSERT_TRUE(again->result.opened) << what;
     ASSERT_EQ(again->records.size(), first->records.size()) << what;
     for (const ItemRecord& r : first->records)
@@ -69,17 +68,14 @@ TEST(BadInput, AbsurdNumbersAndDuplicateOrMissingLines) {
         std::vector<std::string> lines;
         for (size_t start = 0, end; start < layout.size(); start = end + 2)
             lines.push_back(layout.substr(start, (end = layout.find("\r\n", start)) - start));
+        const auto at = [&](size_t i) { return lines.begin() + static_cast<std::ptrdiff_t>(i); };
         for (size_t i = 0; i < lines.size(); ++i) {
             const std::string& line = lines[i];
             // lines [from, to) replaced by the given ones
-            auto variant = [&](size_t from, size_t to, const std::vector<std::string>& replacement) {
-                std::string changed;
-                for (size_t j = 0; j <= lines.size(); ++j) {
-                    if (j == from)
-                        for (const auto& l : replacement) changed += l + "\r\n";
-                    if (j < lines.size() && (j < from || j >= to)) changed += lines[j] + "\r\n";
-                }
-                expectOpensSafely(changed, line);
+            auto variant = [&](size_t from, size_t to, std::vector<std::string> changed) {
+                changed.insert(changed.begin(), lines.begin(), at(from));
+                changed.insert(changed.end(), at(to), lines.end());
+                expectOpensSafely(crlf(changed), line);
                 ++cases;
             };
             variant(i, i + 1, {line, line});
@@ -92,7 +88,7 @@ TEST(BadInput, AbsurdNumbersAndDuplicateOrMissingLines) {
             if (line.empty() || line[0] != '[') continue;
             size_t end = i + 1;
             while (end < lines.size() && (lines[end].empty() || lines[end][0] != '[')) ++end;
-            variant(lines.size(), lines.size(), {lines.begin() + static_cast<std::ptrdiff_t>(i), lines.begin() + static_cast<std::ptrdiff_t>(end)});
+            variant(lines.size(), lines.size(), {at(i), at(end)});
             variant(i, end, {});
         }
     }
@@ -105,24 +101,22 @@ TEST(BadInput, FilesBeyondTheSizeLimitsAreRefusedWithAMessage) {
     const auto huge = dir / "huge.IIF";
     writeBytes(huge, "[GENERAL]\r\n");
     std::filesystem::resize_file(huge, 100u << 20);  // 100 MiB, sparse
-    RecordingPrompter prompter;
-    CIClass card;
-    RecordArray records;
-    EXPECT_FALSE(readLayout(huge, card, records, prompter).opened);
+    Opened read;
+    EXPECT_FALSE(readLayout(huge, read.card, read.records, read.prompter).opened);
     HostFieldList fields;
     std::vector<std::string> warnings;
     fields.fetch(huge, &warnings);
     EXPECT_EQ(fields.count(), 0);
     std::string error;
     EXPECT_EQ(CatalogRegistry().open(huge, &error), 0);
-    ASSERT_TRUE(prompter.messages.size() == 1u && warnings.size() == 1u);
-    for (const std::string& told : {prompter.messages[0].text, warnings[0], error})
+    ASSERT_TRUE(read.prompter.messages.size() == 1u && warnings.size() == 1u);
+    for (const std::string& told : {read.prompter.messages[0].text, warnings[0], error})
         EXPECT_NE(told.find("too large"), std::string::npos) << told;
-    const auto o = open(std::string(kMaxLayoutFileBytes + 1, '\n'));
+    const auto o = openLayout(std::string(kMaxLayoutFileBytes + 1, '\n'));
     EXPECT_FALSE(o->result.opened);
     ASSERT_EQ(o->prompter.messages.size(), 1u);
     EXPECT_EQ(o->prompter.messages[0].text, "The layout is larger than 64 MiB and was not opened.");
-    EXPECT_TRUE(open(std::string(kMaxLayoutFileBytes, '\n'))->result.opened);
+    EXPECT_TRUE(openLayout(std::string(kMaxLayoutFileBytes, '\n'))->result.opened);
 }
 
 // Values longer than the read buffer arrive cut, counted in characters (the outer quotes do
@@ -131,10 +125,7 @@ TEST(InputLimits, LongValuesAreCutAndTold) {
     std::string accented;
     for (size_t i = 0; i < kMaxValueChars; ++i) accented += "\xE9";
     const std::string big(8u << 20, 'x');
-    const struct {
-        std::string layout;
-        const char* told;  // nullptr: nothing
-    } cases[] = {
+    const struct { std::string layout; const char* told; } cases[] = {  // told nullptr: nothing
         {crlf({"[SETTINGS]", "Font=" + std::string(kMaxValueChars, '7')}), nullptr},
         {crlf({"[SETTINGS]", "Font=" + std::string(kMaxValueChars + 1, '7')}), "1 values are longer than 1023 characters and were cut (the first: [SETTINGS] Font)"},
         {crlf({"[SETTINGS]", "Font=" + accented}), nullptr},
@@ -147,7 +138,7 @@ TEST(InputLimits, LongValuesAreCutAndTold) {
         {"[" + big + "]\r\nA=1\r\n" + big, nullptr},
     };
     for (const auto& c : cases) {
-        const auto o = open(c.layout);
+        const auto o = openLayout(c.layout);
         ASSERT_TRUE(o->result.opened);
         ASSERT_EQ(o->prompter.messages.size(), c.told ? 1u : 0u) << c.layout.substr(0, 40);
         if (c.told) { EXPECT_NE(o->prompter.messages[0].text.find(c.told), std::string::npos) << o->prompter.messages[0].text; }
@@ -160,7 +151,7 @@ TEST(InputLimits, ItemsAndWarningsBeyondTheirLimits) {
     for (const int items : {kMaxItems, kMaxItems + 33}) {
         std::string layout = "[CARDDESIGN]\r\nSize=16K\r\nPages=1\r\n[ENCODE]\r\n";
         for (int i = 0; i < items; ++i) layout += "F" + std::to_string(i) + "(1)=0,19,0,1,0\r\n";
-        const auto o = open(layout);
+        const auto o = openLayout(layout);
         ASSERT_TRUE(o->result.opened);
         EXPECT_EQ(o->records.size(), kMaxItems);
         EXPECT_EQ(o->result.dropped.size(), static_cast<size_t>(items - kMaxItems));  // a check lists each
@@ -170,7 +161,7 @@ TEST(InputLimits, ItemsAndWarningsBeyondTheirLimits) {
     for (const size_t bad : {kMaxReadWarnings, kMaxReadWarnings + 4000}) {
         std::string layout = "[CARDDESIGN]\r\nSize=2K\r\n[ENCODE]\r\n";
         for (size_t i = 0; i < bad; ++i) layout += "Bad" + std::to_string(i) + "(1)=not numbers\r\n";
-        const auto o = open(layout);
+        const auto o = openLayout(layout);
         ASSERT_TRUE(o->result.opened);
         ASSERT_EQ(o->result.warnings.size(), bad > kMaxReadWarnings ? kMaxReadWarnings + 1 : bad);
         ASSERT_EQ(o->result.dropped.size(), o->result.warnings.size());  // a check reports the count too

@@ -24,11 +24,8 @@ std::string listed(const HostFieldList& list) {
 // ends the reading with a warning; each reading replaces the fields, and the image types when
 // it names one.
 TEST(HostFields, ProjectFilesAreReadAsTheHostWritesThem) {
-    const struct {
-        std::vector<std::string> lines;  // nothing: the file is missing
-        std::string fields;
-        size_t warnings;
-    } cases[] = {
+    // no lines: the file is missing
+    const struct { std::vector<std::string> lines; std::string fields; size_t warnings; } cases[] = {
         {{"[DATABASE]", "NUMCOLUMNS=4", "TagField=ID", "[COLUMN1]", "DbFIELD=FIRST", "NAME=First", "FIELDTYPE=Character",
           "FIELDSIZE=20", "[COLUMN2]", "DbFIELD=ID", "NAME=Id", "[COLUMN3]", "DbFIELD=@#@#\"Q\"", "NAME=Quoted /@x/@",
           "FIELDTYPE=Number", "FIELDSIZE=5", "InProject=1", "[COLUMN4]", "DbFIELD=HIDDEN", "InProject=0",
@@ -53,15 +50,13 @@ TEST(HostFields, ProjectFilesAreReadAsTheHostWritesThem) {
         if (!c.lines.empty()) writeBytes(dir / "P.ini", text);
         std::vector<std::string> warnings;
         list.fetch(dir / "P.ini", &warnings);
-        EXPECT_EQ(listed(list), c.fields) << text;
-        EXPECT_EQ(warnings.size(), c.warnings) << text;
+        EXPECT_EQ(std::tuple(listed(list), warnings.size()), std::tuple(c.fields, c.warnings)) << text;
         EXPECT_EQ(list.highestIndex(), list.count() - 1);
     }
     list.fetchFromBytes(crlf({"[DATABASE]", "NUMCOLUMNS=2", "[COLUMN1]", "DbFIELD=A", "[COLUMN2]", "DbFIELD=A", "NAME=x"}));
-    EXPECT_EQ(list.byDbField("A")->column, 0);  // the first of two alike
-    EXPECT_EQ(list.byColumn(1)->name, "x");
-    EXPECT_EQ(list.byDbField("a"), nullptr);
-    EXPECT_EQ(list.byColumn(2), nullptr);
+    // The first of two alike is found by its database field.
+    EXPECT_EQ(std::tuple(list.byDbField("A")->column, list.byColumn(1)->name), std::tuple(0, "x"));
+    EXPECT_TRUE(list.byDbField("a") == nullptr && list.byColumn(2) == nullptr);
     const std::pair<const char*, int16_t> types[] = {{"Character", 0}, {"Number", 1}, {"Numeric", 1}, {"Date", 2},
                                                      {"Binary", 3},    {"number", -1}, {"Memo", -1}};
     for (const auto& [text, code] : types) EXPECT_EQ(fieldTypeCode(text), code) << text;
@@ -75,13 +70,9 @@ TEST(ChipEncodeFile, NamesTheUsedFieldsInProjectOrder) {
                       {"Names", "NAMES", "Character", 10, 2, true}, {"Weight (kg)", "KG", "Number", 10, 3, true},
                       {"Start", "START", "Number", 10, 4, true}});
     const std::pair<const char*, std::vector<std::string>> cases[] = {
-        {"", {}},
-        {"FirstName(1)", {"FirstName"}},
-        {"Names(1)", {"Names"}},
-        {"FirstName(1)Name(1)", {"Name", "FirstName"}},
-        {"Name(1)Name(2)LAST(3)", {"Name"}},
+        {"", {}}, {"FirstName(1)", {"FirstName"}}, {"Names(1)", {"Names"}}, {"Start()", {"Start"}},
+        {"FirstName(1)Name(1)", {"Name", "FirstName"}}, {"Name(1)Name(2)LAST(3)", {"Name"}},
         {"LAST(1)FIRST(1)", {"LAST", "FIRST"}},
-        {"Start()", {"Start"}},
         {"Weight (kg)(1)", {}},  // a name with a bracket never stands alone between ")" and "("
     };
     for (const auto& [list, used] : cases) EXPECT_EQ(usedHostFields(list, fields), used) << list;

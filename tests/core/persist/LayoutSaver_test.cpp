@@ -2,8 +2,6 @@
 // the names and values a file can hold, and the operating system's file calls.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "support/SavedFiles.h"
 
 using namespace kestrin;
@@ -13,13 +11,6 @@ namespace fs = std::filesystem;
 namespace {
 
 fs::path utf8Path(const std::string& text) { return fs::path(std::u8string(text.begin(), text.end())); }
-
-std::vector<std::string> namesIn(const fs::path& folder) {
-    std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(folder)) names.push_back(pathText(entry.path().filename()));
-    std::sort(names.begin(), names.end());
-    return names;
-}
 
 void makeReadOnly(const fs::path& file) {
     fs::permissions(file, fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
@@ -42,32 +33,12 @@ protected:
     Translator translator;
 };
 
-TEST_F(LayoutSaver, TheLayoutBeforeEachSaveBecomesTheBackup) {
-    fields.setFields({{"Name", "NAME", "Character", 8, 0, true}});
-    EXPECT_EQ(save().chipEncodeFile, dir / "Card.CHP");
-    EXPECT_NE(readBytes(dir / "Card.CHP").find("Data=Name\r\n"), std::string::npos);
-    EXPECT_EQ(namesIn(dir.path()), (std::vector<std::string>{"Card.CHP", "Card.IIF"}));
-    std::vector<std::string> saved = {readBytes(layout)};
-    for (int block : {20, 21}) {
-        records.add(field("Name", 0, block, 0, 8));
-        ASSERT_TRUE(save().saved);
-        saved.push_back(readBytes(layout));
-        EXPECT_NE(saved.back(), saved[saved.size() - 2]);
-        EXPECT_EQ(readBytes(dir / "Card.IIF.BAK"), saved[saved.size() - 2]);  // one generation only
-    }
-    EXPECT_TRUE(prompter.messages.empty());
-    EXPECT_EQ(namesIn(dir.path()), (std::vector<std::string>{"Card.CHP", "Card.IIF", "Card.IIF.BAK"}));
-}
-
 // Refused saves tell the operator once and leave the files as they were.
 TEST_F(LayoutSaver, RefusedSavesTellWhyAndChangeNothing) {
-    const struct {
-        bool encodeThere;
-        const char* readOnlyFile;
-        const char* message;
-    } cases[] = {{false, nullptr, "<The layout was not saved: its chip encode file is missing beside it.>"},
-                 {true, "Card.IIF", "<The> iClass Encode File <is read-only and cannot be overwritten.>"},
-                 {true, "Card.CHP", "<The> Chip Encode File <is read-only and cannot be overwritten.>"}};
+    const struct { bool encodeThere; const char* readOnlyFile; const char* message; } cases[] = {
+        {false, nullptr, "<The layout was not saved: its chip encode file is missing beside it.>"},
+        {true, "Card.IIF", "<The> iClass Encode File <is read-only and cannot be overwritten.>"},
+        {true, "Card.CHP", "<The> Chip Encode File <is read-only and cannot be overwritten.>"}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.message);
         TempDir folder;
@@ -87,12 +58,18 @@ TEST_F(LayoutSaver, RefusedSavesTellWhyAndChangeNothing) {
     EXPECT_TRUE(namesIn(dir.path()).empty());
 }
 
-// The chip encode file may go to its own folder. A save removes the temporary files earlier
-// saves left beside its three files, and nothing else; it also copes with a backup that a
-// failed save left as a second name of the layout file.
-TEST_F(LayoutSaver, LeftoversOfEarlierSavesAreRemovedAndNothingElse) {
+// The chip encode file may go to its own folder; the layout before each save becomes the
+// backup, one generation only. A save removes the temporary files earlier saves left beside
+// its three files, and nothing else; it also copes with a backup that a failed save left as a
+// second name of the layout file.
+TEST_F(LayoutSaver, TheBackupIsTheLayoutBeforeAndLeftoversAreRemoved) {
     fs::create_directories(dir / "encode");
+    EXPECT_EQ(save(dir / "encode").chipEncodeFile, dir / "encode" / "Card.CHP");
+    EXPECT_EQ(namesIn(dir.path()), (std::vector<std::string>{"Card.IIF", "encode"}));
+    const std::string first = readBytes(layout);
+    records.add(field("Name", 0, 20, 0, 8));
     ASSERT_TRUE(save(dir / "encode").saved);
+    EXPECT_EQ(readBytes(dir / "Card.IIF.BAK"), first);
     fs::remove(dir / "Card.IIF.BAK");
     fs::create_hard_link(layout, dir / "Card.IIF.BAK");
     for (const char* removed : {".Card.IIF.123456.tmp", ".Card.IIF.0.tmp", ".Card.IIF.BAK.42.tmp", ".Card.IIF.BAK.link.tmp"})
@@ -102,23 +79,21 @@ TEST_F(LayoutSaver, LeftoversOfEarlierSavesAreRemovedAndNothingElse) {
                                      ".Other.IIF.123.tmp",     ".Card.CHP.77.tmp", ".Card.IIF.123.tmp.keep"};
     for (const std::string& name : kept) writeBytes(dir / name, "x");
     kept.insert(kept.end(), {"Card.IIF", "Card.IIF.BAK", "encode"});
-    writeBytes(dir / "encode" / ".Card.CHP.77.tmp", "x");
-    writeBytes(dir / "encode" / ".Card.IIF.88.tmp", "x");
+    for (const char* name : {".Card.CHP.77.tmp", ".Card.IIF.88.tmp"}) writeBytes(dir / "encode" / name, "x");
     const std::string previous = readBytes(layout);
-    records.add(field("Other", 0, 20, 0, 8));
-    ASSERT_TRUE(save(dir / "encode").saved);
+    records.add(field("Other", 0, 21, 0, 8));
+    ASSERT_TRUE(save(dir / "encode").saved && prompter.messages.empty());
     std::sort(kept.begin(), kept.end());
     EXPECT_EQ(namesIn(dir.path()), kept);
     EXPECT_EQ(namesIn(dir / "encode"), (std::vector<std::string>{".Card.IIF.88.tmp", "Card.CHP"}));
     EXPECT_EQ(readBytes(dir / "Card.IIF.BAK"), previous);
+    EXPECT_NE(previous, first);
 }
 
 // The chip encode file is the folder, the separator, the layout's name and ".CHP"; names the
 // code page cannot hold keep every character.
 TEST_F(LayoutSaver, FilesAreNamedAfterTheLayout) {
-    const struct {
-        std::string layout, encodeFolder, chipEncode, backup;
-    } cases[] = {
+    const struct { std::string layout, encodeFolder, chipEncode, backup; } cases[] = {
 #ifdef _WIN32
         {"C:\\Cards\\Staff.IIF", "", "C:\\Cards\\Staff.CHP", "C:\\Cards\\Staff.IIF.BAK"},
         {"C:/Cards/Staff.IIF", "", "C:/Cards\\Staff.CHP", "C:/Cards\\Staff.IIF.BAK"},
@@ -130,8 +105,7 @@ TEST_F(LayoutSaver, FilesAreNamedAfterTheLayout) {
         {"/cards/Staff.IIF", "/encode", "/encode/Staff.CHP", "/cards/Staff.IIF.BAK"},
         {"C:\\Cards\\Staff.IIF", "", "C:\\Cards\\Staff.CHP", "C:\\Cards\\Staff.IIF.BAK"},  // one name on Linux
 #endif
-        {"Staff.IIF", "", "Staff.CHP", "Staff.IIF.BAK"},
-        {"Staff.v2.iif", "", "Staff.v2.CHP", "Staff.v2.IIF.BAK"},
+        {"Staff.IIF", "", "Staff.CHP", "Staff.IIF.BAK"}, {"Staff.v2.iif", "", "Staff.v2.CHP", "Staff.v2.IIF.BAK"},
         {"Gr\xC3\xB6\xC3\x9F" "e \xE2\x82\xAC.IIF", "", "Gr\xC3\xB6\xC3\x9F" "e \xE2\x82\xAC.CHP",
          "Gr\xC3\xB6\xC3\x9F" "e \xE2\x82\xAC.IIF.BAK"},
     };
@@ -149,26 +123,22 @@ TEST_F(LayoutSaver, FilesAreNamedAfterTheLayout) {
 // can hold (quotes, brackets inside, Windows-1252 letters, control characters) reads back.
 TEST_F(LayoutSaver, ItemsAreSavedOnlyWhenTheyReadBackTheSame) {
     auto constant = [](const std::string& value) { return function("Constant", value, "", "", 0, 20, 0, 8); };
-    const struct {
-        ItemRecord item;
-        const char* refusal;  // a part of the message; nullptr: saved
-    } cases[] = {
-        {field("Caf\xC3\xA9 \xE2\x82\xAC", 0, 19, 0, 8), nullptr}, {field("Say \"hi\"", 0, 19, 0, 8), nullptr},
-        {field("O'Neil", 0, 19, 0, 8), nullptr}, {field("a]b", 0, 19, 0, 8), nullptr},
-        {field("x[1]", 0, 19, 0, 8), nullptr}, {field("Ctl\x01\x1F", 0, 19, 0, 8), nullptr}, {constant("\"quoted\""), nullptr},
-        {constant("a;b=c[d]"), nullptr}, {constant("\xE2\x82\xAC 5"), nullptr}, {constant(""), nullptr},
-        {field("", 0, 19, 0, 8), "has no name"}, {field("  ", 0, 19, 0, 8), "has no name"},
-        {field(" Name", 0, 19, 0, 8), "\" Name\" starts or ends with a blank"},
-        {field("Name\t", 0, 19, 0, 8), "starts or ends with a blank"},
-        {field("[Name]", 0, 19, 0, 8), "starts with \"[\""}, {field(";Name", 0, 19, 0, 8), "starts with \";\""},
-        {field("A=B", 0, 19, 0, 8), "\"A=B\" holds \"=\""}, {field("Line\nEnd", 0, 19, 0, 8), "holds a line break"},
-        {field("\xE4\xB8\xAD", 0, 19, 0, 8), "outside Windows-1252"},
-        {field("bad\xFFutf8", 0, 19, 0, 8), "outside Windows-1252"},
-        {field("First [+] ;Last", 0, 19, 0, 8), "\";Last\""}, {bitField("[Bits", 0, 19, 0, 0, 3), "\"[Bits\""},
+    auto named = [](const std::string& name) { return field(name, 0, 19, 0, 8); };
+    // refusal: a part of the message; nullptr: saved
+    const struct { ItemRecord item; const char* refusal; } cases[] = {
+        {named("Caf\xC3\xA9 \xE2\x82\xAC"), nullptr}, {named("Say \"hi\""), nullptr}, {named("O'Neil"), nullptr},
+        {named("a]b"), nullptr}, {named("x[1]"), nullptr}, {named("Ctl\x01\x1F"), nullptr},
+        {constant("\"quoted\""), nullptr}, {constant("a;b=c[d]"), nullptr}, {constant("\xE2\x82\xAC 5"), nullptr},
+        {constant(""), nullptr}, {named(""), "has no name"}, {named("  "), "has no name"},
+        {named(" Name"), "\" Name\" starts or ends with a blank"}, {named("Name\t"), "starts or ends with a blank"},
+        {named("[Name]"), "starts with \"[\""}, {named(";Name"), "starts with \";\""},
+        {named("A=B"), "\"A=B\" holds \"=\""}, {named("Line\nEnd"), "holds a line break"},
+        {named("\xE4\xB8\xAD"), "outside Windows-1252"}, {named("bad\xFFutf8"), "outside Windows-1252"},
+        {named("First [+] ;Last"), "\";Last\""}, {bitField("[Bits", 0, 19, 0, 0, 3), "\"[Bits\""},
         {constant("a/@b"), "holds \"/@\""}, {constant("one\rtwo"), "line break"},
         {constant("\xF0\x9F\x98\x80"), "outside Windows-1252"},
         {dbUpdate("NAME", "Count", "1", "line\nbreak"), "line break"},
-        {field("Checksum", 0, 19, 0, 8), "\"Checksum\" belongs to checksum functions"},
+        {named("Checksum"), "\"Checksum\" belongs to checksum functions"},
         {bitField("Checksum", 0, 19, 0, 0, 3), "\"Checksum\" belongs to checksum functions"},
     };
     card.setEnableBitwise(true);
@@ -200,10 +170,7 @@ TEST(SystemFileSystem, StatusAndCopy) {
     writeBytes(dir / "file", "x");
     writeBytes(dir / "readonly", "x");
     makeReadOnly(dir / "readonly");
-    const struct {
-        std::string path;
-        bool error, exists, readOnly;
-    } cases[] = {
+    const struct { std::string path; bool error, exists, readOnly; } cases[] = {
         {"file", false, true, false}, {"readonly", false, true, true}, {"missing", false, false, false},
         {"missing/file", false, false, false}, {"file/inner", false, false, false},
 #ifdef _WIN32
@@ -214,10 +181,9 @@ TEST(SystemFileSystem, StatusAndCopy) {
     };
     FileSystem& files = systemFileSystem();
     for (const auto& c : cases) {
-        FileStatus status{true, true};
-        EXPECT_EQ(static_cast<bool>(files.status(dir / c.path, status)), c.error) << c.path;
-        EXPECT_EQ(status.exists, c.exists) << c.path;
-        EXPECT_EQ(status.readOnly, c.readOnly) << c.path;
+        FileStatus s{true, true};
+        const bool error = static_cast<bool>(files.status(dir / c.path, s));
+        EXPECT_EQ(std::tuple(error, s.exists, s.readOnly), std::tuple(c.error, c.exists, c.readOnly)) << c.path;
     }
     writeBytes(dir / "source", std::string(200000, 'c'));
     EXPECT_FALSE(files.copy(dir / "source", dir / "copy"));

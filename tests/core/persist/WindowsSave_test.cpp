@@ -56,8 +56,7 @@ TEST(SaveTerminate, AnEndedSaveLeavesEveryFileComplete) {
     for (int n = 0; n < 40; ++n) {
         const HANDLE saver = startSaver(work.path());
         ASSERT_NE(saver, nullptr);
-        while (!fs::exists(work / "ready") && WaitForSingleObject(saver, 1) == WAIT_TIMEOUT) {
-        }
+        while (!fs::exists(work / "ready") && WaitForSingleObject(saver, 1) == WAIT_TIMEOUT) continue;
         std::this_thread::sleep_for(std::chrono::microseconds(delay(rng)));
         DWORD exitCode = 0;
         GetExitCodeProcess(saver, &exitCode);
@@ -76,17 +75,13 @@ TEST(SaveTerminate, AnEndedSaveLeavesEveryFileComplete) {
 TEST(WindowsSave, TheReadOnlyAttributeAloneRefusesAFile) {
     TempDir dir;
     const TwoLayouts layouts(900, 800);
-    const struct {
-        DWORD attributes;
-        bool readOnly;
-    } cases[] = {{FILE_ATTRIBUTE_NORMAL, false},  {FILE_ATTRIBUTE_ARCHIVE, false},
-                 {FILE_ATTRIBUTE_HIDDEN, false},  {FILE_ATTRIBUTE_READONLY, true},
-                 {FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN, true}};
     ASSERT_TRUE(layouts.save(dir.path(), 0).saved);
-    for (const auto& c : cases)
+    for (const DWORD attributes : {FILE_ATTRIBUTE_NORMAL, FILE_ATTRIBUTE_ARCHIVE, FILE_ATTRIBUTE_HIDDEN,
+                                   FILE_ATTRIBUTE_READONLY, FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN})
         for (const char* name : {"Card.IIF", "Card.CHP"}) {
-            ASSERT_TRUE(SetFileAttributesW((dir / name).c_str(), c.attributes));
-            EXPECT_EQ(layouts.save(dir.path(), 1).saved, !c.readOnly) << name << " " << c.attributes;
+            ASSERT_TRUE(SetFileAttributesW((dir / name).c_str(), attributes));
+            EXPECT_EQ(layouts.save(dir.path(), 1).saved, !(attributes & FILE_ATTRIBUTE_READONLY))
+                << name << " " << attributes;
             SetFileAttributesW((dir / name).c_str(), FILE_ATTRIBUTE_NORMAL);
         }
 }

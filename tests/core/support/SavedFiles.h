@@ -1,5 +1,5 @@
 #pragma once
-#include <cstdio>
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -34,12 +34,7 @@ inline MaybeBytes readIfPresent(const std::filesystem::path& p) {
 }
 
 // A layout opened from bytes on a card of the chip given, answering questions as given.
-struct Opened {
-    LayoutReadResult result;
-    CIClass card;
-    RecordArray records;
-    RecordingPrompter prompter;
-};
+struct Opened { LayoutReadResult result; CIClass card; RecordArray records; RecordingPrompter prompter; };
 inline std::unique_ptr<Opened> openLayout(const std::string& bytes, Answer answer = Answer::Yes,
                                           const HostFieldList* fields = nullptr, IClassType before = iSmallOnePage) {
     auto o = std::make_unique<Opened>();
@@ -64,20 +59,24 @@ struct SavedFiles {
     }
 };
 
+// The names in folder, sorted.
+inline std::vector<std::string> namesIn(const std::filesystem::path& folder) {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) names.push_back(pathText(entry.path().filename()));
+    std::sort(names.begin(), names.end());
+    return names;
+}
 // Hidden temporary files (".NAME.<n>.tmp") in folder.
 inline std::vector<std::string> hiddenTempFiles(const std::filesystem::path& folder) {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        const std::string name = entry.path().filename().string();
-        if (name.starts_with(".") && name.ends_with(".tmp")) names.push_back(name);
-    }
+    std::vector<std::string> names = namesIn(folder);
+    std::erase_if(names, [](const std::string& name) { return !name.starts_with(".") || !name.ends_with(".tmp"); });
     return names;
 }
 
 // Names the contents a file is expected to hold, so that checks compare short names and a
 // failure says which content a file holds instead of printing whole layouts.
-class KnownContents {
-public:
+struct KnownContents {
+    std::vector<std::pair<std::string, std::string>> known_;
     void add(std::string name, const MaybeBytes& bytes) {
         if (bytes) known_.emplace_back(std::move(name), *bytes);
     }
@@ -87,9 +86,6 @@ public:
             if (content == *bytes) return name;
         return "unknown content of " + std::to_string(bytes->size()) + " bytes";
     }
-
-private:
-    std::vector<std::pair<std::string, std::string>> known_;
 };
 
 // Two large layouts of one-byte fields ("A0000".., "B0000"..) with different counts, so that
@@ -106,8 +102,7 @@ struct TwoLayouts {
         std::vector<HostField> hostFields;
         for (int which = 0; which < 2; ++which)
             for (int i = 0; i < (which == 0 ? countA : countB); ++i) {
-                char name[16];
-                std::snprintf(name, sizeof name, "%c%04d", which == 0 ? 'A' : 'B', i);
+                const std::string name = (which == 0 ? "A" : "B") + std::to_string(10000 + i).substr(1);
                 const int byte = i + which * 200;
                 records[which].add(field(name, 0, 19 + byte / 8, byte % 8, 1, 0, 0x10000 + i));
                 hostFields.push_back({name, name, "Character", 1, static_cast<int16_t>(hostFields.size()), true});

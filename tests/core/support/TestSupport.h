@@ -13,13 +13,7 @@ namespace kestrin::test {
 // Records every message and answers questions from a script (default: the given answer).
 class RecordingPrompter : public Prompter {
 public:
-    struct Message {
-        Icon icon;
-        std::string text;
-        std::string title;
-        bool question;
-        Buttons buttons;
-    };
+    struct Message { Icon icon; std::string text, title; bool question; Buttons buttons; };
 
     explicit RecordingPrompter(Answer defaultAnswer = Answer::Yes) : defaultAnswer_(defaultAnswer) {}
     void answerNext(Answer a) { script_.push_back(a); }
@@ -51,11 +45,10 @@ public:
         std::filesystem::create_directories(path_);
     }
     ~TempDir() {
-        std::error_code ec;
         namespace fs = std::filesystem;
+        std::error_code ec, ignored;
         fs::permissions(path_, fs::perms::owner_all, fs::perm_options::add, ec);
         // Windows deletes no read-only file.
-        std::error_code ignored;
         for (fs::recursive_directory_iterator it(path_, ec), end; !ec && it != end; it.increment(ec))
             fs::permissions(it->path(), fs::perms::owner_write, fs::perm_options::add, ignored);
         fs::remove_all(path_, ec);
