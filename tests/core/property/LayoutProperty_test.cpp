@@ -97,7 +97,8 @@ public:
         for (int32_t p = 1; p < l.card.PagesCount(); ++p)
             if (rng.chance(1, 2)) l.card.SetBoundary(p, static_cast<int32_t>(rng.pick<int64_t>({6, 32, rng.between(6, 32)})));
         std::vector<std::string> names = kNames;  // shuffled the same way with every standard library
-        for (size_t i = names.size(); i > 1; --i) std::swap(names[i - 1], names[static_cast<size_t>(rng.between(0, static_cast<int64_t>(i) - 1))]);
+        for (int64_t i = static_cast<int64_t>(names.size()) - 1; i > 0; --i)
+            std::swap(names[static_cast<size_t>(i)], names[static_cast<size_t>(rng.between(0, i))]);
         std::vector<HostField> fields;
         for (int16_t i = 0, n = static_cast<int16_t>(rng.between(1, 8)); i < n; ++i)
             fields.push_back({names[2 * i], names[rng.chance(1, 2) ? 2 * i : 2 * i + 1],

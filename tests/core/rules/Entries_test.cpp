@@ -51,11 +51,15 @@ TEST(NumberChecks, AcceptOnlyNumbersWithinTheBoundsOrEqualToTheValue) {
     }
     // A range check shows its message with the given title; the boundary boxes take 5 to 31 alike.
     RecordingPrompter prompter;
-    for (const auto& [text, ok] : {std::pair("5", true), {"31", true}, {"05", true}, {" 7 ", true}, {"4", false}, {"32", false}, {"", false}, {"x", false}})
-        EXPECT_EQ(std::tuple(CheckNumberInRange(5, 31, text, "Props", prompter, tr), checkBoundaryBox(text, tr).ok), std::tuple(ok, ok)) << text;
+    for (const auto& [text, ok] : {std::pair("5", true), {"31", true}, {"05", true}, {" 7 ", true}, {"4", false}, {"32", false},
+                                   {"", false}, {"x", false}}) {
+        EXPECT_EQ(std::tuple(CheckNumberInRange(5, 31, text, "Props", prompter, tr), checkBoundaryBox(text, tr).ok),
+                  std::tuple(ok, ok)) << text;
+    }
     ASSERT_EQ(prompter.messages.size(), 4u);
     const std::string range = "<Please enter a value between> 5 & 31!";
-    EXPECT_EQ(std::tuple(prompter.messages[2].title, prompter.messages[2].icon, prompter.messages[2].text, checkBoundaryBox("", tr).message),
+    const auto& empty = prompter.messages[2];
+    EXPECT_EQ(std::tuple(empty.title, empty.icon, empty.text, checkBoundaryBox("", tr).message),
               std::tuple("Props", Icon::Exclamation, range, range));
 }
 

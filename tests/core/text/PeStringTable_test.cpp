@@ -165,7 +165,10 @@ TEST_P(PeStringTableFormat, BuiltImagesChooseTheLanguageMendTextsAndSkipWhatIsNo
         {std::u16string(253, u'x') + u"\U0001F600yz", std::string(253, 'x') + emoji}};
     std::vector<std::u16string> slots;
     Lookups mendedTexts;
-    for (const auto& [units, text] : mended) mendedTexts.emplace_back(static_cast<int32_t>(slots.size()), text), slots.push_back(units);
+    for (const auto& [units, text] : mended) {
+        mendedTexts.emplace_back(static_cast<int32_t>(slots.size()), text);
+        slots.push_back(units);
+    }
     const std::string sound = stringTableSection({{1, {{0x0409, {u"x"}}}}});
     const std::tuple<std::string, std::size_t, Lookups> cases[] = {
         {peImage(stringTableSection({{1, {{0x0409, {u"en-1"}}, {0x0407, {u"de-1"}}, {0x0000, {u"neutral-1"}}}},
@@ -182,7 +185,8 @@ TEST_P(PeStringTableFormat, BuiltImagesChooseTheLanguageMendTextsAndSkipWhatIsNo
     for (const auto& [image, size, lookups] : cases) {
         const auto table = parsed(image);
         ASSERT_NE(table, nullptr);
-        EXPECT_EQ(std::tuple(table->format(), table->size()), std::tuple(plus ? PeStringTable::Format::Pe32Plus : PeStringTable::Format::Pe32, size));
+        EXPECT_EQ(std::tuple(table->format(), table->size()),
+                  std::tuple(plus ? PeStringTable::Format::Pe32Plus : PeStringTable::Format::Pe32, size));
         for (const auto& [id, text] : lookups) EXPECT_EQ(table->lookup(id), text) << "id " << id;
     }
 }
