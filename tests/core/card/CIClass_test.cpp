@@ -34,7 +34,7 @@ int32_t errorOf(const std::function<void()>& call) {
     return 0;
 }
 
-TEST(CIClass, BuildsPagesWithTheirFixedAreas) {
+TEST(CIClass, BuildsPagesWithTheirFixedAreasTheHidSwitchMovesOnlyTheFirstPagesFreeSpace) {
     // pages, page size, page 0's boundary
     for (const auto& [type, count, size, boundary] : {std::tuple(iSmallOnePage, 1, 256, 0), {iBigOnePage, 1, 2048, 0}, {iBigEightPages, 8, 256, 18}}) {
         CIClass card;
@@ -52,9 +52,7 @@ TEST(CIClass, BuildsPagesWithTheirFixedAreas) {
     }
     CIClass unknown = chip(static_cast<IClassType>(7));
     EXPECT_EQ(std::tuple(unknown.Pages().Count(), unknown.GetBoundary(0), errorOf([&] { unknown.SetBoundaries("1|2|3|4|5|6|7|8"); })), std::tuple(0, -1, 0));
-}
-
-TEST(CIClass, HidSwitchMovesOnlyTheFirstPagesFreeSpace) {
+    // The HID switch moves only the first page's free space.
     CIClass card = chip(iBigEightPages);
     card.setUseHIDSection(false);
     for (int n = 0; n < 8; ++n) EXPECT_EQ(card.Pages().Item(std::to_string(n)).BeginFreeSpace, 6) << n;
@@ -81,7 +79,7 @@ TEST(CIClass, SetBoundaryAcceptsPagesOneToSevenAndBlocksSixTo32) {
 // Eight parts set every page, the first included, without SetBoundary's range check; other
 // counts change nothing; a part that is no number raises a type mismatch (13), one beyond 32
 // bits an overflow (6), and no page changes.
-TEST(CIClass, SetBoundariesTakesExactlyEightNumbers) {
+TEST(CIClass, SetBoundariesTakesExactlyEightNumbersGetBoundaryHasItsOwnLimits) {
     const std::tuple<const char*, int, std::vector<int32_t>> cases[] = {
         {"1|11|12|13|14|15|16|100", 0, {1, 11, 12, 13, 14, 15, 16, 100}}, {"10|11", 0, kDefault}, {"", 0, kDefault},
         {"1|2|3|4|5|6|7|8|9", 0, kDefault}, {"10|11|x|13|14|15|16|17", 13, kDefault}, {"-3000000000|1|2|3|4|5|6|7", 6, kDefault},
@@ -97,9 +95,7 @@ TEST(CIClass, SetBoundariesTakesExactlyEightNumbers) {
         EXPECT_EQ(errorOf([&] { card.SetBoundaries("10|11|12|13|14|15|16|17"); }), kErrSubscriptOutOfRange);
         EXPECT_EQ(card.Pages().Item(1).Boundary, 0);
     }
-}
-
-TEST(CIClass, GetBoundaryLimitsAndDeepCopies) {
+    // GetBoundary's limits; copies are deep.
     CIClass card = chip(iBigEightPages);
     // Beyond the page count: -1; at the count, a key that does not exist; no lower bound check.
     EXPECT_EQ(std::tuple(card.GetBoundary(7), card.GetBoundary(9), errorOf([&] { card.GetBoundary(8); }), errorOf([&] { card.GetBoundary(-1); })), std::tuple(18, -1, kErrInvalidCall, kErrInvalidCall));

@@ -147,8 +147,7 @@ TEST(LayoutDocument, NewOpensACardWithTheHidAreaInUseAndSavesIt) {
     EXPECT_EQ(d.doc.card(), nullptr);
     d.doc.newLayout();
     ASSERT_NE(d.doc.card(), nullptr);
-    EXPECT_EQ(d.doc.card()->ChipSize(), iSmallOnePage);
-    EXPECT_EQ(d.doc.card()->page(0)->BeginFreeSpace, 19);
+    EXPECT_EQ(std::tuple(d.doc.card()->ChipSize(), d.doc.card()->page(0)->BeginFreeSpace), std::tuple(iSmallOnePage, 19));
     EXPECT_TRUE(d.doc.useHID() && !d.doc.useBit() && d.doc.layoutEntered() && !d.doc.saved());
     EXPECT_EQ(d.changes, std::vector<Change>{Change::Records});
     d.doc.setChipType(iBigEightPages);
@@ -156,12 +155,11 @@ TEST(LayoutDocument, NewOpensACardWithTheHidAreaInUseAndSavesIt) {
     EXPECT_EQ(d.doc.card()->GetBoundary(3), 13);
     EXPECT_TRUE(d.doc.saveAs(d.dir / "New.IIF"));
     const ProfileDocument file = ProfileDocument::parse(readBytes(d.dir / "New.IIF"));
-    EXPECT_EQ(file.getInt("CARDDESIGN", "UseHID", -1), 1);
-    EXPECT_EQ(file.getInt("CARDDESIGN", "UseBit", -1), 0);
-    EXPECT_EQ(file.getInt("CARDDESIGN", "Pages", -1), 8);
+    EXPECT_EQ(std::tuple(file.getInt("CARDDESIGN", "UseHID", -1), file.getInt("CARDDESIGN", "UseBit", -1),
+                         file.getInt("CARDDESIGN", "Pages", -1)), std::tuple(1, 0, 8));
 }
 
-TEST(LayoutDocument, OpenTakesTheFilesSwitchesOrChangesNothing) {
+TEST(LayoutDocument, OpenTakesTheFilesSwitchesOrChangesNothingAndTheAuditNamesWhatItDropped) {
     Doc d;
     d.doc.setLayout(CIClass(), {});
     for (const auto& [name, description] : {std::pair<std::string, std::string>{"", "No filename given."},
@@ -184,16 +182,12 @@ TEST(LayoutDocument, OpenTakesTheFilesSwitchesOrChangesNothing) {
                                         "UseHID=0", "[ENCODE]", "NAME(1)=0,6,0,4,0"}));
     ASSERT_TRUE(d.doc.open(d.dir / "Hid.IIF").opened);
     EXPECT_TRUE(d.doc.saved() && d.doc.useBit() && !d.doc.useHID());
-    EXPECT_EQ(d.doc.card()->page(0)->BeginFreeSpace, 6);
-    EXPECT_EQ(d.doc.records().size(), 1);
-    EXPECT_EQ(d.doc.layoutFile(), d.dir / "Hid.IIF");
+    EXPECT_EQ(std::tuple(d.doc.card()->page(0)->BeginFreeSpace, d.doc.records().size(), d.doc.layoutFile()),
+              std::tuple(6, 1, d.dir / "Hid.IIF"));
     EXPECT_EQ(d.changes, std::vector<Change>{Change::Records});
-}
 
-// A check of the open layout reports what its file held that could not be read, before the rules
-// its items break, until a save writes a file without it.
-TEST(LayoutDocument, AuditReportsTheEntriesTheOpenDroppedFirst) {
-    Doc d;
+    // A check of the open layout reports what its file held that could not be read, before the
+    // rules its items break, until a save writes a file without it.
     writeBytes(d.dir / "Past.IIF", crlf({"[CARDDESIGN]", "Size=2K", "UseHID=1", "[ENCODE]", "Past(1)=0,31,4,5,0", "Hid(1)=0,10,0,1,0"}));
     auto audit = [&d] {
         std::string out;
@@ -215,8 +209,7 @@ TEST(LayoutDocument, SaveAsAddsTheLayoutExtensionAndSaysSo) {
         Doc d;
         d.doc.newLayout();
         EXPECT_TRUE(d.doc.saveAs(d.dir / chosen)) << chosen;
-        EXPECT_EQ(d.doc.layoutFile(), d.dir / stored);
-        EXPECT_TRUE(std::filesystem::exists(d.dir / stored));
+        EXPECT_TRUE(d.doc.layoutFile() == d.dir / stored && std::filesystem::exists(d.dir / stored)) << stored;
         EXPECT_EQ(d.told(), chosen == stored ? std::vector<std::string>{} : std::vector<std::string>{"T3123"});
         EXPECT_TRUE(d.prompter.messages.empty() || d.prompter.messages[0].icon == Icon::Information);
     }
@@ -252,11 +245,9 @@ TEST(LayoutDocument, CloseTable) {
         int called = 0;
         EXPECT_EQ(d.doc.close([&] { ++called;
             return c.callbackSaves; }), c.closed);
-        EXPECT_EQ(called, c.named ? 0 : 1);
-        EXPECT_EQ(d.told(), c.questions);
-        EXPECT_EQ(d.doc.layoutEntered(), !c.closed);
-        EXPECT_EQ(d.doc.records().size(), c.closed ? 0 : 1);
-        EXPECT_EQ(d.doc.card() == nullptr, c.closed);
+        EXPECT_EQ(std::tuple(called, d.told()), std::tuple(c.named ? 0 : 1, c.questions));
+        EXPECT_EQ(std::tuple(d.doc.layoutEntered(), d.doc.records().size(), d.doc.card() == nullptr),
+                  std::tuple(!c.closed, c.closed ? 0 : 1, c.closed));
         EXPECT_FALSE(c.closed && (d.doc.saved() || d.doc.changed()));
         if (c.itemsInFile < 0) continue;
         Doc reader;

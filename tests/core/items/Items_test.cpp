@@ -44,7 +44,7 @@ TEST(RecordArray, KindWordsFollowTheFlagsInOrder) {
     for (const auto& [record, kind, code] : cases) EXPECT_EQ(std::tuple(kindWord(record), kindCode(kind)), std::tuple(kind, code)) << kind;
 }
 
-TEST(RecordArray, RemovingNeedsEveryShownValueAndMovesTheLastRecordIntoTheGap) {
+TEST(RecordArray, FindingNeedsEveryShownValueRemovingMovesTheLastRecordIntoTheGap) {
     RecordArray a = recordsOf({field("A", 0, 19, 0, 2), bitField("F", 0, 20, 1, 3, 4), field("C", 0, 21, 0, 1)});
     EXPECT_EQ(a.findByPosition({0, 19, 0, 1, 0, 0}, "A", "Field"), RecordArray::kNone);      // size
     EXPECT_EQ(a.findByPosition({0, 19, 0, 2, 0, 0}, "A", "Function"), RecordArray::kNone);   // kind
@@ -58,10 +58,8 @@ TEST(RecordArray, RemovingNeedsEveryShownValueAndMovesTheLastRecordIntoTheGap) {
     EXPECT_TRUE(a.removeByPosition({0, 20, 1, 4, 3, 4}, "F", "Bit Field"));
     EXPECT_TRUE(a.removeByPosition({0, 21, 0, 1, 0, 0}, "C", "Field"));
     EXPECT_EQ(a.highestIndex(), -1);
-}
-
-TEST(RecordArray, FirstMatchIsFoundAndRowsMapToIndexes) {
-    RecordArray a = recordsOf({dbUpdate("X", "Constant", "1"), field("A", 0, 19, 0, 1), field("A", 0, 19, 0, 1, 0, 5), dbUpdate("Y", "Count", "1", "1")});
+    // The first match is found; grid rows map to record indexes.
+    a = recordsOf({dbUpdate("X", "Constant", "1"), field("A", 0, 19, 0, 1), field("A", 0, 19, 0, 1, 0, 5), dbUpdate("Y", "Count", "1", "1")});
     EXPECT_EQ(a.findByPosition({0, 19, 0, 1, 0, 0}, "A", "Field"), 1);
     EXPECT_EQ(std::tuple(a.indexOfItemRow(1), a.indexOfItemRow(2), a.indexOfItemRow(3), a.indexOfDbUpdateRow(2)), std::tuple(1, 2, -1, 3));
     a.removeAt(0);
@@ -93,9 +91,7 @@ TEST(GridRows, EachKindShowsItsCellsAndReadsBackAsTheEditorsRecord) {
         EXPECT_EQ(std::tuple(e.numBytes, e.beginBit, e.numBits), std::tuple(bytes.value_or(0), beginBit.value_or(0), bits.value_or(0)));
         EXPECT_EQ(recordsOf({dbUpdate("Before", "Constant", "x"), record}).findByPosition({e.page, e.block, e.beginByte, e.numBytes, e.beginBit, e.numBits}, e.name, e.kindWord), 1);
     }
-}
-
-TEST(GridRows, DatabaseUpdateSummaries) {
+    // Database update rows summarise the function's values.
     for (const auto& [function, p1, p2, summary] : {std::tuple("Constant", "7", "", "<Value>: 7."), {"Count", "5", "2", "<Step>: 5. <Start value>: 2."}, {"CardSnNr", "0", "", "<Decimal>"}, {"CardSnNr", "", "", "<Decimal>"}, {"CardSnNr", "1", "", "<Hexadecimal>"}})
         EXPECT_EQ(dbUpdateSummary(function, p1, p2, tr), summary) << function << " " << p1;
 }

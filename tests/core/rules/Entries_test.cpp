@@ -49,11 +49,18 @@ TEST(NumberChecks, AcceptOnlyNumbersWithinTheBoundsOrEqualToTheValue) {
             EXPECT_EQ(std::tuple(prompter.messages[0].text, prompter.messages[0].title), std::tuple(message, "Kestrin")) << text;
         }
     }
-    // A range check shows its message with the given title.
+    // A range check shows its message with the given title; the boundary boxes take 5 to 31 alike.
     RecordingPrompter prompter;
-    for (const auto& [text, ok] : {std::pair("5", true), {"31", true}, {"4", false}, {"32", false}}) EXPECT_EQ(CheckNumberInRange(5, 31, text, "Props", prompter, tr), ok) << text;
-    ASSERT_EQ(prompter.messages.size(), 2u);
-    EXPECT_EQ(std::tuple(prompter.messages[1].title, prompter.messages[1].icon, prompter.messages[1].text), std::tuple("Props", Icon::Exclamation, "<Please enter a value between> 5 & 31!"));
+    for (const auto& [text, ok] : {std::pair("5", true), {"31", true}, {"05", true}, {" 7 ", true}, {"4", false}, {"32", false},
+                                   {"", false}, {"x", false}}) {
+        EXPECT_EQ(std::tuple(CheckNumberInRange(5, 31, text, "Props", prompter, tr), checkBoundaryBox(text, tr).ok),
+                  std::tuple(ok, ok)) << text;
+    }
+    ASSERT_EQ(prompter.messages.size(), 4u);
+    const std::string range = "<Please enter a value between> 5 & 31!";
+    const auto& empty = prompter.messages[2];
+    EXPECT_EQ(std::tuple(empty.title, empty.icon, empty.text, checkBoundaryBox("", tr).message),
+              std::tuple("Props", Icon::Exclamation, range, range));
 }
 
 BoundaryTexts allAt(const std::string& value) {
@@ -72,33 +79,26 @@ const std::string kCutMessage = "Some or all application boundaries cut through 
 const std::string kHidMessage = "HID Space should not cover database items or functions.\r\n"
                                 "Disable HID application or click cancel and move your iClass items.";
 
-TEST(LayoutProperties, BoxOfPageNMinusOneIsComparedWithItemsOfPageN) {
+TEST(LayoutProperties, BoxOfPageNMinusOneIsComparedWithItemsOfPageNTheHidAreaWithPageZero) {
     // Page 0 is never checked; P2 takes blocks 19 and 20.
-    const RecordArray records = recordsOf({field("P0", 0, 19, 0, 16), field("P2", 2, 19, 0, 16), field("P7", 7, 19, 0, 16)});
+    RecordArray records = recordsOf({field("P0", 0, 19, 0, 16), field("P2", 2, 19, 0, 16), field("P7", 7, 19, 0, 16)});
     // Box 1 pairs with page 2: one block into the item; box 6 with page 7: exactly at the item's
     // first block; box 7 is never compared.
     BoundaryTexts boxes = allAt("18");
     boxes[1] = "20", boxes[6] = "19", boxes[7] = "20";
-    const auto check = checkLayoutProperties(boxes, false, records, tr);
+    auto check = checkLayoutProperties(boxes, false, records, tr);
     EXPECT_EQ(std::tuple(check.boundaryFailed, check.cutItems, check.cutBoxes[1], check.cutBoxes[6], check.cutBoxes[7], check.messages),
               std::tuple(true, std::vector<int32_t>{1}, true, false, false, std::vector<std::string>{kCutMessage}));
-}
-
-TEST(LayoutProperties, HidCheckAndBothMessagesInOrder) {
-    const RecordArray records = recordsOf({field("Hid", 0, 18, 0, 1), field("Free", 0, 19, 0, 1), field("Cut", 1, 17, 0, 16)});
+    // The HID check; both messages in order.
+    records = recordsOf({field("Hid", 0, 18, 0, 1), field("Free", 0, 19, 0, 1), field("Cut", 1, 17, 0, 16)});
     RecordingPrompter prompter;
-    const auto check = checkLayoutProperties(allAt("18"), true, records, tr);
+    check = checkLayoutProperties(allAt("18"), true, records, tr);
     EXPECT_EQ(check.hidItems, std::vector<int32_t>{0});
     EXPECT_FALSE(acceptLayoutProperties(check, prompter));
     ASSERT_EQ(prompter.messages.size(), 2u);
     EXPECT_EQ(std::tuple(prompter.messages[0].text, prompter.messages[1].text), std::tuple(kCutMessage, kHidMessage));
     EXPECT_TRUE(checkLayoutProperties(allAt("18"), false, RecordArray{}, tr).messages.empty());
     EXPECT_TRUE(acceptLayoutProperties(checkLayoutProperties(allAt("16"), false, records, tr), prompter));
-}
-
-TEST(LayoutProperties, BoundaryBoxesAcceptFiveToThirtyOne) {
-    for (const auto& [text, ok] : {std::pair("5", true), {"31", true}, {"05", true}, {" 7 ", true}, {"4", false}, {"32", false}, {"", false}, {"x", false}}) EXPECT_EQ(checkBoundaryBox(text, tr).ok, ok) << text;
-    EXPECT_EQ(checkBoundaryBox("", tr).message, "<Please enter a value between> 5 & 31!");
 }
 
 TEST(LayoutProperties, ControlsMapToChipTypesAndWriteBack) {
@@ -121,7 +121,7 @@ DbUpdateEntries entries(std::string function, std::string constant, std::string 
     return {std::move(function), std::move(field), 4, std::move(constant), std::move(number), std::move(step), hex};
 }
 
-TEST(DbUpdateRules, EntriesAreCheckedAndBecomeOneRecord) {
+TEST(EditorEntries, DatabaseUpdateAndItemEntriesAreCheckedAndBecomeOneRecord) {
     using Box = DbUpdateBox;
     const std::tuple<DbUpdateEntries, int32_t, Box, std::string, std::string> cases[] = {
         {entries("Constant", "0", "", ""), 0, Box::None, "0", ""}, {entries("Constant", "255", "", ""), 0, Box::None, "255", ""},
@@ -137,9 +137,7 @@ TEST(DbUpdateRules, EntriesAreCheckedAndBecomeOneRecord) {
         const ItemRecord r = dbUpdateRecordOf(e);
         if (!v) { EXPECT_EQ(std::tuple(r.isDbUpdate, r.name, r.dbFieldName, r.dbColumn, r.param1, r.param2, dbUpdateEntriesOf(r).function), std::tuple(true, e.function, "NUMBER", 4, param1, param2, e.function)); }
     }
-}
-
-TEST(EditorEntries, TheRecordHasTheKindPlaceAndSizeOfItsMode) {
+    // The item editor's record has the kind, place and size of its mode.
     const std::pair<int32_t, const char*> modes[] = {{kModeField, "Field"}, {kModeFunction, "Function"}, {kModeBitField, "Bit Field"}, {kModeBitFunction, "Bit Function"}};
     for (const auto& [mode, kind] : modes) {
         EditorEntries e;
@@ -211,7 +209,7 @@ TEST(EncodingCodes, ListFormatsGiveTheStoredCodeAndReadBack) {
     EXPECT_EQ(std::tuple(encodingChoiceOf(kFieldTypeNumber, 7), encodingChoiceOf(kFieldTypeDate, 11), encodingChoiceOf(-1, 1)), std::tuple(EncodingChoice{0, -1}, EncodingChoice{0, 0}, EncodingChoice{-1, -1}));
 }
 
-TEST(SizeTyping, CutsToTheModesLimit) {
+TEST(SizeTyping, CutsToTheModesLimitAndSpinsByOneAtOrAboveOne) {
     const std::tuple<std::string, int32_t, std::string_view, bool, std::string> cases[] = {
         {"400", 2, "", false, "384"}, {"384", 2, "", false, "384"}, {"300", 0, "", false, "256"}, {"256", 0, "", false, "256"},
         {"300", 1, "Count", false, "256"}, {"2", 3, "Checksum", true, "1"}, {"9", 3, "Checksum", false, "8"},
@@ -219,19 +217,17 @@ TEST(SizeTyping, CutsToTheModesLimit) {
         {k40Digits, 2, "", false, "384"}, {k40Digits, 0, "", false, "256"}};
     for (const auto& [text, mode, function, parity, want] : cases)
         EXPECT_EQ(limitSizeText(text, mode, function, parity, 256), want) << text << " mode " << mode;
-}
-
-TEST(SpinButtons, StepByOneAndStayAtOrAboveOne) {
-    const std::tuple<std::string, std::string, std::string> cases[] = {
+    // The spin buttons step by one and stay at or above one.
+    const std::tuple<std::string, std::string, std::string> spins[] = {
         {"", "2", ""}, {"x", "2", "x"}, {"0", "1", "0"}, {"1", "2", "1"}, {"2", "3", "1"}, {"099", "100", "98"},
         {"32767", "32768", "32766"}, {"1.5", "2.5", "1"}, {k40Digits, "1" + std::string(40, '0'), std::string(39, '9') + "8"},
         {"1" + std::string(40, '0'), "1" + std::string(39, '0') + "1", k40Digits}};
-    for (const auto& [text, up, down] : cases) EXPECT_EQ(std::tuple(spinUp(text), spinDown(text)), std::tuple(up, down)) << text;
+    for (const auto& [text, up, down] : spins) EXPECT_EQ(std::tuple(spinUp(text), spinDown(text)), std::tuple(up, down)) << text;
 }
 
 using K = FunctionKind;
 
-TEST(FunctionBoxes, ShowTheBoxesTheChoiceUses) {
+TEST(FunctionProperties, TheBoxesSizesAndValueLimitsFollowTheChoiceAndMode) {
     // constantValue, fieldList, countFirstValue, countNumber, countStep, polynom, startValue, range, sizeEnabled
     const std::tuple<K, int, bool, int32_t, PropertyBoxes> cases[] = {
         {K::Constant, 0, false, 1, {true, false, false, false, false, false, false, false, true}},
@@ -242,21 +238,19 @@ TEST(FunctionBoxes, ShowTheBoxesTheChoiceUses) {
         {K::Checksum, 3, false, 3, {false, false, false, false, false, false, true, true, false}}};
     for (const auto& [kind, option, fromField, mode, want] : cases)
         EXPECT_EQ(propertyBoxes(kind, option, fromField, mode), want) << int(kind) << " option " << option << " mode " << mode;
-}
-
-TEST(FunctionProperties, SizesAndValueLimitsFollowTheRepresentationMethodAndMode) {
+    // Sizes and value limits follow the representation method and mode.
     const std::pair<int, std::optional<int64_t>> cardSnNr[] = {{0, 10}, {1, 8}, {2, 4}, {3, 4}, {4, std::nullopt}};
     for (const auto& [option, bytes] : cardSnNr) EXPECT_EQ(requiredCardSnNrBytes(option), bytes) << option;
     EXPECT_EQ(std::tuple(fixedSize(K::Checksum, kChecksumAdd, 3), fixedSize(K::Checksum, kChecksumParity, 3), fixedSize(K::Checksum, kChecksumCrc, 3)), std::tuple(8, 1, std::nullopt));
     // The value boxes' limits follow the mode.
-    const std::tuple<ValueBox, int32_t, K, int, int64_t, Limits> cases[] = {
+    const std::tuple<ValueBox, int32_t, K, int, int64_t, Limits> limits[] = {
         {ValueBox::ConstantValue, 1, K::Constant, 0, 8, {0, 255}}, {ValueBox::ConstantValue, 3, K::Constant, 0, 9, {0, 4294967295}},
         {ValueBox::CountNumber, 3, K::Count, 0, 16, {0, 255}}, {ValueBox::Polynom, 1, K::Checksum, 2, 8, {257, 511}},
         {ValueBox::Polynom, 3, K::Checksum, 2, 1, {3, 3}}, {ValueBox::Polynom, 3, K::Checksum, 2, 8, {257, 511}},
         {ValueBox::Polynom, 3, K::Checksum, 2, 0, {3, 3}}, {ValueBox::Polynom, 3, K::Checksum, 2, 100, {(int64_t{1} << 62) + 1, INT64_MAX}},
         {ValueBox::StartValue, 3, K::Checksum, 2, 4, {0, 15}}, {ValueBox::StartValue, 1, K::Checksum, 3, 8, {0, 1}},
         {ValueBox::StartValue, 3, K::Checksum, 1, 8, {0, 255}}};
-    for (const auto& [box, mode, kind, option, bits, want] : cases)
+    for (const auto& [box, mode, kind, option, bits, want] : limits)
         EXPECT_EQ(boxLimits(box, mode, kind, option, bits), want) << int(box) << " mode " << mode << " bits " << bits;
     // The size box: room left in the page, the begin bit counted.
     for (const auto& [mode, row, byte, bit, max] : {std::tuple(0, 30, 0, 0, 16), {1, 30, 1, 5, 15}, {2, 30, 1, 5, 125}, {3, 30, 0, 7, 135}, {0, 32, 0, 0, 0}})

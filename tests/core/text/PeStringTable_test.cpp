@@ -139,32 +139,6 @@ TEST_P(PeStringTableFormat, RefusesEveryTruncationWithAReason) {
     }
 }
 
-TEST_P(PeStringTableFormat, ChoosesTheLanguageByBlockWhateverTheEntryOrder) {
-    const auto table = parsed(peImage(stringTableSection({
-        {1, {{0x0409, {u"en-1"}}, {0x0407, {u"de-1"}}, {0x0000, {u"neutral-1"}}}}, {2, {{0x0407, {u"de-2"}}, {0x0409, {u"en-2"}}}},
-        {3, {{0x040C, {u"fr-3"}}, {0x0407, {u"de-3"}}}}, {4, {{0x0411, {}}, {0x0409, {u"en-4"}}}},  // the first is empty, English still wins
-        {5, {{0x0409, {u"first"}}}}, {5, {{0x0000, {u"second"}}}}}),  // a repeated block: the first entry counts
-        GetParam()).s);
-    ASSERT_NE(table, nullptr);
-    EXPECT_EQ(table->format(), GetParam() ? PeStringTable::Format::Pe32Plus : PeStringTable::Format::Pe32);
-    for (const auto& [id, text] : {std::pair(0, "neutral-1"), {16, "en-2"}, {32, "fr-3"}, {48, "en-4"}, {64, "first"}}) EXPECT_EQ(table->lookup(id), text) << id;
-}
-
-TEST_P(PeStringTableFormat, ReplacesUnpairedSurrogatesAndCutsBetweenCharacters) {
-    const std::string bad = "\xEF\xBF\xBD", emoji = "\xF0\x9F\x98\x80";
-    const std::pair<std::u16string, std::string> cases[] = {
-        {{u'a', 0xD800}, "a" + bad}, {{0xDC00, 0xD800}, bad + bad}, {{0xD83D, 0xDE00, 0xD83D}, emoji + bad},
-        {{0xD83D, 0xD83D, 0xDE00, u'b'}, bad + emoji + "b"},
-        // At the 255-unit cut a lone half stays (as U+FFFD), and so does a pair that ends there.
-        {std::u16string(254, u'x') + std::u16string{0xD800, u'y'}, std::string(254, 'x') + bad},
-        {std::u16string(253, u'x') + u"\U0001F600yz", std::string(253, 'x') + emoji}};
-    std::vector<std::u16string> slots;
-    for (const auto& c : cases) slots.push_back(c.first);
-    const auto table = parsed(peImage(stringTableSection({{1, {{0x0409, slots}}}}), GetParam()).s);
-    ASSERT_NE(table, nullptr);
-    for (std::size_t i = 0; i < std::size(cases); ++i) EXPECT_EQ(table->lookup(static_cast<int32_t>(i)), cases[i].second) << "slot " << i;
-}
-
 // Root: a named type and the string type; string type: a named block, block 0, block 1, and
 // block 1 again as a damaged entry that the first one makes irrelevant.
 ByteWriter namedEntries() {
@@ -176,19 +150,44 @@ ByteWriter namedEntries() {
     return rsrc.zerosTo(0x200).u16(4).bytes(std::string_view("N\0A\0M\0E\0", 8));
 }
 
-TEST_P(PeStringTableFormat, SkipsNamedEntriesRepeatedBlocksAndWhatIsNoStringTable) {
+// Images built here: the language each block chooses whatever the entry order, unpaired
+// surrogates replaced and cuts made between characters, named entries, repeated blocks and what
+// is no string table skipped.
+TEST_P(PeStringTableFormat, BuiltImagesChooseTheLanguageMendTextsAndSkipWhatIsNoStringTable) {
     const bool plus = GetParam();
+    const std::string bad = "\xEF\xBF\xBD", emoji = "\xF0\x9F\x98\x80";
+    using Lookups = std::vector<std::pair<int32_t, std::optional<std::string>>>;
+    const std::pair<std::u16string, std::string> mended[] = {
+        {{u'a', 0xD800}, "a" + bad}, {{0xDC00, 0xD800}, bad + bad}, {{0xD83D, 0xDE00, 0xD83D}, emoji + bad},
+        {{0xD83D, 0xD83D, 0xDE00, u'b'}, bad + emoji + "b"},
+        // At the 255-unit cut a lone half stays (as U+FFFD), and so does a pair that ends there.
+        {std::u16string(254, u'x') + std::u16string{0xD800, u'y'}, std::string(254, 'x') + bad},
+        {std::u16string(253, u'x') + u"\U0001F600yz", std::string(253, 'x') + emoji}};
+    std::vector<std::u16string> slots;
+    Lookups mendedTexts;
+    for (const auto& [units, text] : mended) {
+        mendedTexts.emplace_back(static_cast<int32_t>(slots.size()), text);
+        slots.push_back(units);
+    }
     const std::string sound = stringTableSection({{1, {{0x0409, {u"x"}}}}});
-    const std::tuple<std::string, std::size_t, std::optional<std::string>> cases[] = {
-        {peImage(namedEntries().s, plus).s, 1, "ok"},
-        {peImage(ByteWriter().directory(0, 1).entry(3, Subdirectory | 0x18).directory(0, 0).s, plus).s, 0, std::nullopt},  // icons only
-        {peImage(ByteWriter().directory(0, 1).entry(6, Subdirectory | 0x18).directory(0, 1).entry(1, Subdirectory | 0x30).zerosTo(0x30).directory(0, 0).s, plus).s, 0, std::nullopt},  // no languages
-        {peImage(sound, plus).put(resourceDirectoryAt(plus), 0).s, 0, std::nullopt},  // no resource table
-        {peImage(sound, plus).put(rvaCountAt(plus), 2).s, 0, std::nullopt}};         // its entry not counted
-    for (const auto& [image, size, text] : cases) {
+    const std::tuple<std::string, std::size_t, Lookups> cases[] = {
+        {peImage(stringTableSection({{1, {{0x0409, {u"en-1"}}, {0x0407, {u"de-1"}}, {0x0000, {u"neutral-1"}}}},
+                                     {2, {{0x0407, {u"de-2"}}, {0x0409, {u"en-2"}}}}, {3, {{0x040C, {u"fr-3"}}, {0x0407, {u"de-3"}}}},
+                                     {4, {{0x0411, {}}, {0x0409, {u"en-4"}}}},  // the first is empty, English still wins
+                                     {5, {{0x0409, {u"first"}}}}, {5, {{0x0000, {u"second"}}}}}),  // a repeated block: the first counts
+                 plus).s, 5, {{0, "neutral-1"}, {16, "en-2"}, {32, "fr-3"}, {48, "en-4"}, {64, "first"}}},
+        {peImage(stringTableSection({{1, {{0x0409, slots}}}}), plus).s, 6, mendedTexts},
+        {peImage(namedEntries().s, plus).s, 1, {{0, "ok"}}},
+        {peImage(ByteWriter().directory(0, 1).entry(3, Subdirectory | 0x18).directory(0, 0).s, plus).s, 0, {{0, std::nullopt}}},  // icons only
+        {peImage(ByteWriter().directory(0, 1).entry(6, Subdirectory | 0x18).directory(0, 1).entry(1, Subdirectory | 0x30).zerosTo(0x30).directory(0, 0).s, plus).s, 0, {{0, std::nullopt}}},  // no languages
+        {peImage(sound, plus).put(resourceDirectoryAt(plus), 0).s, 0, {{0, std::nullopt}}},  // no resource table
+        {peImage(sound, plus).put(rvaCountAt(plus), 2).s, 0, {{0, std::nullopt}}}};         // its entry not counted
+    for (const auto& [image, size, lookups] : cases) {
         const auto table = parsed(image);
         ASSERT_NE(table, nullptr);
-        EXPECT_EQ(std::tuple(table->size(), table->lookup(0)), std::tuple(size, text));
+        EXPECT_EQ(std::tuple(table->format(), table->size()),
+                  std::tuple(plus ? PeStringTable::Format::Pe32Plus : PeStringTable::Format::Pe32, size));
+        for (const auto& [id, text] : lookups) EXPECT_EQ(table->lookup(id), text) << "id " << id;
     }
 }
 
