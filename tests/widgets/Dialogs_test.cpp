@@ -341,7 +341,7 @@ TEST(DBUpdate, ABoxOutOfRangeIsRefusedAndOkWritesTheChosenFieldAndFunctionAsOneR
 }
 
 TEST(DBUpdate, EditingPresetsTheControlsAndOkReplacesTheRecordInPlaceWhileCancelKeepsIt) {
-    for (const char* button : {"cmdOK", "cmdCancel"}) {
+    for (const auto& [button, ok] : {std::pair{"cmdOK", true}, {"cmdCancel", false}}) {
         const ItemRecord item = field("Card", 0, 20, 0, 4);
         Dialog d({update("BIRTH", 2, "CardSnNr", "1"), item});
         frmDBUpdate& u = d.open<frmDBUpdate>(0);
@@ -350,7 +350,6 @@ TEST(DBUpdate, EditingPresetsTheControlsAndOkReplacesTheRecordInPlaceWhileCancel
         d.click("optFunction(0)");
         d.type("txtConstantValue", "42");
         d.click(button);
-        const bool ok = button == std::string("cmdOK");
         EXPECT_EQ(u.Cancelled, !ok);
         EXPECT_EQ(d.records().records(), (std::vector<ItemRecord>{ok ? update("BIRTH", 2, "Constant", "42")
                                                                      : update("BIRTH", 2, "CardSnNr", "1"), item}));
