@@ -72,21 +72,20 @@ struct Host : FileChooser {
 };
 
 // Adds the first database field through the item editor as the operator would: at the given
-// block, begin byte 0, the given size, Apply and OK.
-int addFieldInEditor(QDialog& dialog, int block, int bytes) {
+// block, begin byte 0, four bytes, Apply and OK.
+int addFieldInEditor(QDialog& dialog, int block) {
+    const Controls ed{&dialog};
     dialog.show();
-    auto* fields = dialog.findChild<QTableWidget*>("grdFields");
-    QTest::mouseClick(fields->viewport(), Qt::LeftButton, {}, fields->visualItemRect(fields->item(0, 0)).center());
-    for (const auto& [name, value] : {std::pair{"cboRow", block}, {"cboBeginByte", 0}})
-        dialog.findChild<QComboBox*>(name)->setCurrentText(QString::number(value));
-    dialog.findChild<QLineEdit*>("txtNrBytes")->clear();
-    QTest::keyClicks(dialog.findChild<QLineEdit*>("txtNrBytes"), QString::number(bytes));
-    dialog.findChild<QPushButton*>("cmdApply")->click();
-    dialog.findChild<QPushButton*>("cmdOK")->click();
+    ed.clickField(0);
+    ed.place(block, 0, "4");
+    ed.click("cmdApply");
+    ed.click("cmdOK");
     return dialog.result();
 }
 
 const std::vector<QString> kRefresh = {"Changed", "GenericEvent Hallo xyz"};
+// Qt's model checker stops the run at the first inconsistency of a grid's model.
+constexpr auto kFatal = QAbstractItemModelTester::FailureReportingMode::Fatal;
 
 // What an ActiveX server makes of the meta-object: from the class named by ToSuperClass on,
 // exactly these properties and methods in their order, and three events.
@@ -182,9 +181,10 @@ TEST(IClassBridge, TheProbeNameDoesNothingAndAnyOtherNameTellsTheControlIsOutOfD
 // EditItem opens the editor on the current row; RemoveItem asks and removes it.
 TEST(IClassSession, AHostMakesEditsSavesClosesAndReopensALayoutByMemberName) {
     Host host;
+    QAbstractItemModelTester checker(host.grid("grdItems")->model(), kFatal);
     host.startLayout();
     for (int block : {20, 25}) {
-        host.onDialog = [block](QDialog& d) { return addFieldInEditor(d, block, 4); };
+        host.onDialog = [block](QDialog& d) { return addFieldInEditor(d, block); };
         host.events.clear();
         host.call("AddField");
         EXPECT_EQ(host.events, kRefresh);
@@ -200,16 +200,14 @@ TEST(IClassSession, AHostMakesEditsSavesClosesAndReopensALayoutByMemberName) {
     EXPECT_EQ(host.messageTexts(), std::vector<std::string>{"T3104\r\nT3105"});
     EXPECT_EQ(host.control.document().records().size(), 1);
 
-    host.prompter.messages.clear();
     host.answer = host.path("Staff");
     EXPECT_TRUE(host.callFor<bool>("SaveiClassAs"));
     EXPECT_EQ(host.chosen, QStringList({"T3122", host.path(""), "Lumisk (*.IIF);;T3121 (*.*)"}));
-    EXPECT_EQ(host.messageTexts(), std::vector<std::string>{"T3123"});
+    EXPECT_EQ(host.messageTexts(), (std::vector<std::string>{"T3104\r\nT3105", "T3123"}));
     EXPECT_EQ(std::make_pair(host.get("LayoutFile").toString(), host.get("Saved").toBool()), std::make_pair(host.path("Staff.IIF"), true));
 
-    host.prompter.messages.clear();
     EXPECT_TRUE(host.callFor<bool>("CloseLayout"));
-    EXPECT_EQ(host.messageTexts(), std::vector<std::string>{"T3124"});
+    EXPECT_EQ(host.messageTexts(), (std::vector<std::string>{"T3104\r\nT3105", "T3123", "T3124"}));
     EXPECT_EQ(std::make_tuple(host.cell("grdItems", 0, 1), host.grid("grdItems")->model()->rowCount(), host.get("CLessLayoutEntered").toBool(),
                               host.get("Saved").toBool(), host.get("LayoutFile").toString()),
               std::make_tuple(QString(), 1, false, false, QString()));
@@ -238,16 +236,10 @@ TEST(IClassSession, SaveLayoutUsesTheEncodePathAndANewLayoutSavesItsHidArea) {
     EXPECT_TRUE(host.control.document().card()->EnableBitwise());
 }
 
-struct GateCase {
-    const char* member;
-    bool gated;          // does nothing until a layout is entered
-    const char *dialog;  // the dialog it opens, or the message it shows
-    const char* told;
-};
-
-// A dialog the operator cancels leaves the grids, the card and the saved mark as they were.
+// Each member, whether it does nothing until a layout is entered, the dialog it opens and the
+// message it shows. A dialog the operator cancels leaves the grids, the card and the saved mark as they were.
 TEST(IClassCommands, ItemDialogsOpenWhileALayoutIsEnteredAndACancelledOneChangesNothing) {
-    const GateCase cases[] = {
+    const std::tuple<const char*, bool, const char*, const char*> cases[] = {
         {"AddField", true, "frmEditiClass", ""},
         {"AddFunction", true, "frmEditiClass", ""},
         {"AddDBUpdateItem", true, "frmDBUpdate", ""},
@@ -257,23 +249,23 @@ TEST(IClassCommands, ItemDialogsOpenWhileALayoutIsEnteredAndACancelledOneChanges
         {"AddBitField", false, "", "This function has not been implemented yet!"},
         {"AddBitFunction", false, "", "This function has not been implemented yet!"},
     };
-    for (const GateCase& c : cases) {
-        SCOPED_TRACE(c.member);
-        const std::vector<QString> opened = *c.dialog ? std::vector<QString>{c.dialog} : std::vector<QString>{};
+    for (const auto& [member, gated, dialog, told] : cases) {
+        SCOPED_TRACE(member);
+        const std::vector<QString> opened = *dialog ? std::vector<QString>{dialog} : std::vector<QString>{};
         Host host;
-        host.call(c.member);
-        EXPECT_EQ(host.dialogs, c.gated ? std::vector<QString>{} : opened);
+        host.call(member);
+        EXPECT_EQ(host.dialogs, gated ? std::vector<QString>{} : opened);
         Host saved;
         saved.startLayout();
         saved.answer = saved.path("Saved.IIF");
         ASSERT_TRUE(saved.callFor<bool>("SaveiClassAs"));
         saved.events.clear();
         saved.prompter.messages.clear();
-        saved.call(c.member);
-        EXPECT_EQ(saved.dialogs, opened);
-        EXPECT_EQ(saved.messageTexts(), *c.told ? std::vector<std::string>{c.told} : std::vector<std::string>{});
-        EXPECT_TRUE(saved.events.empty());
-        EXPECT_TRUE(saved.get("Saved").toBool());
+        saved.call(member);
+        EXPECT_EQ(std::make_tuple(saved.dialogs, saved.messageTexts(), saved.events.size(),
+                                  saved.get("Saved").toBool()),
+                  std::make_tuple(opened, *told ? std::vector<std::string>{told} : std::vector<std::string>{}, 0u,
+                                  true));
     }
 }
 
@@ -281,8 +273,8 @@ TEST(IClassCommands, PropertiesConfirmedOnANewLayoutAreOneChange) {
     Host host;
     const auto confirmBitwise = [](QDialog& d) {
         d.show();
-        d.findChild<QCheckBox*>("chkICBitwise")->setChecked(true);
-        d.findChild<QPushButton*>("cmdOK")->click();
+        Controls{&d}.click("chkICBitwise");
+        Controls{&d}.click("cmdOK");
         return d.result();
     };
     host.onDialog = confirmBitwise;  // Cancel: nullptr
@@ -291,8 +283,7 @@ TEST(IClassCommands, PropertiesConfirmedOnANewLayoutAreOneChange) {
               std::make_tuple(std::vector<QString>{"frmProperties"}, kRefresh, true));
     host.events.clear();
     host.onDialog = nullptr;
-    host.call("SetProperties");
-    EXPECT_TRUE(host.events.empty());
+    host.call("SetProperties");  // cancelled: no event
     host.onDialog = confirmBitwise;
     host.call("SetProperties");
     EXPECT_EQ(host.events, std::vector<QString>{"Changed"});
@@ -318,11 +309,17 @@ TEST(IClassFields, FetchingFieldsNamesTheDatabaseUpdatesOfAnOpenLayout) {
     IClass control;
     control.setProperty("ProjectFile", QString(KESTRIN_WIDGET_EXAMPLES "/project/Sample.ini"));
     ASSERT_TRUE(control.OpenLayout(KESTRIN_WIDGET_EXAMPLES "/layouts/Visitors16K.IIF"));
-    const auto names = [&] { return control.dbUpdateGrid()->model()->index(0, 1).data().toString() + "," +
-                                     control.dbUpdateGrid()->model()->index(1, 1).data().toString(); };
-    EXPECT_EQ(names(), ",");
+    QAbstractItemModel& grid = *control.dbUpdateGrid()->model();
+    QAbstractItemModelTester checker(&grid, kFatal);
+    const auto rows = [&] {  // field, function and settings of the two updates
+        QStringList cells;
+        for (int row = 0; row < 2; ++row)
+            for (int column = 1; column < 4; ++column) cells << grid.index(row, column).data().toString();
+        return cells.join('|');
+    };
+    EXPECT_EQ(rows(), "|Constant|<Value>: 1.||CardSnNr|<Decimal>");
     EXPECT_TRUE(control.FetchDBFields());
-    EXPECT_EQ(names(), "ACCESSLEVEL,ENCODECOUNT");
+    EXPECT_EQ(rows(), "ACCESSLEVEL|Constant|<Value>: 1.|ENCODECOUNT|CardSnNr|<Decimal>");
     EXPECT_TRUE(control.property("Saved").toBool());
 }
 

@@ -22,7 +22,57 @@ inline std::vector<std::string> texts(const RecordingPrompter& prompter) {
     return shown;
 }
 
-struct DialogFixture {
+// Drives the real controls of a window by their names.
+struct Controls {
+    QWidget* root = nullptr;
+
+    template <class T = QWidget>
+    T* child(const QString& name) const {
+        T* w = root->findChild<T*>(name);
+        EXPECT_NE(w, nullptr) << name.toStdString();
+        return w;
+    }
+    void click(const QString& name) const { child<QAbstractButton>(name)->click(); }
+    void type(const QString& box, const QString& text) const {
+        child<QLineEdit>(box)->clear();
+        QTest::keyClicks(child<QLineEdit>(box), text);
+    }
+    QString text(const QString& box) const { return child<QLineEdit>(box)->text(); }
+    void choose(const QString& combo, const QString& entry) const {
+        EXPECT_GE(child<QComboBox>(combo)->findText(entry), 0) << combo.toStdString() << " has no " << entry.toStdString();
+        child<QComboBox>(combo)->setCurrentIndex(child<QComboBox>(combo)->findText(entry));
+    }
+    // Clicks a row of the field grid, as the operator picks a field.
+    void clickField(int row, Qt::KeyboardModifiers modifiers = {}) const {
+        QTableWidget* grid = child<QTableWidget>("grdFields");
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, modifiers, grid->visualItemRect(grid->item(row, 0)).center());
+    }
+    // Moves the keyboard focus out of a box the way Tab does; a box that still has the focus
+    // afterwards has taken it back.
+    void leave(const QString& box) const {
+        if (!child<QLineEdit>(box)->hasFocus()) {
+            QFocusEvent out(QEvent::FocusOut, Qt::TabFocusReason);
+            QApplication::sendEvent(child<QLineEdit>(box), &out);
+        }
+        QWidget* pageList = root->findChild<QWidget*>("cboPage");  // the update dialog has none
+        (pageList ? pageList : child("grdFields"))->setFocus(Qt::TabFocusReason);
+        QApplication::processEvents();
+    }
+    // Chooses place and size: block, begin byte and the size text.
+    void place(int block, int byte, const QString& size) const {
+        choose("cboRow", QString::number(block));
+        choose("cboBeginByte", QString::number(byte));
+        type("txtNrBytes", size);
+    }
+    void activate() const {
+        root->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(root));
+    }
+    bool applyEnabled() const { return child<QPushButton>("cmdApply")->isEnabled(); }
+    QColor mapColour(int row, int column) const { return child<QTableWidget>("grdPreview")->item(row, column)->background().color(); }
+};
+
+struct DialogFixture : Controls {
     TempDir dir;
     CatalogRegistry registry;
     RecordingPrompter prompter{Answer::Ok};
@@ -49,52 +99,9 @@ struct DialogFixture {
     D& open(Args&&... args) {
         form = std::make_unique<D>(doc, std::forward<Args>(args)...);
         form->show();
+        root = form.get();
         return static_cast<D&>(*form);
     }
-    template <class T = QWidget>
-    T* child(const QString& name) const {
-        T* w = form->findChild<T*>(name);
-        EXPECT_NE(w, nullptr) << name.toStdString();
-        return w;
-    }
-    void click(const QString& name) const { child<QAbstractButton>(name)->click(); }
-    void type(const QString& box, const QString& text) const {
-        child<QLineEdit>(box)->clear();
-        QTest::keyClicks(child<QLineEdit>(box), text);
-    }
-    QString text(const QString& box) const { return child<QLineEdit>(box)->text(); }
-    void choose(const QString& combo, const QString& entry) const {
-        EXPECT_GE(child<QComboBox>(combo)->findText(entry), 0) << combo.toStdString() << " has no " << entry.toStdString();
-        child<QComboBox>(combo)->setCurrentIndex(child<QComboBox>(combo)->findText(entry));
-    }
-    // Clicks a row of the field grid, as the operator picks a field.
-    void clickField(int row, Qt::KeyboardModifiers modifiers = {}) const {
-        QTableWidget* grid = child<QTableWidget>("grdFields");
-        QTest::mouseClick(grid->viewport(), Qt::LeftButton, modifiers, grid->visualItemRect(grid->item(row, 0)).center());
-    }
-    // Moves the keyboard focus out of a box the way Tab does; a box that still has the focus
-    // afterwards has taken it back.
-    void leave(const QString& box) const {
-        if (!child<QLineEdit>(box)->hasFocus()) {
-            QFocusEvent out(QEvent::FocusOut, Qt::TabFocusReason);
-            QApplication::sendEvent(child<QLineEdit>(box), &out);
-        }
-        QWidget* pageList = form->findChild<QWidget*>("cboPage");  // the update dialog has none
-        (pageList ? pageList : child("grdFields"))->setFocus(Qt::TabFocusReason);
-        QApplication::processEvents();
-    }
-    // Chooses place and size: block, begin byte and the size text.
-    void place(int block, int byte, const QString& size) const {
-        choose("cboRow", QString::number(block));
-        choose("cboBeginByte", QString::number(byte));
-        type("txtNrBytes", size);
-    }
-    void activate() const {
-        form->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(form.get()));
-    }
-    bool applyEnabled() const { return child<QPushButton>("cmdApply")->isEnabled(); }
-    QColor mapColour(int row, int column) const { return child<QTableWidget>("grdPreview")->item(row, column)->background().color(); }
     const RecordArray& records() const { return doc.records(); }
     std::vector<std::string> messageTexts() const { return texts(prompter); }
 };

@@ -27,12 +27,12 @@ struct Dialog : DialogFixture {
         if (!bounds.empty()) card->SetBoundaries(bounds);
         frmProperties& p = open<frmProperties>();
         p.setCard(std::move(card));
-        activate();
-        return p;
+        return activate(), p;
     }
     QRadioButton* chip(int i) const { return child<QRadioButton>(QStringLiteral("optChipType(%1)").arg(i)); }
     QLineEdit* bound(int page) const { return child<QLineEdit>(QStringLiteral("txtBoundary(%1)").arg(page)); }
     bool boundaryTab() const { return child<QTabWidget>("tabIClass")->isTabEnabled(1); }
+    bool memoryList() const { return child<QComboBox>("cboMemoryType")->isEnabled(); }
 };
 
 // Items get a light colour: every channel from 127 to 227.
@@ -41,43 +41,36 @@ bool lightColour(int32_t bgr) {
     return light(0) && light(8) && light(16) && (bgr >> 24) == 0;
 }
 
-// Before Apply the page map marks the chosen place; after it, it shows the item.
-TEST(EditiClassFields, ApplyAddsTheChosenFieldAtItsPlace) {
+// A refused place tells why, keeps Apply on and keeps OK from closing; before Apply the page map marks
+// the chosen place, and OK applies what is pending, shows the item on the map and closes.
+TEST(EditiClassFields, APlaceBeyondThePageIsRefusedAndOneOnItIsAppliedByOk) {
     Dialog ed;
     frmEditiClass& form = ed.editor(kModeField);
     ed.clickField(0);
     EXPECT_EQ(ed.text("txtSelectedField"), "NAME");
     EXPECT_TRUE(ed.applyEnabled());  // choosing a field is a change to apply
-    ed.place(20, 2, "4");
-    const QColor mark = memoryMapColor(kMapMarkColor);
-    EXPECT_EQ(std::make_tuple(ed.mapColour(21, 2) == mark, ed.mapColour(21, 3), ed.mapColour(21, 6), ed.mapColour(21, 7) == mark),
-              std::make_tuple(false, mark, mark, false));
-    ed.click("cmdApply");
-    ASSERT_EQ(ed.records().size(), 1);
-    const ItemRecord& r = ed.records()[0];
-    EXPECT_EQ(std::make_tuple(r.name, std::string(kindWord(r)), r.page, r.block, r.beginByte, r.numBytes, r.encodingCode, r.fieldType),
-              std::make_tuple(std::string("NAME"), std::string(kKindField), 0, 20, 2, 4, 0, int{kFieldTypeCharacter}));
-    EXPECT_TRUE(lightColour(r.color)) << std::hex << r.color;
-    EXPECT_EQ(std::make_tuple(form.appliedCount(), ed.applyEnabled(), ed.prompter.messages.size()), std::make_tuple(1, false, 0));
-    EXPECT_EQ(std::make_pair(ed.child<QTableWidget>("grdPreview")->item(21, 3)->text(), ed.mapColour(21, 3)),
-              std::make_pair(QString("NAME"), memoryMapColor(r.color)));
-}
-
-// A refused Apply tells why and keeps Apply on; OK applies what is pending and closes only once accepted.
-TEST(EditiClassFields, APlaceBeyondThePageIsRefusedByApplyAndOk) {
-    Dialog ed;
-    frmEditiClass& form = ed.editor(kModeField);
-    ed.clickField(0);
     ed.place(31, 1, "8");
     ed.click("cmdApply");
     EXPECT_EQ(ed.messageTexts(), std::vector<std::string>{"T4600"});
     EXPECT_TRUE(ed.applyEnabled());
     ed.click("cmdOK");
     EXPECT_EQ(std::make_tuple(ed.records().size(), form.isVisible()), std::make_tuple(0, true));
-    ed.type("txtNrBytes", "4");
+    ed.prompter.messages.clear();
+    ed.place(20, 2, "4");
+    const QColor mark = memoryMapColor(kMapMarkColor);
+    EXPECT_EQ(std::make_tuple(ed.mapColour(21, 2) == mark, ed.mapColour(21, 3), ed.mapColour(21, 6), ed.mapColour(21, 7) == mark),
+              std::make_tuple(false, mark, mark, false));
     ed.click("cmdOK");
-    EXPECT_EQ(std::make_tuple(form.isVisible(), form.Cancelled, form.result(), ed.records().size()),
-              std::make_tuple(false, false, int(QDialog::Accepted), 1));
+    EXPECT_EQ(std::make_tuple(form.isVisible(), form.Cancelled, form.result(), form.appliedCount(), ed.applyEnabled()),
+              std::make_tuple(false, false, int(QDialog::Accepted), 1, false));
+    EXPECT_TRUE(ed.prompter.messages.empty());
+    ASSERT_EQ(ed.records().size(), 1);
+    const ItemRecord& r = ed.records()[0];
+    EXPECT_EQ(std::make_tuple(r.name, std::string(kindWord(r)), r.page, r.block, r.beginByte, r.numBytes, r.encodingCode, r.fieldType),
+              std::make_tuple(std::string("NAME"), std::string(kKindField), 0, 20, 2, 4, 0, int{kFieldTypeCharacter}));
+    EXPECT_TRUE(lightColour(r.color)) << std::hex << r.color;
+    EXPECT_EQ(std::make_pair(ed.child<QTableWidget>("grdPreview")->item(21, 3)->text(), ed.mapColour(21, 3)),
+              std::make_pair(QString("NAME"), memoryMapColor(r.color)));
 }
 
 TEST(EditiClassFields, TheOverlapQuestionDecidesWhetherTheOldItemIsReplaced) {
@@ -103,16 +96,14 @@ TEST(EditiClassFields, EditingPresetsTheControlsAndReplacesTheItemOrPutsItBackWh
     EXPECT_EQ(QStringList({ed.text("txtSelectedField"), ed.child<QComboBox>("cboRow")->currentText(), ed.text("txtNrBytes"),
                            ed.child<QComboBox>("cboBeginByte")->currentText(), ed.child<QComboBox>("cboFormat")->currentText()}),
               QStringList({"NUMBER", "20", "6", "1", "Postfix F"}));
-    EXPECT_TRUE(ed.child<QRadioButton>("optEncode(3)")->isChecked());
-    EXPECT_FALSE(ed.applyEnabled());
-    ed.choose("cboRow", "31");
-    ed.choose("cboBeginByte", "6");
+    EXPECT_EQ(std::make_pair(ed.child<QRadioButton>("optEncode(3)")->isChecked(), ed.applyEnabled()),
+              std::make_pair(true, false));
+    ed.place(31, 6, "6");
     ed.click("cmdApply");
     EXPECT_EQ(ed.messageTexts(), std::vector<std::string>{"T4600"});
     EXPECT_EQ(ed.records().records(), (std::vector<ItemRecord>{field("OTHER", 0, 25, 0, 2), old}));
 
-    ed.choose("cboRow", "21");
-    ed.choose("cboBeginByte", "1");
+    ed.place(21, 1, "6");
     ed.click("cmdApply");
     EXPECT_EQ(ed.prompter.messages.size(), 1u);
     ItemRecord moved = old;  // colour and encoding kept
@@ -147,13 +138,13 @@ std::string stored(const ItemRecord& r) {
            in.startValueText + " " + std::to_string(in.rangeRow) + "/" + in.rangeCountText;
 }
 
+// The boxes are typed in their order; the stored size is in bytes, or bits for a bit function.
 struct FunctionCase {
     int32_t mode;
     FunctionKind function;
     int option;
-    Boxes boxes;  // typed in this order
-    int block, byte, bit;
-    int storedSize;  // bytes, or bits for a bit function
+    Boxes boxes;
+    int block, byte, bit, storedSize;
     const char* stored;
 };
 
@@ -189,23 +180,23 @@ TEST(EditiClassFunctions, EachFunctionIsWrittenWithItsValues) {
     }
 }
 
+// The box is left, or (with apply) refused by Apply, and keeps the focus; the limits are part of the message.
 struct RefusedCase {
     int32_t mode;
     const char* function;
     Boxes boxes;
-    const char* box;      // left, or (with apply) focused after the refusal
-    bool apply;           // refused by Apply rather than on leaving the box
-    const char* limits;   // part of the message
+    const char *box, *limits;
+    bool apply;
 };
 
 // A value box is checked against its own limits when it is left and again by Apply; the box keeps the focus.
 TEST(EditiClassFunctions, AValueOutOfRangeIsRefusedAndItsBoxKeepsTheFocus) {
     const RefusedCase cases[] = {
-        {kModeFunction, "optFunction(1)", {{"txtCountStep", "256"}}, "txtCountStep", false, " 0 & 255!"},
-        {kModeFunction, "optFunction(3)", {{"txtPolynom", "1000"}}, "txtPolynom", false, " 257 & 511!"},
-        {kModeFunction, "optFunction(3)", {{"txtPolynom", "256"}, {"txtStartValue", "0"}}, "txtPolynom", true, " 257 & 511!"},
+        {kModeFunction, "optFunction(1)", {{"txtCountStep", "256"}}, "txtCountStep", " 0 & 255!", false},
+        {kModeFunction, "optFunction(3)", {{"txtPolynom", "1000"}}, "txtPolynom", " 257 & 511!", false},
+        {kModeFunction, "optFunction(3)", {{"txtPolynom", "256"}, {"txtStartValue", "0"}}, "txtPolynom", " 257 & 511!", true},
         {kModeBitFunction, "optFunction(3)", {{"txtNrBytes", "3"}, {"txtPolynom", "20"}, {"txtStartValue", "0"}},
-         "txtPolynom", true, " 9 & 15!"},
+         "txtPolynom", " 9 & 15!", true},
     };
     for (const RefusedCase& c : cases) {
         SCOPED_TRACE(c.box + std::string(c.apply ? " on Apply" : " on leaving"));
@@ -250,8 +241,6 @@ TEST(EditiClassFunctions, EditingAChecksumOrACountPresetsItsValues) {
     }
 }
 
-
-
 struct LoadCase {
     IClassType chip;
     bool hid, bitwise;
@@ -273,7 +262,7 @@ TEST(Properties, TheCardFillsTheControls) {
         frmProperties& p = d.properties(c.chip, c.hid, c.bitwise, c.chip == iBigEightPages ? "5|6|7|8|9|10|11|12" : "");
         EXPECT_EQ(std::make_tuple(d.chip(0)->isChecked(), d.chip(1)->isChecked(), d.chip(0)->isEnabled()),
                   std::make_tuple(c.chip == iSmallOnePage, c.chip != iSmallOnePage, !c.chipLocked));
-        EXPECT_EQ(std::make_pair(d.child<QComboBox>("cboMemoryType")->isEnabled(), d.boundaryTab()), std::make_pair(c.memoryEnabled, c.tabEnabled));
+        EXPECT_EQ(std::make_pair(d.memoryList(), d.boundaryTab()), std::make_pair(c.memoryEnabled, c.tabEnabled));
         EXPECT_EQ(std::make_pair(d.child<QCheckBox>("chkICHID")->isChecked(), d.child<QCheckBox>("chkICBitwise")->isChecked()),
                   std::make_pair(c.hid, c.bitwise));
         EXPECT_EQ(d.bound(7)->text(), c.chip == iBigEightPages ? "12" : "18");
@@ -287,7 +276,7 @@ TEST(Properties, OkWritesTheControlsBackAfterTheChipTypeDrivesMemoryListAndBound
     Dialog d;
     frmProperties& p = d.properties(iSmallOnePage, true, false);
     d.chip(1)->click();
-    EXPECT_EQ(std::make_pair(d.child<QComboBox>("cboMemoryType")->isEnabled(), d.boundaryTab()), std::make_pair(true, false));
+    EXPECT_EQ(std::make_pair(d.memoryList(), d.boundaryTab()), std::make_pair(true, false));
     d.child<QComboBox>("cboMemoryType")->setCurrentIndex(1);
     EXPECT_TRUE(d.boundaryTab());
     d.click("chkICHID");
@@ -302,7 +291,7 @@ TEST(Properties, OkWritesTheControlsBackAfterTheChipTypeDrivesMemoryListAndBound
     for (int page = 0; page < 8; ++page) bounds.push_back(p.Card->GetBoundary(page));
     EXPECT_EQ(bounds, (std::vector<int>{5, 18, 18, 20, 18, 18, 18, 31}));
     d.chip(0)->click();
-    EXPECT_EQ(std::make_pair(d.child<QComboBox>("cboMemoryType")->isEnabled(), d.boundaryTab()), std::make_pair(false, false));
+    EXPECT_EQ(std::make_pair(d.memoryList(), d.boundaryTab()), std::make_pair(false, false));
 }
 
 // A boundary that cuts an item refuses OK with both warnings in turn and writes nothing back;
@@ -327,11 +316,18 @@ ItemRecord update(std::string dbField, int16_t column, std::string word, std::st
     return r;
 }
 
-TEST(DBUpdate, OkWritesTheChosenFieldAndFunctionAsOneRecord) {
+// A box out of range is refused when left and again by OK, which then keeps the dialog open.
+TEST(DBUpdate, ABoxOutOfRangeIsRefusedAndOkWritesTheChosenFieldAndFunctionAsOneRecord) {
     Dialog d({field("Card", 0, 20, 0, 4)});
     frmDBUpdate& u = d.open<frmDBUpdate>(-1);
     d.clickField(1);
     EXPECT_EQ(d.text("txtSelectedField"), "NUMBER");
+    d.type("txtConstantValue", "256");
+    d.leave("txtConstantValue");
+    EXPECT_EQ(d.messageTexts(), std::vector<std::string>{"T3189 0 & 255!"});
+    d.click("cmdOK");
+    EXPECT_EQ(std::make_tuple(d.records().size(), u.Cancelled, u.isVisible()), std::make_tuple(1, true, true));
+    d.type("txtConstantValue", "255");  // the last value allowed
     d.click("optFunction(1)");
     // Only the boxes of the chosen function show, with their labels.
     for (const auto& [name, shown] : {std::pair{"txtConstantValue", false}, {"lblConstantValue", false},
@@ -340,23 +336,12 @@ TEST(DBUpdate, OkWritesTheChosenFieldAndFunctionAsOneRecord) {
     d.type("txtCountNumber", "1a0");
     d.type("txtCountStep", "255");
     d.click("cmdOK");
-    EXPECT_TRUE(d.prompter.messages.empty() && !u.Cancelled);
+    EXPECT_EQ(std::make_tuple(d.messageTexts().size(), u.Cancelled, u.isVisible()), std::make_tuple(1u, false, false));
     EXPECT_EQ(d.records().records(), (std::vector<ItemRecord>{field("Card", 0, 20, 0, 4), update("NUMBER", 1, "Count", "10", "255")}));
 }
 
-TEST(DBUpdate, ABoxOutOfRangeIsRefusedWhenLeftAndOnOk) {
-    Dialog d;
-    frmDBUpdate& u = d.open<frmDBUpdate>(-1);
-    d.clickField(0);
-    d.type("txtConstantValue", "256");
-    d.leave("txtConstantValue");
-    EXPECT_EQ(d.messageTexts(), std::vector<std::string>{"T3189 0 & 255!"});
-    d.click("cmdOK");
-    EXPECT_TRUE(d.records().empty() && u.Cancelled);
-}
-
 TEST(DBUpdate, EditingPresetsTheControlsAndOkReplacesTheRecordInPlaceWhileCancelKeepsIt) {
-    for (const char* button : {"cmdOK", "cmdCancel"}) {
+    for (const auto& [button, ok] : {std::pair{"cmdOK", true}, {"cmdCancel", false}}) {
         const ItemRecord item = field("Card", 0, 20, 0, 4);
         Dialog d({update("BIRTH", 2, "CardSnNr", "1"), item});
         frmDBUpdate& u = d.open<frmDBUpdate>(0);
@@ -365,7 +350,6 @@ TEST(DBUpdate, EditingPresetsTheControlsAndOkReplacesTheRecordInPlaceWhileCancel
         d.click("optFunction(0)");
         d.type("txtConstantValue", "42");
         d.click(button);
-        const bool ok = button == std::string("cmdOK");
         EXPECT_EQ(u.Cancelled, !ok);
         EXPECT_EQ(d.records().records(), (std::vector<ItemRecord>{ok ? update("BIRTH", 2, "Constant", "42")
                                                                      : update("BIRTH", 2, "CardSnNr", "1"), item}));
@@ -387,8 +371,8 @@ TEST(MultiTrack, ApplyStoresABinaryFieldAndRefusesAnOverlapWithAnotherItem) {
     EXPECT_TRUE(d.prompter.messages.empty());
     ASSERT_EQ(d.records().size(), 2);
     ItemRecord r = d.records()[1];
-    EXPECT_EQ(std::make_tuple(std::string(kindWord(r)), r.name), std::make_tuple(std::string(kKindBinaryField), std::string("NUMBER")));
-    EXPECT_EQ(std::vector<int>({r.block, r.beginByte, r.beginBit, r.numBytes}), std::vector<int>({20, 2, 3, 12}));
+    EXPECT_EQ(std::make_tuple(std::string(kindWord(r)), r.name, r.block, r.beginByte, r.beginBit, r.numBytes),
+              std::make_tuple(std::string(kKindBinaryField), std::string("NUMBER"), 20, 2, 3, 12));
     EXPECT_EQ(std::make_pair(d.child<QTableWidget>("grdPreview")->item(21, 3)->text(), d.mapColour(21, 3)),
               std::make_pair(QString("NUMBER"), memoryMapColor(r.color)));
     EXPECT_FALSE(d.applyEnabled());
@@ -399,8 +383,7 @@ TEST(MultiTrack, ApplyStoresABinaryFieldAndRefusesAnOverlapWithAnotherItem) {
     frmMultiTrack& e = edit.open<frmMultiTrack>(0);
     EXPECT_EQ(std::make_pair(edit.child<QComboBox>("cboRow")->currentText(), edit.text("txtNrBytes")), std::make_pair(QString("20"), QString("12")));
     edit.choose("cboBeginByte", "0");
-    edit.click("cmdApply");
-    EXPECT_TRUE(edit.prompter.messages.empty());
+    edit.click("cmdApply");  // no message: the later list holds only the refusal
     r.beginByte = 0;
     EXPECT_EQ(edit.records().records(), (std::vector<ItemRecord>{r, other}));
     edit.choose("cboRow", "25");

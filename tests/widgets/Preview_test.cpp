@@ -1,9 +1,6 @@
-// The preview's views and page grids, printing to PDF through the print seams, and the two grid
-// models read through the model interface as a view reads them.
+// The preview's views and page grids, and printing to PDF through the print seams.
 #include <QPrinter>
 #include "DialogFixture.h"
-#include "control/DbUpdateGridModel.h"
-#include "control/ItemGridModel.h"
 #include "items/PageMap.h"
 #include "preview/PreviewPrinting.h"
 #include "preview/frmPreview.h"
@@ -11,13 +8,8 @@
 namespace kestrin::test {
 namespace {
 
-struct StepCase {
-    IClassType chip;
-    int view;  // after Previous, Next four times and Previous
-    const char *title0, *grid;
-    int row, column;  // a cell of that grid and its text
-    const char* text;
-};
+// The view after Previous, Next four times and Previous; the first title; a cell of a grid and its text.
+struct StepCase { IClassType chip; int view; const char *title0, *grid; int row, column; const char* text; };
 
 TEST(Preview, ButtonsStepThroughTheViewsAndTheGridsShowTheirPages) {
     const StepCase cases[] = {
@@ -61,12 +53,11 @@ int pdfPages(const std::filesystem::path& pdf) {
 // Answers the modal print options with the given choices once they are shown.
 void answerPrintOptions(bool toFile, bool allPages, bool cancel) {
     QTimer::singleShot(0, [=] {
-        QWidget* box = QApplication::activeModalWidget();
-        ASSERT_NE(box, nullptr);
-        ASSERT_EQ(box->objectName(), "frmPrintPreview");
-        box->findChild<QRadioButton*>(toFile ? "optPrint(1)" : "optPrint(0)")->click();
-        box->findChild<QRadioButton*>(allPages ? "optRange(1)" : "optRange(0)")->click();
-        box->findChild<QPushButton*>(cancel ? "cmdCancel" : "cmdOK")->click();
+        const Controls box{QApplication::activeModalWidget()};
+        ASSERT_EQ(box.root ? box.root->objectName() : QString(), "frmPrintPreview");
+        box.click(toFile ? "optPrint(1)" : "optPrint(0)");
+        box.click(allPages ? "optRange(1)" : "optRange(0)");
+        box.click(cancel ? "cmdCancel" : "cmdOK");
     });
 }
 
@@ -98,19 +89,8 @@ protected:
     bool cancel = false;  // the print dialog's answer
 };
 
-TEST_P(Printing, AllPagesToFileGiveOneSheetPerViewAndRestoreTheView) {
-    if (views() > 1) preview->showNext();
-    ASSERT_TRUE(printPreview(*preview, true, true));
-    EXPECT_EQ(asked, 1);
-    EXPECT_EQ(pdfPages(dir / "map.pdf"), views());
-    EXPECT_EQ(preview->viewIndex(), views() > 1 ? 1 : 0);
-    const std::string text = run("pdftotext", {"-layout", file, "-"});
-    EXPECT_NE(text.find("<Filename>: C:/layouts/Staff.IIF; <Date>: "), std::string::npos) << text;
-    EXPECT_NE(text.find("; <Time>: "), std::string::npos);
-    EXPECT_EQ(text.find("<PAGES> 6 <and> 7") != std::string::npos, GetParam() == iBigEightPages) << text;
-}
-
-// Cancelled choices and unwritable files print nothing.
+// Cancelled choices and unwritable files print nothing; all pages to a file give one sheet per view
+// and bring back the view shown; Enter on the focused Print runs it.
 TEST_P(Printing, OptionsDialogDrivesThePrintingAndEnterOnTheFocusedPrintRunsIt) {
     cancel = true;
     EXPECT_FALSE(printPreview(*preview, true, false));
@@ -123,18 +103,22 @@ TEST_P(Printing, OptionsDialogDrivesThePrintingAndEnterOnTheFocusedPrintRunsIt) 
     preview->findChild<QPushButton*>("cmdPrint")->click();
     EXPECT_FALSE(std::filesystem::exists(dir / "printed.pdf"));
     file = QString::fromStdString((dir / "map.pdf").string());
+    if (views() > 1) preview->showNext();
     answerPrintOptions(true, true, false);
     preview->findChild<QPushButton*>("cmdPrint")->click();
     EXPECT_EQ(pdfPages(dir / "map.pdf"), views());
+    EXPECT_EQ(preview->viewIndex(), views() > 1 ? 1 : 0);
+    const std::string text = run("pdftotext", {"-layout", file, "-"});
+    EXPECT_NE(text.find("<Filename>: C:/layouts/Staff.IIF; <Date>: "), std::string::npos) << text;
+    EXPECT_NE(text.find("; <Time>: "), std::string::npos);
+    EXPECT_EQ(text.find("<PAGES> 6 <and> 7") != std::string::npos, GetParam() == iBigEightPages) << text;
     preview->show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(preview.get()));
     preview->findChild<QPushButton*>("cmdPrint")->setFocus();
     answerPrintOptions(false, false, false);
     copies = 2;  // the current view, twice
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Enter);
-    EXPECT_EQ(pdfPages(dir / "printed.pdf"), 2);
-    EXPECT_EQ(asked, 3);
-    EXPECT_TRUE(preview->isVisible());
+    EXPECT_EQ(std::make_tuple(pdfPages(dir / "printed.pdf"), asked, preview->isVisible()), std::make_tuple(2, 3, true));
 }
 
 INSTANTIATE_TEST_SUITE_P(Chips, Printing, ::testing::Values(iSmallOnePage, iBigOnePage, iBigEightPages));
@@ -159,45 +143,6 @@ TEST(PagePainter, GridShowsThePageMapCellByCellAndReusesItsCells) {
             }
     }
     EXPECT_EQ(g->item(11, 4)->background().color(), QColor(255, 128, 192));
-}
-
-// Both grids read through the model interface, with Qt's model checker (which aborts on a
-// broken model) attached from the start.
-TEST(GridModels, TheItemGridSkipsDatabaseUpdatesAndTheUpdateGridListsThemWithTheirSettings) {
-    const Translator translator;
-    ItemGridModel items;
-    DbUpdateGridModel updates;
-    const auto fatal = QAbstractItemModelTester::FailureReportingMode::Fatal;
-    QAbstractItemModelTester itemChecker(&items, fatal), updateChecker(&updates, fatal);
-    const auto rows = [](const QAbstractItemModel& model) {
-        QStringList texts;
-        for (int r = 0; r < model.rowCount(); ++r)
-            for (int c = 0; c < model.columnCount(); ++c) texts << QString::number(r) + ":" + model.index(r, c).data().toString();
-        return texts.join('|');
-    };
-    const auto rebuild = [&](const RecordArray& records) {
-        items.rebuild(records, translator);
-        updates.rebuild(records, translator);
-    };
-    RecordArray records;
-    for (const ItemRecord& r : {dbUpdate("Printed", "Constant", "yes"), field("A", 0, 20, 0, 2), dbUpdate("Serial", "CardSnNr", "0"),
-                                dbUpdate("SerialHex", "CardSnNr", "1"), dbUpdate("Counter", "Count", "5", "100"),
-                                dbUpdate("SerialEmpty", "CardSnNr", "")})
-        records.add(r);
-    rebuild(records);
-    EXPECT_EQ(std::make_tuple(items.rowCount(), items.itemCount(), updates.itemCount(), items.index(0, 1).data().toString()),
-              std::make_tuple(1, 1, 5, QString("A")));
-    EXPECT_EQ(rows(updates), "0:|0:Printed|0:Constant|0:<Value>: yes.|1:|1:Serial|1:CardSnNr|1:<Decimal>|"
-                             "2:|2:SerialHex|2:CardSnNr|2:<Hexadecimal>|3:|3:Counter|3:Count|3:<Step>: 5. <Start value>: 100.|"
-                             "4:|4:SerialEmpty|4:CardSnNr|4:<Decimal>");
-    // Without database updates, or without anything, a grid shows one empty row that is no item.
-    RecordArray onlyItems;
-    onlyItems.add(field("A", 0, 20, 0, 2));
-    rebuild(onlyItems);
-    EXPECT_EQ(rows(updates), "0:|0:|0:|0:");
-    rebuild(RecordArray());
-    EXPECT_EQ(rows(items), QStringList(items.columnCount(), "0:").join('|'));
-    EXPECT_EQ(std::make_pair(items.itemCount(), updates.itemCount()), std::make_pair(0, 0));
 }
 
 }  // namespace
