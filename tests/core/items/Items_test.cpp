@@ -135,10 +135,6 @@ INSTANTIATE_TEST_SUITE_P(Chips, PreviewViews, ::testing::Values(
     ViewCase{iBigEightPages, 0, {"Page 0", "Page 1"}, "Pages 0/1 of 7", {0, 1}, {0, 0}, "<PAGES> 0 <and> 1"},
     ViewCase{iBigEightPages, 3, {"Page 6", "Page 7"}, "Pages 6/7 of 7", {6, 7}, {0, 0}, "<PAGES> 6 <and> 7"}));
 
-TEST(PreviewViews, HeaderLineNamesFileDateAndTime) {
-    EXPECT_EQ(printHeaderLine(tr, "C:\\Cards\\Staff.IIF", "23.11.2026", "18:20"), "<Filename>: C:\\Cards\\Staff.IIF; <Date>: 23.11.2026; <Time>: 18:20");
-}
-
 constexpr int32_t kGreen = 0x00C000, kBlue = 0xFF0000, kYellow = 0x00FFFF, kWhite = 0xFFFFFF;
 constexpr int32_t kInside = 0xEBEBEB, kBeyond = 0xD7D7D7, kItem = 0x3366CC;
 

@@ -69,18 +69,6 @@ TEST(TextCatalog, ListsEachMalformedLineAndKeepsTheRest) {
     for (const auto& [index, part] : {std::pair(0, "'='"), {2, "\"12a\""}, {7, "UTF-8"}}) EXPECT_NE(catalog->warnings()[index].message.find(part), std::string::npos) << part;
 }
 
-TEST(TextCatalog, TheExampleReadsCleanlyAndHasAProperTextForEveryBundledId) {
-    std::string error;
-    const auto catalog = TextCatalog::parse(readBytes(std::filesystem::path(KESTRIN_EXAMPLES) / "lang" / "kestrin-en.txt"), &error);
-    ASSERT_NE(catalog, nullptr) << error;
-    for (const auto& warning : catalog->warnings()) ADD_FAILURE() << "line " << warning.line << ": " << warning.message;
-    for (const int32_t id : {3104, 3105, 3106, 3107, 3108, 3109, 3112, 3113, 3115, 3116, 3117, 3118, 3119, 3120, 3146, 4606, 4607, 4642, 3250, 3264, 3265})
-        EXPECT_EQ(catalog->lookup(id).value_or("<missing>").find_first_of("<>"), std::string::npos) << "id " << id << ": " << catalog->lookup(id).value_or("<missing>");
-    // 3264 and 3265 are shown around a file name.
-    const std::string readOnly = *catalog->lookup(3264) + " layout file " + *catalog->lookup(3265);
-    EXPECT_EQ(std::tuple(catalog->lookup(3105)->back(), readOnly.find("  "), readOnly.back()), std::tuple('?', std::string::npos, '.')) << readOnly;
-}
-
 int32_t openOrFail(CatalogRegistry& registry, const std::filesystem::path& path) {
     std::string error;
     const int32_t handle = registry.open(path, &error);
