@@ -8,7 +8,9 @@
 #include <set>
 
 #include "card/CIClass.h"
+#include "items/BitMap.h"
 #include "items/GridRows.h"
+#include "items/ItemSpan.h"
 #include "items/ItemColor.h"
 #include "items/PageMap.h"
 #include "items/PreviewViews.h"
@@ -210,6 +212,26 @@ TEST(PageMap, PaintsExactlyTheBytesTouched) {
                 }
         EXPECT_EQ(shown, cells) << name;
     }
+}
+
+// The item editor's bit map of a 2 kbit page (HID area on: blocks 19 to 31 free): block numbers
+// on yellow, byte numbers over their eight bits, every other byte shaded; an item's bits take its
+// colour, name and "name (byte.bit)" tip, one named cell a block; a mark colours the bits chosen.
+TEST(BitMap, ShowsBlocksBytesItemsAndTheMark) {
+    CIClass card;
+    card.setChipSize(iSmallOnePage);
+    card.setUseHIDSection(true);
+    const CPage& page = *card.page(0);
+    const PlaceMark mark{itemSpan(bitField("M", 0, 31, 7, 6, 2)), "M"};
+    const MapGrid map = bitMap(page, recordsOf({bitField("B", 0, 19, 0, 6, 4, kItem)}), &mark);
+    ASSERT_EQ(std::tuple(map.rows(), map.columns(), bitMapRow(page, 19)), std::tuple(14, 65, 1));
+    EXPECT_EQ(std::tuple(map.textAt(1, 0), map.textAt(13, 0), map.at(13, 0).background), std::tuple("19", "31", kMapBlockNumberColor));
+    EXPECT_EQ(std::tuple(map.textAt(0, 1), map.textAt(0, 57), map.text(map.at(0, 64).tip), map.columnSpan(0, 9)), std::tuple("0", "7", "7.7", 8));
+    EXPECT_EQ(std::tuple(map.at(13, 8).background, map.at(13, 9).background, map.at(13, 17).background), std::tuple(kMapFreeColor, kByteEdgeColor, kMapFreeColor));
+    for (int column : {7, 8, 9, 10}) EXPECT_EQ(std::tuple(map.at(1, column).background, map.text(map.at(1, column).owner)), std::tuple(kItem, "B")) << column;
+    EXPECT_EQ(std::tuple(map.at(1, 6).owner, map.at(1, 11).owner, map.textAt(1, 7), map.columnSpan(1, 8)), std::tuple(0, 0, "B", 4));
+    EXPECT_EQ(std::tuple(map.text(map.at(1, 10).tip), map.at(13, 63).background, map.at(13, 64).background, map.at(13, 62).background),
+              std::tuple("B (1.1)", kMapMarkColor, kMapMarkColor, kByteEdgeColor));
 }
 
 TEST(PageMap, MergesRunsOfEqualText) {
