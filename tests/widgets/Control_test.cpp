@@ -193,9 +193,17 @@ TEST(IClassSession, AHostMakesEditsSavesClosesAndReopensALayoutByMemberName) {
               std::make_tuple(std::vector<QString>{"frmEditiClass", "frmEditiClass"}, QString("NAME"), QString("25"), false));
     host.grid("grdItems")->setCurrentIndex(host.grid("grdItems")->model()->index(1, 1));
     QString block;
-    host.onDialog = [&](QDialog& d) { return block = d.findChild<QComboBox*>("cboRow")->currentText(), int(QDialog::Rejected); };
+    bool readOnly = false;  // the operator edits through the dialogs only: no grid takes typing
+    const auto gridsReadOnly = [](const QWidget& w) {
+        const auto grids = w.findChildren<QTableView*>();
+        return !grids.empty() && std::all_of(grids.begin(), grids.end(), [](auto* g) { return g->editTriggers() == QAbstractItemView::NoEditTriggers; });
+    };
+    host.onDialog = [&](QDialog& d) {
+        readOnly = gridsReadOnly(d) && d.findChild<QLineEdit*>("txtSelectedField")->isReadOnly();
+        return block = d.findChild<QComboBox*>("cboRow")->currentText(), int(QDialog::Rejected);
+    };
     host.call("EditItem");
-    EXPECT_EQ(block, "25");
+    EXPECT_EQ(std::tuple(block, readOnly, gridsReadOnly(host.control), host.control.objectName()), std::tuple("25", true, true, "iClass"));
     host.call("RemoveItem");
     EXPECT_EQ(host.messageTexts(), std::vector<std::string>{"T3104\r\nT3105"});
     EXPECT_EQ(host.control.document().records().size(), 1);
