@@ -362,6 +362,8 @@ TEST(MultiTrack, ApplyStoresABinaryFieldAndRefusesAnOverlapWithAnotherItem) {
     const ItemRecord other = field("Other", 0, 25, 0, 2);
     Dialog d({other});
     frmMultiTrack& m = d.open<frmMultiTrack>(-1);
+    for (const QTableView* grid : m.findChildren<QTableView*>())  // the operator does not type into a grid
+        EXPECT_EQ(grid->editTriggers(), QAbstractItemView::NoEditTriggers) << grid->objectName().toStdString();
     d.clickField(1);
     EXPECT_EQ(d.text("txtSelectedField"), "NUMBER");
     d.place(20, 2, "1x2");
