@@ -23,11 +23,6 @@ namespace {
 
 const Translator tr;
 
-RecordArray recordsOf(const std::vector<ItemRecord>& list) {
-    RecordArray records;
-    for (const auto& r : list) records.add(r);
-    return records;
-}
 
 ItemRecord with(ItemRecord r, const std::function<void(ItemRecord&)>& change) { return change(r), r; }
 

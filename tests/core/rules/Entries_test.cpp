@@ -68,11 +68,6 @@ BoundaryTexts allAt(const std::string& value) {
     t.fill(value);
     return t;
 }
-RecordArray recordsOf(const std::vector<ItemRecord>& list) {
-    RecordArray records;
-    for (const auto& r : list) records.add(r);
-    return records;
-}
 
 const std::string kCutMessage = "Some or all application boundaries cut through database items or functions.\r\n"
                                 "Move the boundary or click cancel and move your iClass items.";

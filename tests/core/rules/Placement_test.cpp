@@ -42,11 +42,6 @@ CIClass chipOf(IClassType type) {
     card.setChipSize(type);
     return card;
 }
-RecordArray recordsOf(const std::vector<ItemRecord>& list) {
-    RecordArray records;
-    for (const auto& r : list) records.add(r);
-    return records;
-}
 
 struct RuleCase { const char* name; IClassType chip; PlacementRequest request; int32_t textId; EditorBox focus = EditorBox::None; };  // textId 0: accepted
 

@@ -2,6 +2,7 @@
 #include <string>
 
 #include "items/ItemRecord.h"
+#include "items/RecordArray.h"
 
 namespace kestrin::test {
 
@@ -40,6 +41,13 @@ inline ItemRecord dbUpdate(std::string dbField, std::string word, std::string p1
     r.isDbUpdate = true, r.dbFieldName = std::move(dbField), r.name = std::move(word);
     r.param1 = std::move(p1), r.param2 = std::move(p2);
     return r;
+}
+
+// A record array holding these records in this order.
+inline RecordArray recordsOf(const std::vector<ItemRecord>& list) {
+    RecordArray records;
+    for (const auto& r : list) records.add(r);
+    return records;
 }
 
 }  // namespace kestrin::test
