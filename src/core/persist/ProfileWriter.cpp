@@ -1,7 +1,6 @@
 #include "ProfileWriter.h"
 
 #include <charconv>
-#include <iterator>
 
 #include "AsciiCaseless.h"
 #include "Cp1252.h"
@@ -50,9 +49,6 @@ size_t ProfileWriter::Section::find(std::string_view key, uint64_t hash) const {
 }
 
 ProfileWriter::Section& ProfileWriter::sectionNamed(std::string_view name) {
-    for (const Recent& r : recent_)
-        if (r.at == name.data() && r.size == name.size() && sections_[r.section].name == name)
-            return sections_[r.section];
     const auto found = sectionIndex_.find(name);
     const size_t i = found != sectionIndex_.end() ? found->second : sections_.size();
     if (i == sections_.size()) {
@@ -65,7 +61,6 @@ ProfileWriter::Section& ProfileWriter::sectionNamed(std::string_view name) {
                 s.lines.reserve(e.lineBytes);
             }
     }
-    recent_[nextRecent_++ % std::size(recent_)] = Recent{name.data(), name.size(), i};
     return sections_[i];
 }
 

@@ -66,14 +66,6 @@ private:
     // Section numbers by name: a chip encode file has a section for every field it uses.
     std::unordered_map<std::string, size_t, AsciiCaselessHash, AsciiCaselessEqual> sectionIndex_;
     bool ascii_ = true;  // nothing above 0x7F written: bytes() needs no conversion
-    // The sections written last, by where the caller keeps their names: writes come in runs
-    // over a few sections, and a hit is confirmed by comparing the names.
-    struct Recent {
-        const char* at = nullptr;
-        size_t size = 0, section = 0;
-    };
-    Recent recent_[8];
-    size_t nextRecent_ = 0;
     struct Expected {
         std::string section;
         size_t keys, lineBytes;
