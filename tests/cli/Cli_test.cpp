@@ -65,9 +65,11 @@ TEST(Cli, ExitCodesAndMessages) {
         {"map L", "", 2, "=", "kestrin: map needs --pdf or --png\n"},
         {"info /nonexistent/L.IIF", "", 1, "=", "kestrin: iClass UserControl: File doesn't exist"},
         {"info L", kLater, 1, "=", "The file was created with version 9.0.0\n"},
-        {"info L", kLater, 1, "=", "(not confirmed; repeat with --yes to go on)\nkestrin: The layout was made by a later version and was not opened.\n"},
+        {"info L", kLater, 1, "=",
+         "(not confirmed; repeat with --yes to go on)\nkestrin: The layout was made by a later version and was not opened.\n"},
         {"rewrite L --to /nonexistent/To.IIF --yes", kLater, 1, "=",
-         "(answered Yes by --yes)\nKestrin: The layout could not be saved; the layout file and its chip encode file are unchanged.\n"
+         "(answered Yes by --yes)\nKestrin: The layout could not be saved; the layout file and its chip encode file are "
+         "unchanged.\n"
          "cannot create a file in /nonexistent: No such file or directory\n"},
         {"info L --yes --json", kLater, 0, "\"chip\": \"iSmallOnePage\"", ""},
         {"check L --yes", kLater, 0, "=0 violations\n", ""},
@@ -75,8 +77,9 @@ TEST(Cli, ExitCodesAndMessages) {
         {"fields " + project + " --json", "", 0, "=" + readBytes(std::string(KESTRIN_CLI_EXPECTED) + "/sample-fields.json"), ""},
         // check lists every broken rule with its item, the HID cover last
         {"check L --json --lang " + kLang,
-         crlf({"[CARDDESIGN]", "Size=2K", "UseHID=1", "[ENCODE]", "Name(1)=0,18,0,4,0", "Other(1)=0,20,0,8,0", "Late(1)=0,20,4,2,0",
-               "[INITCARD]", "1Value=Checksum(1.1)", "1Place=0,25,0,2", "[CHECKSUM]", "1Range=0,20,0,8"}), 1,
+         crlf({"[CARDDESIGN]", "Size=2K", "UseHID=1", "[ENCODE]", "Name(1)=0,18,0,4,0", "Other(1)=0,20,0,8,0",
+               "Late(1)=0,20,4,2,0", "[INITCARD]", "1Value=Checksum(1.1)", "1Place=0,25,0,2", "[CHECKSUM]", "1Range=0,20,0,8"}),
+         1,
          "={\"violations\": [\n"
          "  {\"name\": \"Name\", \"kind\": \"Field\", \"page\": 0, \"block\": 18, \"beginByte\": 0, "
          "\"textId\": 4601, \"text\": \"Items cannot be placed in the header or the HID section.\"},\n"
@@ -88,12 +91,14 @@ TEST(Cli, ExitCodesAndMessages) {
          "  {\"name\": \"Name\", \"kind\": \"Field\", \"page\": 0, \"block\": 18, \"beginByte\": 0, "
          "\"textId\": 4643, \"text\": \"The HID space would cover database items or functions.\\r\\nSwitch the HID "
          "application off, or click Cancel and move your items.\"}\n"
-         "]}\n", ""},
+         "]}\n",
+         ""},
     };
     for (const RunCase& c : cases) {
         const CliRun run = kestrin(c.args, c.layout);
         EXPECT_EQ(run.exit, c.exit) << c.args << "\n" << run.err;
-        EXPECT_TRUE(c.out[0] == '=' ? "=" + run.out == c.out : run.out.find(c.out) != std::string::npos) << c.args << "\n" << run.out;
+        EXPECT_TRUE(c.out[0] == '=' ? "=" + run.out == c.out : run.out.find(c.out) != std::string::npos) << c.args << "\n"
+                                                                                                         << run.out;
         EXPECT_NE(run.err.find(c.err), std::string::npos) << c.args << "\n" << run.err;
     }
 }
@@ -105,7 +110,8 @@ TEST(Cli, DroppedEntriesAreCheckedFirstAndWarnedOf) {
         std::string layout, textIds, firstLine, warning;
     };
     const DroppedCase cases[] = {
-        {crlf({"[CARDDESIGN]", "Size=2K", "[ENCODE]", "Ok(1)=0,19,0,1,0", "Past(1)=0,31,4,5,0", "[BITENCODE]", "Flag(1)=0,31,7,4,5,0"}),
+        {crlf({"[CARDDESIGN]", "Size=2K", "[ENCODE]", "Ok(1)=0,19,0,1,0", "Past(1)=0,31,4,5,0", "[BITENCODE]",
+               "Flag(1)=0,31,7,4,5,0"}),
          "4600 4600", "Past (Field, page 0, block 31, byte 4): [4600] The item does not fit into this page.",
          "[ENCODE] Past(1): 5 bytes do not fit the page"},
         {crlf({"[CARDDESIGN]", "Size=16K", "Pages=1", "[ENCODE]", "Far(1)=0,200,0,8,0", "[INITCARD]", "1Value=CardSnNr(0)",
@@ -129,11 +135,13 @@ TEST(Cli, DroppedEntriesAreCheckedFirstAndWarnedOf) {
         EXPECT_EQ(std::tuple(json.exit, text.exit, info.exit), std::tuple(1, 1, 0)) << json.err << info.err;
         std::string ids;
         const std::regex textId("\"textId\": (-?[0-9]+)");
-        for (std::sregex_iterator m(json.out.begin(), json.out.end(), textId), end; m != end; ++m) ids += (ids.empty() ? "" : " ") + (*m)[1].str();
+        for (std::sregex_iterator m(json.out.begin(), json.out.end(), textId), end; m != end; ++m)
+            ids += (ids.empty() ? "" : " ") + (*m)[1].str();
         EXPECT_EQ(ids, c.textIds) << json.out;
         EXPECT_EQ(text.out.substr(0, text.out.find('\n')), c.firstLine);
         const size_t count = static_cast<size_t>(std::count(c.textIds.begin(), c.textIds.end(), ' ') + 1);
-        EXPECT_EQ(text.out.substr(text.out.rfind('\n', text.out.size() - 2) + 1), std::to_string(count) + " violation" + (count > 1 ? "s\n" : "\n"));
+        EXPECT_EQ(text.out.substr(text.out.rfind('\n', text.out.size() - 2) + 1),
+                  std::to_string(count) + " violation" + (count > 1 ? "s\n" : "\n"));
         EXPECT_EQ(info.err.rfind("warning: " + c.warning, 0), 0u) << info.err;
         EXPECT_NE(info.out.find("\"warnings\": [\"" + c.warning), std::string::npos) << info.out;
     }
@@ -143,8 +151,8 @@ TEST(Cli, DroppedEntriesAreCheckedFirstAndWarnedOf) {
 TEST(Cli, MapWritesAPdfPageAndAPngPerView) {
     TempDir dir;
     setenv("ASAN_OPTIONS", "detect_leaks=0", 1);  // Qt's threads upset LeakSanitizer at exit
-    const CliRun run = kestrin("map " + kExamples + "/layouts/Visitors16K.IIF --pdf '" + (dir / "map.pdf").string() + "' --png '" +
-                               (dir / "png").string() + "' --lang " + kLang);
+    const CliRun run = kestrin("map " + kExamples + "/layouts/Visitors16K.IIF --pdf '" + (dir / "map.pdf").string() +
+                               "' --png '" + (dir / "png").string() + "' --lang " + kLang);
     ASSERT_EQ(run.exit, 0) << run.err;
     FILE* pipe = popen(("pdfinfo '" + (dir / "map.pdf").string() + "'").c_str(), "r");
     ASSERT_NE(pipe, nullptr);
@@ -153,7 +161,10 @@ TEST(Cli, MapWritesAPdfPageAndAPngPerView) {
     pclose(pipe);
     EXPECT_TRUE(std::regex_search(pdfInfo, std::regex("Pages: +4\n"))) << pdfInfo;
     for (int view = 1; view <= 5; ++view)
-        EXPECT_EQ(fs::exists(dir / "png" / ("view-" + std::to_string(view) + ".png")) && fs::file_size(dir / "png" / ("view-" + std::to_string(view) + ".png")) > 1000, view < 5) << view;
+        EXPECT_EQ(fs::exists(dir / "png" / ("view-" + std::to_string(view) + ".png")) &&
+                      fs::file_size(dir / "png" / ("view-" + std::to_string(view) + ".png")) > 1000,
+                  view < 5)
+            << view;
 }
 #endif
 

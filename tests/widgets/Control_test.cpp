@@ -35,10 +35,13 @@ struct Host : FileChooser {
         control.setPrompter(&prompter);
         control.setFileChooser(this);
         control.setCatalogRegistry(&registry);
-        control.setDialogRunner([this](QDialog& d) { return dialogs.push_back(d.objectName()), onDialog ? onDialog(d) : (d.reject(), int(QDialog::Rejected)); });
+        control.setDialogRunner([this](QDialog& d) {
+            return dialogs.push_back(d.objectName()), onDialog ? onDialog(d) : (d.reject(), int(QDialog::Rejected));
+        });
         QObject::connect(&control, &IClass::Changed, [this] { events.push_back("Changed"); });
-        QObject::connect(&control, &IClass::GenericEvent,
-                         [this](const QString& name, const QString& params) { events.push_back("GenericEvent " + name + " " + params); });
+        QObject::connect(&control, &IClass::GenericEvent, [this](const QString& name, const QString& params) {
+            events.push_back("GenericEvent " + name + " " + params);
+        });
         writeBytes(dir / "texts.txt", "3104=T3104\n3105=T3105\n3121=T3121\n3122=T3122\n3123=T3123\n3124=T3124\n");
         set("LanguageDLL", registry.open(dir / "texts.txt"));
         writeBytes(dir / "Project.ini", crlf({"[DATABASE]", "NUMCOLUMNS=2", "[COLUMN1]", "DbFIELD=NAME", "NAME=Surname",
@@ -50,7 +53,8 @@ struct Host : FileChooser {
     QVariant get(const char* name) const { return control.property(name); }
     template <class... A>
     void call(const char* member, A... args) {
-        EXPECT_TRUE(QMetaObject::invokeMethod(&control, member, QArgument<A>(QMetaType::fromType<A>().name(), args)...)) << member;
+        EXPECT_TRUE(QMetaObject::invokeMethod(&control, member, QArgument<A>(QMetaType::fromType<A>().name(), args)...))
+            << member;
     }
     template <class R, class... A>
     R callFor(const char* member, A... args) {
@@ -67,7 +71,9 @@ struct Host : FileChooser {
         EXPECT_TRUE(callFor<bool>("FetchDBFields"));
     }
     QTableView* grid(const char* name) const { return control.findChild<QTableView*>(name); }
-    QString cell(const char* gridName, int row, int column) const { return grid(gridName)->model()->index(row, column).data().toString(); }
+    QString cell(const char* gridName, int row, int column) const {
+        return grid(gridName)->model()->index(row, column).data().toString();
+    }
     std::vector<std::string> messageTexts() const { return texts(prompter); }
 };
 
@@ -131,8 +137,9 @@ TEST(IClassInterface, TheAutomationSurfaceHoldsTheMembersInOrderAndNothingElse) 
     EXPECT_EQ(mo.method(mo.indexOfSignal("exception(int,QString,QString,QString)")).parameterNames(),
               (QList<QByteArray>{"code", "source", "description", "help"}));
     const QMetaEnum chip = mo.enumerator(mo.indexOfEnumerator("IClassType"));
-    EXPECT_EQ(std::vector<int>({chip.keyToValue("iSmallOnePage"), chip.keyToValue("iBigOnePage"), chip.keyToValue("iBigEightPages")}),
-              std::vector<int>({0, 1, 2}));
+    EXPECT_EQ(
+        std::vector<int>({chip.keyToValue("iSmallOnePage"), chip.keyToValue("iBigOnePage"), chip.keyToValue("iBigEightPages")}),
+        std::vector<int>({0, 1, 2}));
     EXPECT_EQ(mo.method(mo.indexOfMethod("SaveLayout()")).returnType(), QMetaType::QVariant);
     EXPECT_EQ(mo.method(mo.indexOfMethod("OpenLayout(QString)")).parameterNames(), QList<QByteArray>{"sFileName"});
 }
@@ -142,14 +149,16 @@ TEST(IClassInterface, TheAutomationSurfaceHoldsTheMembersInOrderAndNothingElse) 
 TEST(IClassInterface, RaisedErrorsArriveThroughTheExceptionSignal) {
     Host host;
     QStringList errors;
-    QObject::connect(&host.control, &IClass::exception,
-                     [&](int code, const QString& source, const QString& text) { errors << QStringLiteral("%1 %2: %3").arg(code).arg(source, text); });
+    QObject::connect(&host.control, &IClass::exception, [&](int code, const QString& source, const QString& text) {
+        errors << QStringLiteral("%1 %2: %3").arg(code).arg(source, text);
+    });
     EXPECT_FALSE(host.callFor<bool>("OpenLayout", QString()));
     EXPECT_FALSE(host.callFor<bool>("OpenLayout", host.path("Missing.IIF")));
     host.call("NewLayout", false);
     host.call("SetAppBoundaries", QString("10|11|12|13|14|15|16|17"));  // a one-page card takes none
     ASSERT_EQ(errors.size(), 3);
-    EXPECT_EQ(errors.mid(0, 2), QStringList({"52 iClass UserControl: No filename given.", "53 iClass UserControl: File doesn't exist"}));
+    EXPECT_EQ(errors.mid(0, 2),
+              QStringList({"52 iClass UserControl: No filename given.", "53 iClass UserControl: File doesn't exist"}));
     EXPECT_TRUE(errors[2].startsWith("9 ")) << errors[2].toStdString();
 }
 
@@ -172,7 +181,8 @@ TEST(IClassBridge, TheProbeNameDoesNothingAndAnyOtherNameTellsTheControlIsOutOfD
         call(host, "Export");
         ASSERT_EQ(host.prompter.messages.size(), 1u);
         const auto& m = host.prompter.messages[0];
-        EXPECT_EQ(std::make_tuple(m.icon, m.question, m.title), std::make_tuple(Icon::Exclamation, false, std::string("Badge host")));
+        EXPECT_EQ(std::make_tuple(m.icon, m.question, m.title),
+                  std::make_tuple(Icon::Exclamation, false, std::string("Badge host")));
         EXPECT_TRUE(m.text.ends_with(std::string(kProgramName) + ";\r\nCalled function is: Export.")) << m.text;
         EXPECT_TRUE(host.events.empty());
     }
@@ -196,14 +206,16 @@ TEST(IClassSession, AHostMakesEditsSavesClosesAndReopensALayoutByMemberName) {
     bool readOnly = false;  // the operator edits through the dialogs only: no grid takes typing
     const auto gridsReadOnly = [](const QWidget& w) {
         const auto grids = w.findChildren<QTableView*>();
-        return !grids.empty() && std::all_of(grids.begin(), grids.end(), [](auto* g) { return g->editTriggers() == QAbstractItemView::NoEditTriggers; });
+        return !grids.empty() && std::all_of(grids.begin(), grids.end(),
+                                             [](auto* g) { return g->editTriggers() == QAbstractItemView::NoEditTriggers; });
     };
     host.onDialog = [&](QDialog& d) {
         readOnly = gridsReadOnly(d) && d.findChild<QLineEdit*>("txtSelectedField")->isReadOnly();
         return block = d.findChild<QComboBox*>("cboRow")->currentText(), int(QDialog::Rejected);
     };
     host.call("EditItem");
-    EXPECT_EQ(std::tuple(block, readOnly, gridsReadOnly(host.control), host.control.objectName()), std::tuple("25", true, true, "iClass"));
+    EXPECT_EQ(std::tuple(block, readOnly, gridsReadOnly(host.control), host.control.objectName()),
+              std::tuple("25", true, true, "iClass"));
     host.call("RemoveItem");
     EXPECT_EQ(host.messageTexts(), std::vector<std::string>{"T3104\r\nT3105"});
     EXPECT_EQ(host.control.document().records().size(), 1);
@@ -212,13 +224,15 @@ TEST(IClassSession, AHostMakesEditsSavesClosesAndReopensALayoutByMemberName) {
     EXPECT_TRUE(host.callFor<bool>("SaveiClassAs"));
     EXPECT_EQ(host.chosen, QStringList({"T3122", host.path(""), "Lumisk (*.IIF);;T3121 (*.*)"}));
     EXPECT_EQ(host.messageTexts(), (std::vector<std::string>{"T3104\r\nT3105", "T3123"}));
-    EXPECT_EQ(std::make_pair(host.get("LayoutFile").toString(), host.get("Saved").toBool()), std::make_pair(host.path("Staff.IIF"), true));
+    EXPECT_EQ(std::make_pair(host.get("LayoutFile").toString(), host.get("Saved").toBool()),
+              std::make_pair(host.path("Staff.IIF"), true));
 
     EXPECT_TRUE(host.callFor<bool>("CloseLayout"));
     EXPECT_EQ(host.messageTexts(), (std::vector<std::string>{"T3104\r\nT3105", "T3123", "T3124"}));
-    EXPECT_EQ(std::make_tuple(host.cell("grdItems", 0, 1), host.grid("grdItems")->model()->rowCount(), host.get("CLessLayoutEntered").toBool(),
-                              host.get("Saved").toBool(), host.get("LayoutFile").toString()),
-              std::make_tuple(QString(), 1, false, false, QString()));
+    EXPECT_EQ(
+        std::make_tuple(host.cell("grdItems", 0, 1), host.grid("grdItems")->model()->rowCount(),
+                        host.get("CLessLayoutEntered").toBool(), host.get("Saved").toBool(), host.get("LayoutFile").toString()),
+        std::make_tuple(QString(), 1, false, false, QString()));
 
     host.events.clear();
     EXPECT_TRUE(host.callFor<bool>("OpenLayout", host.path("Staff.IIF")));
@@ -308,7 +322,8 @@ TEST(IClassCommands, WithoutALayoutTheCardCommandsLeaveNoCardForThePreview) {
         host.call("ShowPreview");
     }
     EXPECT_EQ(host.messageTexts(), std::vector<std::string>{"Error: no iClass object found!"});
-    EXPECT_EQ(std::make_tuple(host.control.document().card()->GetBoundary(1), host.dialogs), std::make_tuple(12, std::vector<QString>{"frmPreview"}));
+    EXPECT_EQ(std::make_tuple(host.control.document().card()->GetBoundary(1), host.dialogs),
+              std::make_tuple(12, std::vector<QString>{"frmPreview"}));
 }
 
 // Database updates of a layout opened before the host fetched its fields are named once the

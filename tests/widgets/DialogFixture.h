@@ -69,7 +69,9 @@ struct Controls {
         ASSERT_TRUE(QTest::qWaitForWindowActive(root));
     }
     bool applyEnabled() const { return child<QPushButton>("cmdApply")->isEnabled(); }
-    QColor mapColour(int row, int column) const { return child<QTableWidget>("grdPreview")->item(row, column)->background().color(); }
+    QColor mapColour(int row, int column) const {
+        return child<QTableWidget>("grdPreview")->item(row, column)->background().color();
+    }
 };
 
 struct DialogFixture : Controls {
@@ -81,7 +83,8 @@ struct DialogFixture : Controls {
 
     explicit DialogFixture(std::vector<ItemRecord> items = {}, IClassType chip = iSmallOnePage) {
         std::string catalog;
-        for (int id : {3166, 3189, 4600, 4610, 4611, 4643, 4644}) catalog += std::to_string(id) + "=T" + std::to_string(id) + "\n";
+        for (int id : {3166, 3189, 4600, 4610, 4611, 4643, 4644})
+            catalog += std::to_string(id) + "=T" + std::to_string(id) + "\n";
         writeBytes(dir / "lang.txt", catalog);
         doc.translator().setLanguageDLL(registry.open(dir / "lang.txt"));
         doc.fields().setFields({{"Surname", "NAME", "Character", 20, 0, true},

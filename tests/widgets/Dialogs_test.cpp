@@ -66,8 +66,9 @@ TEST(EditiClassFields, APlaceBeyondThePageIsRefusedAndOneOnItIsAppliedByOk) {
     EXPECT_TRUE(ed.prompter.messages.empty());
     ASSERT_EQ(ed.records().size(), 1);
     const ItemRecord& r = ed.records()[0];
-    EXPECT_EQ(std::make_tuple(r.name, std::string(kindWord(r)), r.page, r.block, r.beginByte, r.numBytes, r.encodingCode, r.fieldType),
-              std::make_tuple(std::string("NAME"), std::string(kKindField), 0, 20, 2, 4, 0, int{kFieldTypeCharacter}));
+    EXPECT_EQ(
+        std::make_tuple(r.name, std::string(kindWord(r)), r.page, r.block, r.beginByte, r.numBytes, r.encodingCode, r.fieldType),
+        std::make_tuple(std::string("NAME"), std::string(kKindField), 0, 20, 2, 4, 0, int{kFieldTypeCharacter}));
     EXPECT_TRUE(lightColour(r.color)) << std::hex << r.color;
     EXPECT_EQ(std::make_pair(ed.child<QTableWidget>("grdPreview")->item(21, 3)->text(), ed.mapColour(21, 3)),
               std::make_pair(QString("NAME"), memoryMapColor(r.color)));
@@ -82,7 +83,8 @@ TEST(EditiClassFields, TheOverlapQuestionDecidesWhetherTheOldItemIsReplaced) {
         ed.place(20, 2, "4");
         ed.click("cmdApply");
         ASSERT_EQ(ed.prompter.messages.size(), 1u);
-        EXPECT_EQ(std::make_pair(ed.prompter.messages[0].question, ed.prompter.messages[0].buttons), std::make_pair(true, Buttons::OkCancel));
+        EXPECT_EQ(std::make_pair(ed.prompter.messages[0].question, ed.prompter.messages[0].buttons),
+                  std::make_pair(true, Buttons::OkCancel));
         ASSERT_EQ(ed.records().size(), 1);
         EXPECT_EQ(ed.records()[0].name, remaining);
     }
@@ -150,12 +152,34 @@ struct FunctionCase {
 
 TEST(EditiClassFunctions, EachFunctionIsWrittenWithItsValues) {
     const FunctionCase cases[] = {
-        {kModeFunction, FunctionKind::Count, 1, {{"txtCountNumber", "5"}, {"txtCountStep", "2"}, {"txtNrBytes", "2"}}, 20, 4, 0, 2, "1 5/2 / 0/"},
+        {kModeFunction,
+         FunctionKind::Count,
+         1,
+         {{"txtCountNumber", "5"}, {"txtCountStep", "2"}, {"txtNrBytes", "2"}},
+         20,
+         4,
+         0,
+         2,
+         "1 5/2 / 0/"},
         {kModeFunction, FunctionKind::CardSnNr, 3, {}, 21, 0, 0, 4, "3 / / 0/"},
-        {kModeFunction, FunctionKind::Checksum, 2, {{"txtPolynom", "263"}, {"txtStartValue", "7"}, {"txtRangeBytesCount", "8"}},
-         24, 0, 0, 1, "2 / 263/7 19/8"},
-        {kModeBitFunction, FunctionKind::Checksum, 2,
-         {{"txtNrBytes", "4"}, {"txtPolynom", "19"}, {"txtStartValue", "3"}, {"txtRangeBytesCount", "2"}}, 23, 2, 4, 4, "2 / 19/3 19/2"},
+        {kModeFunction,
+         FunctionKind::Checksum,
+         2,
+         {{"txtPolynom", "263"}, {"txtStartValue", "7"}, {"txtRangeBytesCount", "8"}},
+         24,
+         0,
+         0,
+         1,
+         "2 / 263/7 19/8"},
+        {kModeBitFunction,
+         FunctionKind::Checksum,
+         2,
+         {{"txtNrBytes", "4"}, {"txtPolynom", "19"}, {"txtStartValue", "3"}, {"txtRangeBytesCount", "2"}},
+         23,
+         2,
+         4,
+         4,
+         "2 / 19/3 19/2"},
     };
     for (const FunctionCase& c : cases) {
         SCOPED_TRACE(c.stored);
@@ -232,7 +256,9 @@ TEST(EditiClassFunctions, EditingAChecksumOrACountPresetsItsValues) {
         for (const auto& [box, shown] : boxes) EXPECT_EQ(ed.text(box), shown) << box;
         EXPECT_FALSE(ed.applyEnabled());
         if (in.kind != FunctionKind::Checksum) continue;
-        EXPECT_EQ(ed.child<QComboBox>("cboRangeBeginRow")->currentText() + ed.child<QComboBox>("cboRangeBeginByte")->currentText(), "203");
+        EXPECT_EQ(
+            ed.child<QComboBox>("cboRangeBeginRow")->currentText() + ed.child<QComboBox>("cboRangeBeginByte")->currentText(),
+            "203");
         ed.type("txtStartValue", "9");
         ed.click("cmdApply");
         EXPECT_EQ(ed.messageTexts(), std::vector<std::string>{});
@@ -337,7 +363,8 @@ TEST(DBUpdate, ABoxOutOfRangeIsRefusedAndOkWritesTheChosenFieldAndFunctionAsOneR
     d.type("txtCountStep", "255");
     d.click("cmdOK");
     EXPECT_EQ(std::make_tuple(d.messageTexts().size(), u.Cancelled, u.isVisible()), std::make_tuple(1u, false, false));
-    EXPECT_EQ(d.records().records(), (std::vector<ItemRecord>{field("Card", 0, 20, 0, 4), update("NUMBER", 1, "Count", "10", "255")}));
+    EXPECT_EQ(d.records().records(),
+              (std::vector<ItemRecord>{field("Card", 0, 20, 0, 4), update("NUMBER", 1, "Count", "10", "255")}));
 }
 
 TEST(DBUpdate, EditingPresetsTheControlsAndOkReplacesTheRecordInPlaceWhileCancelKeepsIt) {
@@ -383,7 +410,8 @@ TEST(MultiTrack, ApplyStoresABinaryFieldAndRefusesAnOverlapWithAnotherItem) {
 
     Dialog edit({r, other});
     frmMultiTrack& e = edit.open<frmMultiTrack>(0);
-    EXPECT_EQ(std::make_pair(edit.child<QComboBox>("cboRow")->currentText(), edit.text("txtNrBytes")), std::make_pair(QString("20"), QString("12")));
+    EXPECT_EQ(std::make_pair(edit.child<QComboBox>("cboRow")->currentText(), edit.text("txtNrBytes")),
+              std::make_pair(QString("20"), QString("12")));
     edit.choose("cboBeginByte", "0");
     edit.click("cmdApply");  // no message: the later list holds only the refusal
     r.beginByte = 0;

@@ -29,8 +29,9 @@ TEST(Preview, ButtonsStepThroughTheViewsAndTheGridsShowTheirPages) {
         for (int i = 0; i < 4; ++i) button("cmdNext")->click();
         EXPECT_FALSE(button("cmdNext")->isEnabled());
         button("cmdPrevious")->click();
-        EXPECT_EQ(std::make_tuple(form.viewIndex(), form.findChild<QLabel*>("lblPreview0")->text(), button("cmdPrevious")->isEnabled()),
-                  std::make_tuple(c.view, QString(c.title0), c.view > 0));
+        EXPECT_EQ(
+            std::make_tuple(form.viewIndex(), form.findChild<QLabel*>("lblPreview0")->text(), button("cmdPrevious")->isEnabled()),
+            std::make_tuple(c.view, QString(c.title0), c.view > 0));
         for (const char* name : {"grdPreview1", "lblPreview1", "lblPageOf"})
             EXPECT_EQ(form.findChild<QWidget*>(name)->isHidden(), c.chip == iSmallOnePage) << name;
         EXPECT_EQ(form.findChild<QTableWidget*>(c.grid)->item(c.row, c.column)->text(), c.text);
@@ -136,7 +137,8 @@ TEST(PagePainter, GridShowsThePageMapCellByCellAndReusesItsCells) {
         for (int row = 0; row < map.rows(); ++row)
             for (int column = 0; column < map.columns(); ++column) {
                 const QTableWidgetItem* cell = g->item(row, column);
-                EXPECT_EQ(std::make_tuple(cell->text().toStdString(), cell->background().color(), cell->foreground().color(), g->columnSpan(row, column)),
+                EXPECT_EQ(std::make_tuple(cell->text().toStdString(), cell->background().color(), cell->foreground().color(),
+                                          g->columnSpan(row, column)),
                           std::make_tuple(map.textAt(row, column), memoryMapColor(map.at(row, column).background),
                                           memoryMapColor(map.at(row, column).foreground), map.columnSpan(row, column)))
                     << page << ": " << row << "," << column;

@@ -94,24 +94,28 @@ TEST(ProfileReading, AnswersAsTheWindowsFunctions) {
         for (const std::string section : {"Alpha", "alpha", "ALPHA", "Beta", "Two Words", "x", " Alpha\t"}) {
             for (const std::string key : {"key", "Key", "KEY", "k2", "two words", ";c", "Num", " key\t"}) {
                 const std::string def = pick(rng, {"def", "def  ", "d\t", ""});
-                const DWORD length = GetPrivateProfileStringA(section.c_str(), key.c_str(), def.c_str(), buffer.data(), 1024, path.c_str());
-                const std::string ours = doc.getString(section, key, def, 1024), theirs = cp1252ToUtf8(std::string(buffer.data(), length));
+                const DWORD length =
+                    GetPrivateProfileStringA(section.c_str(), key.c_str(), def.c_str(), buffer.data(), 1024, path.c_str());
+                const std::string ours = doc.getString(section, key, def, 1024),
+                                  theirs = cp1252ToUtf8(std::string(buffer.data(), length));
                 // Wine strips quotes after the cut: a quoted value of exactly 1,023 characters
                 // loses its last one as if it were the closing quote. Ours keeps all 1,023.
                 const auto raw = doc.rawValue(section, key);
-                if (raw && stripProfileQuotes(*raw).size() + 2 == raw->size() && utf8Length(*raw) == 1025 && utf8Length(ours) == 1023 &&
-                    theirs == utf8Prefix(ours, 1022)) {
+                if (raw && stripProfileQuotes(*raw).size() + 2 == raw->size() && utf8Length(*raw) == 1025 &&
+                    utf8Length(ours) == 1023 && theirs == utf8Prefix(ours, 1022)) {
                     ++wineQuirks;
                     continue;
                 }
                 tally.same(ours, theirs, "[" + section + "] " + key);
-                tally.same(doc.getInt(section, key, 7), static_cast<int32_t>(GetPrivateProfileIntA(section.c_str(), key.c_str(), 7, path.c_str())),
+                tally.same(doc.getInt(section, key, 7),
+                           static_cast<int32_t>(GetPrivateProfileIntA(section.c_str(), key.c_str(), 7, path.c_str())),
                            "int [" + section + "] " + key);
             }
             // Wine does not trim the section name when it lists keys; Kestrin lists only with
             // the names it wrote, so a padded name is not asked for here.
             if (section[0] == ' ') continue;
-            const DWORD length = GetPrivateProfileStringA(section.c_str(), nullptr, "", buffer.data(), static_cast<DWORD>(buffer.size()), path.c_str());
+            const DWORD length = GetPrivateProfileStringA(section.c_str(), nullptr, "", buffer.data(),
+                                                          static_cast<DWORD>(buffer.size()), path.c_str());
             tally.same(untilEmpty(doc.keys(section)), listed(buffer, length), "keys of [" + section + "]");
         }
         // Wine leaves a section headed "[]" out of the listing, as it does the lines before the
@@ -137,9 +141,10 @@ TEST(ProfileWriting, WritesTheBytesOfTheWindowsFunction) {
         for (int i = 0, count = 1 + static_cast<int>(rng() % 40); i < count; ++i, ++writes) {
             const std::string section = pick(rng, {"App1", "app1", "APP1", "Second", "Sec 3", "Fourth"});
             const std::string key = pick(rng, {"key1", "KEY1", "Key2", "key 3", "k4", "Num"});
-            const std::string value = chance(rng, 5) ? std::string(1000 + rng() % 100, static_cast<char>('a' + rng() % 26))
-                                                     : pick(rng, {"v", "", "\"quoted\"", "@#@#\"quoted\"", "'single'", "a=b", "  lead", "x;y",
-                                                                  "caf\xe9", "@#@#", "\"", "[not a section]", "\x80 \xff", "\t tab lead", "12"});
+            const std::string value =
+                chance(rng, 5) ? std::string(1000 + rng() % 100, static_cast<char>('a' + rng() % 26))
+                               : pick(rng, {"v", "", "\"quoted\"", "@#@#\"quoted\"", "'single'", "a=b", "  lead", "x;y",
+                                            "caf\xe9", "@#@#", "\"", "[not a section]", "\x80 \xff", "\t tab lead", "12"});
             ours.write(cp1252ToUtf8(section), cp1252ToUtf8(key), cp1252ToUtf8(value));
             ASSERT_TRUE(WritePrivateProfileStringA(section.c_str(), key.c_str(), value.c_str(), path.c_str()));
             tally.subject += "[" + section + "] " + key + "=" + value.substr(0, 20) + "\n";

@@ -75,16 +75,20 @@ TEST_P(LanguageLibrary, AnswersAsLoadString) {
             theirs = *text;
         }
         found += text.has_value();
-        tally.same(text ? "text " + *text + " / " + narrowOf(CP_ACP, whole).substr(0, 255) : std::string("none"),
-                   narrowLength > 0 ? "text " + theirs + " / " + std::string(narrow, static_cast<std::size_t>(narrowLength)) : "none",
-                   "id " + std::to_string(id));
+        tally.same(
+            text ? "text " + *text + " / " + narrowOf(CP_ACP, whole).substr(0, 255) : std::string("none"),
+            narrowLength > 0 ? "text " + theirs + " / " + std::string(narrow, static_cast<std::size_t>(narrowLength)) : "none",
+            "id " + std::to_string(id));
     }
     FreeLibrary(module);
     std::printf("%s: %zu texts, %zu cut inside a surrogate pair\n", GetParam(), found, pairsKept);
     EXPECT_GT(found, 0u);
 }
 
-INSTANTIATE_TEST_SUITE_P(Fixtures, LanguageLibrary, ::testing::Values("strings32.dll", "strings64.dll", "standard.dll", "custom.dll"),
-                         [](const auto& param) { return std::string(param.param).substr(0, std::string(param.param).find('.')); });
+INSTANTIATE_TEST_SUITE_P(Fixtures, LanguageLibrary,
+                         ::testing::Values("strings32.dll", "strings64.dll", "standard.dll", "custom.dll"),
+                         [](const auto& param) {
+                             return std::string(param.param).substr(0, std::string(param.param).find('.'));
+                         });
 
 }  // namespace

@@ -36,7 +36,8 @@ int32_t errorOf(const std::function<void()>& call) {
 
 TEST(CIClass, BuildsPagesWithTheirFixedAreasTheHidSwitchMovesOnlyTheFirstPagesFreeSpace) {
     // pages, page size, page 0's boundary
-    for (const auto& [type, count, size, boundary] : {std::tuple(iSmallOnePage, 1, 256, 0), {iBigOnePage, 1, 2048, 0}, {iBigEightPages, 8, 256, 18}}) {
+    for (const auto& [type, count, size, boundary] :
+         {std::tuple(iSmallOnePage, 1, 256, 0), {iBigOnePage, 1, 2048, 0}, {iBigEightPages, 8, 256, 18}}) {
         CIClass card;
         card.setUseHIDSection(false);
         card.setEnableBitwise(true);
@@ -46,12 +47,17 @@ TEST(CIClass, BuildsPagesWithTheirFixedAreasTheHidSwitchMovesOnlyTheFirstPagesFr
         EXPECT_EQ(std::tuple(card.UseHIDSection(), card.EnableBitwise()), std::tuple(true, false));
         for (int32_t n = 0; n < count; ++n) {
             const CPage& p = card.Pages().Item(n + 1);
-            EXPECT_EQ(std::tuple(p.Key, p.PageNumber, p.Parent, p.PageSize, p.HasHeader), std::tuple(std::to_string(n), n, &card, size, true));
-            EXPECT_EQ(std::tuple(p.HasHIDSpace, p.BeginFreeSpace, p.Boundary), std::tuple(n == 0, n == 0 ? 19 : 6, n == 0 ? boundary : 18)) << type << " page " << n;
+            EXPECT_EQ(std::tuple(p.Key, p.PageNumber, p.Parent, p.PageSize, p.HasHeader),
+                      std::tuple(std::to_string(n), n, &card, size, true));
+            EXPECT_EQ(std::tuple(p.HasHIDSpace, p.BeginFreeSpace, p.Boundary),
+                      std::tuple(n == 0, n == 0 ? 19 : 6, n == 0 ? boundary : 18))
+                << type << " page " << n;
         }
     }
     CIClass unknown = chip(static_cast<IClassType>(7));
-    EXPECT_EQ(std::tuple(unknown.Pages().Count(), unknown.GetBoundary(0), errorOf([&] { unknown.SetBoundaries("1|2|3|4|5|6|7|8"); })), std::tuple(0, -1, 0));
+    EXPECT_EQ(
+        std::tuple(unknown.Pages().Count(), unknown.GetBoundary(0), errorOf([&] { unknown.SetBoundaries("1|2|3|4|5|6|7|8"); })),
+        std::tuple(0, -1, 0));
     // The HID switch moves only the first page's free space.
     CIClass card = chip(iBigEightPages);
     card.setUseHIDSection(false);
@@ -64,7 +70,10 @@ TEST(CIClass, BuildsPagesWithTheirFixedAreasTheHidSwitchMovesOnlyTheFirstPagesFr
 }
 
 TEST(CIClass, SetBoundaryAcceptsPagesOneToSevenAndBlocksSixTo32) {
-    for (const auto& [page, boundary, changes] : {std::tuple(3, 32, true), {3, 6, true}, {3, 33, false}, {3, 5, false}, {0, 10, false}, {1, 20, true}, {7, 20, true}, {8, 20, false}, {-1, 20, false}}) {
+    for (const auto& [page, boundary, changes] : {std::tuple(3, 32, true),
+                                                  {3, 6, true}, {3, 33, false}, {3, 5, false}, {0, 10, false}, {1, 20, true},
+                                                  {7, 20, true}, {8, 20, false},
+                                                  {-1, 20, false}}) {
         CIClass card = chip(iBigEightPages);
         card.SetBoundary(page, boundary);
         std::vector<int32_t> want = kDefault;
@@ -83,7 +92,8 @@ TEST(CIClass, SetBoundariesTakesExactlyEightNumbersGetBoundaryHasItsOwnLimits) {
     const std::tuple<const char*, int, std::vector<int32_t>> cases[] = {
         {"1|11|12|13|14|15|16|100", 0, {1, 11, 12, 13, 14, 15, 16, 100}}, {"10|11", 0, kDefault}, {"", 0, kDefault},
         {"1|2|3|4|5|6|7|8|9", 0, kDefault}, {"10|11|x|13|14|15|16|17", 13, kDefault}, {"-3000000000|1|2|3|4|5|6|7", 6, kDefault},
-        {"1|2|3|4|5|6|7|3000000000", 6, kDefault}, {"-2147483648|1|2|3|4|5|6|2147483647", 0, {INT32_MIN, 1, 2, 3, 4, 5, 6, INT32_MAX}},
+        {"1|2|3|4|5|6|7|3000000000", 6, kDefault},
+        {"-2147483648|1|2|3|4|5|6|2147483647", 0, {INT32_MIN, 1, 2, 3, 4, 5, 6, INT32_MAX}},
         {"1|2|3|4|5|6|7|2147483648", 6, kDefault}};
     for (const auto& [text, error, want] : cases) {
         CIClass card = chip(iBigEightPages);
@@ -98,7 +108,9 @@ TEST(CIClass, SetBoundariesTakesExactlyEightNumbersGetBoundaryHasItsOwnLimits) {
     // GetBoundary's limits; copies are deep.
     CIClass card = chip(iBigEightPages);
     // Beyond the page count: -1; at the count, a key that does not exist; no lower bound check.
-    EXPECT_EQ(std::tuple(card.GetBoundary(7), card.GetBoundary(9), errorOf([&] { card.GetBoundary(8); }), errorOf([&] { card.GetBoundary(-1); })), std::tuple(18, -1, kErrInvalidCall, kErrInvalidCall));
+    EXPECT_EQ(std::tuple(card.GetBoundary(7), card.GetBoundary(9), errorOf([&] { card.GetBoundary(8); }),
+                         errorOf([&] { card.GetBoundary(-1); })),
+              std::tuple(18, -1, kErrInvalidCall, kErrInvalidCall));
     EXPECT_EQ(std::tuple(CIClass().GetBoundary(0), CIClass().GetBoundary(2)), std::tuple(0, -1));
     CIClass copy = card;
     copy.SetBoundary(2, 30);
@@ -113,7 +125,8 @@ TEST(Pages, LookupErrorsAndRemoval) {
     pages.Add("c", 2, "kc");
     EXPECT_EQ(std::tuple(pages.Count(), pages.Item("kc").Key, pages.Item(2).Key), std::tuple(3, "c", "b"));
     // Positions 1 to Count, then subscript out of range; an unknown key is an invalid call; a key given twice 457.
-    EXPECT_EQ(std::tuple(errorOf([&] { pages.Item(0); }), errorOf([&] { pages.Item(3); }), errorOf([&] { pages.Item(4); }), errorOf([&] { pages.Item("nope"); }), errorOf([&] { pages.Add("d", 3, "ka"); })),
+    EXPECT_EQ(std::tuple(errorOf([&] { pages.Item(0); }), errorOf([&] { pages.Item(3); }), errorOf([&] { pages.Item(4); }),
+                         errorOf([&] { pages.Item("nope"); }), errorOf([&] { pages.Add("d", 3, "ka"); })),
               std::tuple(kErrSubscriptOutOfRange, 0, kErrSubscriptOutOfRange, kErrInvalidCall, 457));
     pages.Remove("ka");
     EXPECT_EQ(pages.Item(1).Key, "b");

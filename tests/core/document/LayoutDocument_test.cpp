@@ -30,7 +30,8 @@ struct Doc {
 
     Doc() {
         std::string lines;
-        for (int id : {3104, 3105, 3123, 3124, 3125, 3166, 4600, 4601}) lines += std::to_string(id) + "=T" + std::to_string(id) + "\n";
+        for (int id : {3104, 3105, 3123, 3124, 3125, 3166, 4600, 4601})
+            lines += std::to_string(id) + "=T" + std::to_string(id) + "\n";
         writeBytes(dir / "lang.txt", lines);
         doc.translator().setLanguageDLL(registry.open(dir / "lang.txt"));
         doc.setListener([this](Change c) { changes.push_back(c); });
@@ -47,8 +48,10 @@ struct Doc {
         for (const ItemRecord& r : doc.records()) {
             const bool light = ((r.color >> 16) & 0xFF) >= 127 && ((r.color >> 8) & 0xFF) >= 127 && (r.color & 0xFF) >= 127;
             out += (out.empty() ? "" : " ") + (r.isDbUpdate ? r.dbFieldName + ":" + r.name
-                                                           : r.name + "@" + std::to_string(r.block) + "/" +
-                                                                 (r.color < 1000 ? std::to_string(r.color) : light ? "light" : "dark"));
+                                                            : r.name + "@" + std::to_string(r.block) + "/" +
+                                                                  (r.color < 1000 ? std::to_string(r.color)
+                                                                   : light        ? "light"
+                                                                                  : "dark"));
         }
         return out;
     }
@@ -88,7 +91,9 @@ TEST(LayoutDocument, ItemChangesTable) {
     const auto remove = [](bool dbUpdate, int row) {
         return [=](LayoutDocument& d) { return yes(dbUpdate ? d.removeDbUpdateRow(row) : d.removeItemRow(row)); };
     };
-    const auto update = [](DbUpdateEntries e, int replacing) { return [=](LayoutDocument& d) { return yes(d.applyDbUpdate(e, replacing).stored); }; };
+    const auto update = [](DbUpdateEntries e, int replacing) {
+        return [=](LayoutDocument& d) { return yes(d.applyDbUpdate(e, replacing).stored); };
+    };
     const auto session = [](std::vector<EditorEntries> items) {
         return [=](LayoutDocument& d) {
             d.batch([&] { for (const auto& e : items) d.applyItem(e); });
@@ -102,7 +107,13 @@ TEST(LayoutDocument, ItemChangesTable) {
         {"the same item placed again", {}, apply("B", 22, 2), "2 at 3", "NAME:Constant A@20/111 C@24/333 B@22/light", {}, once},
         {"edit over its own old place", {}, apply("A", 21, 2, 1), "1 at 1", "NAME:Constant A@21/111 B@22/222 C@24/333", {}, once},
         {"edit onto another, cancelled", {Answer::Cancel}, apply("A", 22, 2, 1), "0 at -1", start, {"T3166: B."}, none},
-        {"edit of the last onto another, OK", {Answer::Ok}, apply("C", 22, 2, 3), "2 at 2", "NAME:Constant A@20/111 C@22/333", {"T3166: B."}, once},
+        {"edit of the last onto another, OK",
+         {Answer::Ok},
+         apply("C", 22, 2, 3),
+         "2 at 2",
+         "NAME:Constant A@20/111 C@22/333",
+         {"T3166: B."},
+         once},
         {"edit of a record that is not there", {}, apply("N", 26, 1, 4), "1 at 4", start + " N@26/light", {}, once},
         {"remove an empty row", {}, remove(false, 3), "no", start, {"T3104"}, none},
         {"remove a row, answered no", {Answer::No}, remove(false, 0), "no", start, {asked}, none},
@@ -110,20 +121,42 @@ TEST(LayoutDocument, ItemChangesTable) {
         {"remove the last row", {}, remove(false, 2), "yes", "NAME:Constant A@20/111 B@22/222", {asked}, once},
         {"remove a database update", {}, remove(true, 0), "yes", "C@24/333 A@20/111 B@22/222", {asked}, once},
         {"remove an empty database update row", {}, remove(true, 1), "no", start, {"T3104"}, none},
-        {"database update edited in place", {}, update({"Count", "NUMBER", 1, "", "5", "2", false}, 0), "yes",
-         "NUMBER:Count A@20/111 B@22/222 C@24/333", {}, once},
-        {"database update onto an item's slot is new", {}, update({"CardSnNr", "NR", 1, "", "", "", false}, 1), "yes", start + " NR:CardSnNr", {}, once},
-        {"database update with a step of 256", {}, update({"Count", "NUMBER", 1, "", "5", "256", false}, 0), "no", start,
-         {"<Please enter a value between> 0 & 255!"}, none},
-        {"dialog session with two items", {}, session({fieldAt("N", 26, 1), fieldAt("M", 27, 1)}), "no", start + " N@26/light M@27/light", {}, once},
+        {"database update edited in place",
+         {},
+         update({"Count", "NUMBER", 1, "", "5", "2", false}, 0),
+         "yes",
+         "NUMBER:Count A@20/111 B@22/222 C@24/333",
+         {},
+         once},
+        {"database update onto an item's slot is new",
+         {},
+         update({"CardSnNr", "NR", 1, "", "", "", false}, 1),
+         "yes",
+         start + " NR:CardSnNr",
+         {},
+         once},
+        {"database update with a step of 256",
+         {},
+         update({"Count", "NUMBER", 1, "", "5", "256", false}, 0),
+         "no",
+         start,
+         {"<Please enter a value between> 0 & 255!"},
+         none},
+        {"dialog session with two items",
+         {},
+         session({fieldAt("N", 26, 1), fieldAt("M", 27, 1)}),
+         "no",
+         start + " N@26/light M@27/light",
+         {},
+         once},
         {"dialog session with only refusals", {}, session({fieldAt("N", 31, 9)}), "yes", start, {"T4600"}, none},
     };
     for (const ItemCase& c : cases) {
         SCOPED_TRACE(c.what);
         Doc d;
         RecordArray records;
-        for (const ItemRecord& r : {dbUpdate("NAME", "Constant", "1"), field("A", 0, 20, 0, 2, 0, 111), field("B", 0, 22, 0, 2, 0, 222),
-                                    field("C", 0, 24, 0, 2, 0, 333)})
+        for (const ItemRecord& r : {dbUpdate("NAME", "Constant", "1"), field("A", 0, 20, 0, 2, 0, 111),
+                                    field("B", 0, 22, 0, 2, 0, 222), field("C", 0, 24, 0, 2, 0, 333)})
             records.add(r);
         d.doc.setLayout(CIClass(), records);
         ASSERT_TRUE(d.doc.saveTo(d.dir / "Start.IIF"));
@@ -188,10 +221,12 @@ TEST(LayoutDocument, OpenTakesTheFilesSwitchesOrChangesNothingAndTheAuditNamesWh
 
     // A check of the open layout reports what its file held that could not be read, before the
     // rules its items break, until a save writes a file without it.
-    writeBytes(d.dir / "Past.IIF", crlf({"[CARDDESIGN]", "Size=2K", "UseHID=1", "[ENCODE]", "Past(1)=0,31,4,5,0", "Hid(1)=0,10,0,1,0"}));
+    writeBytes(d.dir / "Past.IIF",
+               crlf({"[CARDDESIGN]", "Size=2K", "UseHID=1", "[ENCODE]", "Past(1)=0,31,4,5,0", "Hid(1)=0,10,0,1,0"}));
     auto audit = [&d] {
         std::string out;
-        for (const AuditViolation& v : d.doc.audit()) out += v.name + " " + std::to_string(v.textId) + " " + v.text.substr(0, 5) + "; ";
+        for (const AuditViolation& v : d.doc.audit())
+            out += v.name + " " + std::to_string(v.textId) + " " + v.text.substr(0, 5) + "; ";
         return out;
     };
     ASSERT_TRUE(d.doc.open(d.dir / "Past.IIF").opened);

@@ -125,11 +125,15 @@ TEST(InputLimits, LongValuesAreCutAndTold) {
     std::string accented;
     for (size_t i = 0; i < kMaxValueChars; ++i) accented += "\xE9";
     const std::string big(8u << 20, 'x');
-    const struct { std::string layout; const char* told; } cases[] = {  // told nullptr: nothing
+    const struct { std::string layout; const char* told;
+    } cases[] = {
+        // told nullptr: nothing
         {crlf({"[SETTINGS]", "Font=" + std::string(kMaxValueChars, '7')}), nullptr},
-        {crlf({"[SETTINGS]", "Font=" + std::string(kMaxValueChars + 1, '7')}), "1 values are longer than 1023 characters and were cut (the first: [SETTINGS] Font)"},
+        {crlf({"[SETTINGS]", "Font=" + std::string(kMaxValueChars + 1, '7')}),
+         "1 values are longer than 1023 characters and were cut (the first: [SETTINGS] Font)"},
         {crlf({"[SETTINGS]", "Font=" + accented}), nullptr},
-        {crlf({"[SETTINGS]", "Font=" + accented + "\xE9", "[s]", "x=" + big}), "2 values are longer than 1023 characters and were cut (the first: [SETTINGS] Font)"},
+        {crlf({"[SETTINGS]", "Font=" + accented + "\xE9", "[s]", "x=" + big}),
+         "2 values are longer than 1023 characters and were cut (the first: [SETTINGS] Font)"},
         {crlf({"[SETTINGS]", "Font=\"" + std::string(kMaxValueChars, 'q') + "\""}), nullptr},
         {crlf({"[SETTINGS]", "Font=\"" + std::string(kMaxValueChars + 1, 'q') + "\""}), "1 values are longer"},
         {crlf({"[SETTINGS]", "Font=1", "[SETTINGS]", "Font=" + big}), nullptr},  // a repeated section reads as its first
@@ -156,7 +160,9 @@ TEST(InputLimits, ItemsAndWarningsBeyondTheirLimits) {
         EXPECT_EQ(o->records.size(), kMaxItems);
         EXPECT_EQ(o->result.dropped.size(), static_cast<size_t>(items - kMaxItems));  // a check lists each
         ASSERT_EQ(o->prompter.messages.size(), items > kMaxItems ? 1u : 0u);
-        if (items > kMaxItems) { EXPECT_NE(o->prompter.messages[0].text.find("more than 32767 items; 33 were left out"), std::string::npos); }
+        if (items > kMaxItems) {
+            EXPECT_NE(o->prompter.messages[0].text.find("more than 32767 items; 33 were left out"), std::string::npos);
+        }
     }
     for (const size_t bad : {kMaxReadWarnings, kMaxReadWarnings + 4000}) {
         std::string layout = "[CARDDESIGN]\r\nSize=2K\r\n[ENCODE]\r\n";

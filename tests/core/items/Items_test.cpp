@@ -36,9 +36,12 @@ TEST(RecordArray, KindWordsFollowTheFlagsInOrder) {
     const std::tuple<ItemRecord, std::string, int> cases[] = {
         {flags(false, false, false, false, false), "Field", 0}, {flags(true, false, false, false, false), "Function", 1},
         {flags(false, true, false, false, false), "Bit Field", 2}, {flags(false, false, false, true, false), "Bit Function", 3},
-        {flags(true, false, true, false, false), "Bit Function (Simple)", 1}, {flags(true, true, true, true, true), "Binary Field", -1},
-        {flags(false, false, true, true, false), "Bit Function (Simple)", 1}, {flags(true, true, false, false, false), "Function", 1}};
-    for (const auto& [record, kind, code] : cases) EXPECT_EQ(std::tuple(kindWord(record), kindCode(kind)), std::tuple(kind, code)) << kind;
+        {flags(true, false, true, false, false), "Bit Function (Simple)", 1},
+        {flags(true, true, true, true, true), "Binary Field", -1},
+        {flags(false, false, true, true, false), "Bit Function (Simple)", 1},
+        {flags(true, true, false, false, false), "Function", 1}};
+    for (const auto& [record, kind, code] : cases)
+        EXPECT_EQ(std::tuple(kindWord(record), kindCode(kind)), std::tuple(kind, code)) << kind;
 }
 
 TEST(RecordArray, FindingNeedsEveryShownValueRemovingMovesTheLastRecordIntoTheGap) {
@@ -56,9 +59,11 @@ TEST(RecordArray, FindingNeedsEveryShownValueRemovingMovesTheLastRecordIntoTheGa
     EXPECT_TRUE(a.removeByPosition({0, 21, 0, 1, 0, 0}, "C", "Field"));
     EXPECT_EQ(a.highestIndex(), -1);
     // The first match is found; grid rows map to record indexes.
-    a = recordsOf({dbUpdate("X", "Constant", "1"), field("A", 0, 19, 0, 1), field("A", 0, 19, 0, 1, 0, 5), dbUpdate("Y", "Count", "1", "1")});
+    a = recordsOf({dbUpdate("X", "Constant", "1"), field("A", 0, 19, 0, 1), field("A", 0, 19, 0, 1, 0, 5),
+                   dbUpdate("Y", "Count", "1", "1")});
     EXPECT_EQ(a.findByPosition({0, 19, 0, 1, 0, 0}, "A", "Field"), 1);
-    EXPECT_EQ(std::tuple(a.indexOfItemRow(1), a.indexOfItemRow(2), a.indexOfItemRow(3), a.indexOfDbUpdateRow(2)), std::tuple(1, 2, -1, 3));
+    EXPECT_EQ(std::tuple(a.indexOfItemRow(1), a.indexOfItemRow(2), a.indexOfItemRow(3), a.indexOfDbUpdateRow(2)),
+              std::tuple(1, 2, -1, 3));
     a.removeAt(0);
     EXPECT_EQ(a[0].dbFieldName, "Y");
 }
@@ -75,21 +80,34 @@ TEST(GridRows, EachKindShowsItsCellsAndReadsBackAsTheEditorsRecord) {
     using O = std::optional<int16_t>;
     // bytes, begin bit and bits as shown; the kind code the editor receives (0 where the kind leaves it)
     const std::tuple<ItemRecord, const char*, O, O, O, int> cases[] = {
-        {field("Name [+] First", 1, 19, 3, 12), "Field", 12, {}, {}, 0}, {function("Constant", "ABC", "", "", 0, 255, 7, 3), "Function", 3, {}, {}, 1},
-        {with(field("Photo", 2, 30, 0, 100), [](auto& x) { x.isBinary = true; }), "Binary Field", 100, {}, {}, 0}, {bitField("Flag", 0, 40, 5, 6, 2), "Bit Field", {}, 6, 2, 2},
-        {bitFunction("Count", "1", 3, 41, 1, 0, 10), "Bit Function", {}, 0, 10, 3}, {with(bitFunction("CardSnNr", "", 0, 42, 2, 3, 5), [](auto& x) { x.isBitFunction = false, x.isSimpleBitFunction = true, x.numBytes = 4; }), "Bit Function (Simple)", 4, 3, 5, 1}};
+        {field("Name [+] First", 1, 19, 3, 12), "Field", 12, {}, {}, 0},
+        {function("Constant", "ABC", "", "", 0, 255, 7, 3), "Function", 3, {}, {}, 1},
+        {with(field("Photo", 2, 30, 0, 100), [](auto& x) { x.isBinary = true; }), "Binary Field", 100, {}, {}, 0},
+        {bitField("Flag", 0, 40, 5, 6, 2), "Bit Field", {}, 6, 2, 2},
+        {bitFunction("Count", "1", 3, 41, 1, 0, 10), "Bit Function", {}, 0, 10, 3},
+        {with(bitFunction("CardSnNr", "", 0, 42, 2, 3, 5),
+              [](auto& x) { x.isBitFunction = false, x.isSimpleBitFunction = true, x.numBytes = 4; }),
+         "Bit Function (Simple)", 4, 3, 5, 1}};
     for (const auto& [record, kind, bytes, beginBit, bits, kindCode] : cases) {
         SCOPED_TRACE(kind);
         const ItemRow row = itemRowOf(record);
-        EXPECT_EQ(std::tuple(row.name, row.kind, row.page, row.block, row.beginByte), std::tuple(record.name, kind, record.page, record.block, record.beginByte));
-        EXPECT_EQ(std::tuple(row.bytes, row.beginBit, row.bits, isCombinedField(record)), std::tuple(bytes, beginBit, bits, record.name == "Name [+] First"));
+        EXPECT_EQ(std::tuple(row.name, row.kind, row.page, row.block, row.beginByte),
+                  std::tuple(record.name, kind, record.page, record.block, record.beginByte));
+        EXPECT_EQ(std::tuple(row.bytes, row.beginBit, row.bits, isCombinedField(record)),
+                  std::tuple(bytes, beginBit, bits, record.name == "Name [+] First"));
         const EditorRecord e = editorRecordOf(row);
         EXPECT_EQ(std::tuple(e.editing, e.fieldsAndFunctions, e.kindWord, e.kindCode), std::tuple(true, true, kind, kindCode));
-        EXPECT_EQ(std::tuple(e.numBytes, e.beginBit, e.numBits), std::tuple(bytes.value_or(0), beginBit.value_or(0), bits.value_or(0)));
-        EXPECT_EQ(recordsOf({dbUpdate("Before", "Constant", "x"), record}).findByPosition({e.page, e.block, e.beginByte, e.numBytes, e.beginBit, e.numBits}, e.name, e.kindWord), 1);
+        EXPECT_EQ(std::tuple(e.numBytes, e.beginBit, e.numBits),
+                  std::tuple(bytes.value_or(0), beginBit.value_or(0), bits.value_or(0)));
+        EXPECT_EQ(recordsOf({dbUpdate("Before", "Constant", "x"), record})
+                      .findByPosition({e.page, e.block, e.beginByte, e.numBytes, e.beginBit, e.numBits}, e.name, e.kindWord),
+                  1);
     }
     // Database update rows summarise the function's values.
-    for (const auto& [function, p1, p2, summary] : {std::tuple("Constant", "7", "", "<Value>: 7."), {"Count", "5", "2", "<Step>: 5. <Start value>: 2."}, {"CardSnNr", "0", "", "<Decimal>"}, {"CardSnNr", "", "", "<Decimal>"}, {"CardSnNr", "1", "", "<Hexadecimal>"}})
+    for (const auto& [function, p1, p2, summary] : {std::tuple("Constant", "7", "", "<Value>: 7."),
+                                                    {"Count", "5", "2", "<Step>: 5. <Start value>: 2."},
+                                                    {"CardSnNr", "0", "", "<Decimal>"}, {"CardSnNr", "", "", "<Decimal>"},
+                                                    {"CardSnNr", "1", "", "<Hexadecimal>"}})
         EXPECT_EQ(dbUpdateSummary(function, p1, p2, tr), summary) << function << " " << p1;
 }
 
@@ -100,7 +118,8 @@ TEST(ItemColor, EveryChannelIsLightAndTheColoursVary) {
     for (int i = 0; i < 2000; ++i) {
         const int32_t color = randomItemColor(rng);
         EXPECT_EQ(color & ~0xFFFFFF, 0);
-        for (int shift : {0, 8, 16}) lowest = std::min(lowest, (color >> shift) & 0xFF), highest = std::max(highest, (color >> shift) & 0xFF);
+        for (int shift : {0, 8, 16})
+            lowest = std::min(lowest, (color >> shift) & 0xFF), highest = std::max(highest, (color >> shift) & 0xFF);
         seen.insert(color);
     }
     EXPECT_EQ(std::tuple(lowest, highest), std::tuple(127, 227));
@@ -108,7 +127,14 @@ TEST(ItemColor, EveryChannelIsLightAndTheColoursVary) {
 }
 
 // parts: each grid page's VirtualPage
-struct ViewCase { IClassType chip; int view; std::vector<std::string> titles; std::string position; std::vector<int32_t> pageNumbers, parts; std::string pagesHeading; };
+struct ViewCase {
+    IClassType chip;
+    int view;
+    std::vector<std::string> titles;
+    std::string position;
+    std::vector<int32_t> pageNumbers, parts;
+    std::string pagesHeading;
+};
 
 class PreviewViews : public ::testing::TestWithParam<ViewCase> {};
 
@@ -125,19 +151,23 @@ TEST_P(PreviewViews, TitlesPositionPagesAndHeading) {
     EXPECT_EQ(printPagesHeading(card, v, tr), c.pagesHeading);
 }
 
-INSTANTIATE_TEST_SUITE_P(Chips, PreviewViews, ::testing::Values(
-    ViewCase{iSmallOnePage, 0, {"<Card Layout>"}, "", {0}, {0}, ""}, ViewCase{iBigOnePage, 0, {"Blocks 0 - 31", "Blocks 32 - 63"}, "Blocks 0 - 63 of 255", {0}, {0, 1}, ""},
-    ViewCase{iBigOnePage, 1, {"Blocks 64 - 95 ", "Blocks 96 - 127"}, "Blocks 64 - 127 of 255", {0}, {2, 3}, ""},
-    ViewCase{iBigOnePage, 3, {"Blocks 192 - 223", "Blocks 224 - 255"}, "Blocks 192 - 255 of 255", {0}, {6, 7}, ""},
-    ViewCase{iBigEightPages, 0, {"Page 0", "Page 1"}, "Pages 0/1 of 7", {0, 1}, {0, 0}, "<PAGES> 0 <and> 1"},
-    ViewCase{iBigEightPages, 3, {"Page 6", "Page 7"}, "Pages 6/7 of 7", {6, 7}, {0, 0}, "<PAGES> 6 <and> 7"}));
+INSTANTIATE_TEST_SUITE_P(
+    Chips, PreviewViews,
+    ::testing::Values(ViewCase{iSmallOnePage, 0, {"<Card Layout>"}, "", {0}, {0}, ""},
+                      ViewCase{iBigOnePage, 0, {"Blocks 0 - 31", "Blocks 32 - 63"}, "Blocks 0 - 63 of 255", {0}, {0, 1}, ""},
+                      ViewCase{iBigOnePage, 1, {"Blocks 64 - 95 ", "Blocks 96 - 127"}, "Blocks 64 - 127 of 255", {0}, {2, 3}, ""},
+                      ViewCase{
+                          iBigOnePage, 3, {"Blocks 192 - 223", "Blocks 224 - 255"}, "Blocks 192 - 255 of 255", {0}, {6, 7}, ""},
+                      ViewCase{iBigEightPages, 0, {"Page 0", "Page 1"}, "Pages 0/1 of 7", {0, 1}, {0, 0}, "<PAGES> 0 <and> 1"},
+                      ViewCase{iBigEightPages, 3, {"Page 6", "Page 7"}, "Pages 6/7 of 7", {6, 7}, {0, 0}, "<PAGES> 6 <and> 7"}));
 
 constexpr int32_t kGreen = 0x00C000, kBlue = 0xFF0000, kYellow = 0x00FFFF, kWhite = 0xFFFFFF;
 constexpr int32_t kInside = 0xEBEBEB, kBeyond = 0xD7D7D7, kItem = 0x3366CC;
 
 // A page of the chip, HID section on unless told; part > 0 is a later 32-block part of the
 // one-page 16 kbit card, taken as the preview takes it.
-MapGrid mapOf(IClassType chip, int page, int part, bool wholePage, const RecordArray& records, bool hid = true, int boundary = -1) {
+MapGrid mapOf(IClassType chip, int page, int part, bool wholePage, const RecordArray& records, bool hid = true,
+              int boundary = -1) {
     CIClass card;
     card.setChipSize(chip);
     card.setUseHIDSection(hid);
@@ -147,7 +177,14 @@ MapGrid mapOf(IClassType chip, int page, int part, bool wholePage, const RecordA
 }
 
 // greyRow 0: no grey
-struct AreaCase { const char* name; IClassType chip; bool hid; int page, part, boundary; bool wholePage, header, hidRows; int rows, firstBlock, yellowRow, greyRow, beyondRow; };
+struct AreaCase {
+    const char* name;
+    IClassType chip;
+    bool hid;
+    int page, part, boundary;
+    bool wholePage, header, hidRows;
+    int rows, firstBlock, yellowRow, greyRow, beyondRow;
+};
 
 class PageAreas : public ::testing::TestWithParam<AreaCase> {};
 
@@ -165,7 +202,8 @@ TEST_P(PageAreas, FixedAreasBlockNumbersAndFreeBytes) {
         int32_t color = c.greyRow == 0 || row < c.greyRow ? kWhite : row < c.beyondRow ? kInside : kBeyond;
         if (c.header && row <= 6) text = names[row - 1], color = kGreen;
         if (c.hidRows && row >= 7 && row <= 19) text = "HID Access Control Application", color = kBlue;
-        for (int column = 1; column <= 8; ++column) EXPECT_EQ(std::tuple(map.textAt(row, column), map.at(row, column).background), std::tuple(text, color));
+        for (int column = 1; column <= 8; ++column)
+            EXPECT_EQ(std::tuple(map.textAt(row, column), map.at(row, column).background), std::tuple(text, color));
         EXPECT_EQ(map.columnSpan(row, 1), text.empty() ? 1 : 8);
     }
 }
@@ -183,7 +221,9 @@ INSTANTIATE_TEST_SUITE_P(Chips, PageAreas, ::testing::Values(
     AreaCase{"Eight1Boundary6", iBigEightPages, true, 1, 0, 6, false, true, false, 33, 0, 7, 7, 8}),
     [](const auto& p) { return std::string(p.param.name); });
 
-ItemRecord item(const char* name, int page, int block, int byte, int bytes) { return field(name, page, block, byte, bytes, 0, kItem); }
+ItemRecord item(const char* name, int page, int block, int byte, int bytes) {
+    return field(name, page, block, byte, bytes, 0, kItem);
+}
 
 TEST(PageMap, PaintsExactlyTheBytesTouched) {
     using Cells = std::vector<std::pair<int, int>>;  // (row, column) showing the item, in reading order
@@ -191,10 +231,12 @@ TEST(PageMap, PaintsExactlyTheBytesTouched) {
         {"BitsOverTwoBytes", iSmallOnePage, 0, 0, false, bitField("B", 0, 20, 3, 5, 6, kItem), {{21, 4}, {21, 5}}},
         {"BitFunction", iSmallOnePage, 0, 0, false, bitFunction("Count", "1", 0, 22, 0, 0, 16, kItem), {{23, 1}, {23, 2}}},
         {"ClippedAtByte255", iSmallOnePage, 0, 0, false, item("F", 0, 31, 4, 10), {{32, 5}, {32, 6}, {32, 7}, {32, 8}}},
-        {"OwnPage", iBigEightPages, 2, 0, false, item("F", 2, 10, 0, 2), {{11, 1}, {11, 2}}}, {"OtherPage", iBigEightPages, 3, 0, false, item("F", 2, 10, 0, 2), {}},
+        {"OwnPage", iBigEightPages, 2, 0, false, item("F", 2, 10, 0, 2), {{11, 1}, {11, 2}}},
+        {"OtherPage", iBigEightPages, 3, 0, false, item("F", 2, 10, 0, 2), {}},
         {"PartOffset", iBigOnePage, 0, 2, false, item("F", 0, 70, 6, 4), {{7, 7}, {7, 8}, {8, 1}, {8, 2}}},
         {"AcrossPartsTail", iBigOnePage, 0, 1, false, item("F", 0, 31, 6, 4), {{1, 1}, {1, 2}}},
-        {"WholePageEnd", iBigOnePage, 0, 0, true, item("F", 0, 255, 7, 3), {{256, 8}}}, {"DatabaseUpdate", iSmallOnePage, 0, 0, false, with(item("F", 0, 20, 0, 2), [](auto& x) { x.isDbUpdate = true; }), {}},
+        {"WholePageEnd", iBigOnePage, 0, 0, true, item("F", 0, 255, 7, 3), {{256, 8}}},
+        {"DatabaseUpdate", iSmallOnePage, 0, 0, false, with(item("F", 0, 20, 0, 2), [](auto& x) { x.isDbUpdate = true; }), {}},
         {"NoLength", iSmallOnePage, 0, 0, false, item("F", 0, 20, 0, 0), {}}};
     for (const auto& [name, chip, page, part, wholePage, record, cells] : cases) {
         const MapGrid map = mapOf(chip, page, part, wholePage, recordsOf({record}));
@@ -220,17 +262,24 @@ TEST(BitMap, ShowsBlocksBytesItemsAndTheMark) {
     const PlaceMark mark{itemSpan(bitField("M", 0, 31, 7, 6, 2)), "M"};
     const MapGrid map = bitMap(page, recordsOf({bitField("B", 0, 19, 0, 6, 4, kItem)}), &mark);
     ASSERT_EQ(std::tuple(map.rows(), map.columns(), bitMapRow(page, 19)), std::tuple(14, 65, 1));
-    EXPECT_EQ(std::tuple(map.textAt(1, 0), map.textAt(13, 0), map.at(13, 0).background), std::tuple("19", "31", kMapBlockNumberColor));
-    EXPECT_EQ(std::tuple(map.textAt(0, 1), map.textAt(0, 57), map.text(map.at(0, 64).tip), map.columnSpan(0, 9)), std::tuple("0", "7", "7.7", 8));
-    EXPECT_EQ(std::tuple(map.at(13, 8).background, map.at(13, 9).background, map.at(13, 17).background), std::tuple(kMapFreeColor, kByteEdgeColor, kMapFreeColor));
-    for (int column : {7, 8, 9, 10}) EXPECT_EQ(std::tuple(map.at(1, column).background, map.text(map.at(1, column).owner)), std::tuple(kItem, "B")) << column;
-    EXPECT_EQ(std::tuple(map.at(1, 6).owner, map.at(1, 11).owner, map.textAt(1, 7), map.columnSpan(1, 8)), std::tuple(0, 0, "B", 4));
-    EXPECT_EQ(std::tuple(map.text(map.at(1, 10).tip), map.at(13, 63).background, map.at(13, 64).background, map.at(13, 62).background),
-              std::tuple("B (1.1)", kMapMarkColor, kMapMarkColor, kByteEdgeColor));
+    EXPECT_EQ(std::tuple(map.textAt(1, 0), map.textAt(13, 0), map.at(13, 0).background),
+              std::tuple("19", "31", kMapBlockNumberColor));
+    EXPECT_EQ(std::tuple(map.textAt(0, 1), map.textAt(0, 57), map.text(map.at(0, 64).tip), map.columnSpan(0, 9)),
+              std::tuple("0", "7", "7.7", 8));
+    EXPECT_EQ(std::tuple(map.at(13, 8).background, map.at(13, 9).background, map.at(13, 17).background),
+              std::tuple(kMapFreeColor, kByteEdgeColor, kMapFreeColor));
+    for (int column : {7, 8, 9, 10})
+        EXPECT_EQ(std::tuple(map.at(1, column).background, map.text(map.at(1, column).owner)), std::tuple(kItem, "B")) << column;
+    EXPECT_EQ(std::tuple(map.at(1, 6).owner, map.at(1, 11).owner, map.textAt(1, 7), map.columnSpan(1, 8)),
+              std::tuple(0, 0, "B", 4));
+    EXPECT_EQ(
+        std::tuple(map.text(map.at(1, 10).tip), map.at(13, 63).background, map.at(13, 64).background, map.at(13, 62).background),
+        std::tuple("B (1.1)", kMapMarkColor, kMapMarkColor, kByteEdgeColor));
 }
 
 TEST(PageMap, MergesRunsOfEqualText) {
-    const RecordArray records = recordsOf({item("A", 1, 10, 0, 3), item("B", 1, 10, 3, 2), item("A", 1, 10, 5, 3), item("C", 1, 11, 0, 8), item("D", 1, 12, 0, 1), item("E", 1, 12, 1, 1)});
+    const RecordArray records = recordsOf({item("A", 1, 10, 0, 3), item("B", 1, 10, 3, 2), item("A", 1, 10, 5, 3),
+                                           item("C", 1, 11, 0, 8), item("D", 1, 12, 0, 1), item("E", 1, 12, 1, 1)});
     const MapGrid map = mapOf(iBigEightPages, 1, 0, false, records);
     for (auto [row, column, span] : {std::tuple{11, 1, 3}, {11, 4, 2}, {11, 6, 3}, {12, 1, 8}, {13, 1, 1}, {13, 2, 1}})
         EXPECT_EQ(map.columnSpan(row, column), span) << row << "," << column;

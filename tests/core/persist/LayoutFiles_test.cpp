@@ -87,11 +87,20 @@ TEST(LayoutFiles, EveryKindOfEntrySavesToTheseBytesAndOpensTheSame) {
          with(function("CardSnNr", "2", "", "", 0, 25, 0, 4, 34), [](ItemRecord& r) { r.isBitFunction = true; }),
          function("Constant", "\"quoted\"", "", "", 0, 27, 0, 8, 23),
          with(function("Checksum", "2", "", "", 0, 30, 0, 1, 31),
-              [](ItemRecord& r) { r.range = {0, 19, 0, 40, 0}, r.polynomial = {263, 255}; }),
-         with(function("Checksum", "1", "", "", 0, 30, 1, 1, 32), [](ItemRecord& r) { r.range = {0, 20, 0, 8, 0}; }),
-         with(bitFunction("Checksum", "3", 0, 31, 0, 0, 1, 33), [](ItemRecord& r) { r.range = {0, 19, 0, 2, 6}, r.initValue = 1; }),
+              [](ItemRecord& r) {
+                  r.range = {0, 19, 0, 40, 0}, r.polynomial = {263, 255};
+              }),
+         with(function("Checksum", "1", "", "", 0, 30, 1, 1, 32),
+              [](ItemRecord& r) {
+                  r.range = {0, 20, 0, 8, 0};
+              }),
+         with(bitFunction("Checksum", "3", 0, 31, 0, 0, 1, 33),
+              [](ItemRecord& r) {
+                  r.range = {0, 19, 0, 2, 6}, r.initValue = 1;
+              }),
          with(bitFunction("Checksum", "1", 0, 31, 1, 0, 8, 35), [](ItemRecord& r) {
-             r.isBitFunction = false, r.isSimpleBitFunction = true, r.range = {0, 20, 0, 0, 8}; })});
+             r.isBitFunction = false, r.isSimpleBitFunction = true, r.range = {0, 20, 0, 0, 8};
+         })});
     // The checksums come last, so CHECKSUM is begun before the first bit checksum.
     const std::string bytes = readBytes(fs::path(__FILE__).parent_path() / "EveryKind.IIF");
     EXPECT_EQ(renderLayoutFile(card, records, sampleFields()).bytes, bytes);
@@ -105,7 +114,8 @@ TEST(LayoutFiles, ABitChecksumsModeFollowsItsFlags) {
     for (const auto& c : cases) {
         ItemRecord sum = bitFunction("Checksum", "1", 0, 31, 0, 0, 8, 55);
         sum.isBitFunction = c.bitFunction, sum.isSimpleBitFunction = c.simple;
-        const std::string file = renderLayoutFile(cardOf(iSmallOnePage), arrayOf({field("A", 0, 19, 0, 1, 0, 4242), sum}), {}).bytes;
+        const std::string file =
+            renderLayoutFile(cardOf(iSmallOnePage), arrayOf({field("A", 0, 19, 0, 1, 0, 4242), sum}), {}).bytes;
         EXPECT_NE(file.find("1Place=0,31,0,0,8\r\n1Mode="s + c.mode + "\r\n1Color=55\r\n"), std::string::npos) << file;
     }
 }
@@ -148,7 +158,8 @@ TEST(LayoutReader, LaterVersionsAskFirst) {
         {"6.1.5", true}, {"5.99.99", false}, {"garbage", false}, {"6.1.04", false}};
     for (const auto& c : cases)
         for (Answer answer : {Answer::Yes, Answer::No}) {
-            const auto o = openLayout(crlf({"[GENERAL]", c.version ? "Version="s + c.version : "", "[CARDDESIGN]", "Size=16K"}), answer);
+            const auto o =
+                openLayout(crlf({"[GENERAL]", c.version ? "Version="s + c.version : "", "[CARDDESIGN]", "Size=16K"}), answer);
             const bool opened = !c.asks || answer == Answer::Yes;
             EXPECT_EQ(std::tuple(o->prompter.messages.size(), o->result.opened, o->card.ChipSize()),
                       std::tuple(c.asks ? 1u : 0u, opened, opened ? iBigOnePage : iSmallOnePage))

@@ -110,7 +110,8 @@ TEST(ProfileWriter, EveryByteOfAValueRoundTrips) {
 }
 
 TEST(Cp1252, EveryByteComesBackFromUtf8AndWhatItCannotHoldBecomesQuestionMarks) {
-    for (int b = 0; b < 256; ++b) EXPECT_EQ(utf8ToCp1252(cp1252ToUtf8(std::string(1, static_cast<char>(b)))), std::string(1, static_cast<char>(b))) << b;
+    for (int b = 0; b < 256; ++b)
+        EXPECT_EQ(utf8ToCp1252(cp1252ToUtf8(std::string(1, static_cast<char>(b)))), std::string(1, static_cast<char>(b))) << b;
     const std::pair<std::string, std::string> cases[] = {
         {"\xE2\x82\xAC 5", "\x80 5"},  // the euro sign has a byte of its own
         {"\xE6\x97\xA5", "?"},          // one character, one mark

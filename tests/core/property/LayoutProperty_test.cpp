@@ -57,9 +57,28 @@ const Translator kTranslator;
 
 // Host field names a project can hold: quotes, brackets, separators and Windows-1252 letters
 // anywhere in them, none a number or joined like a combined field's parts.
-const std::vector<std::string> kNames = {"Name", "Nr", "a", "B7", "Nr 7", "'Name'", "a'b", "\"q\"", "x\"", "(x)", "a[x]", "B,C",
-                                         "\xC3\xA9t\xC3\xA9", "\xE2\x82\xAC 5", "Stra\xC3\x9F" "e", "%a%", "T\tab", "\xC5\x92uvre",
-                                         "Mid dle", "a;b", "x]"};
+const std::vector<std::string> kNames = {"Name",
+                                         "Nr",
+                                         "a",
+                                         "B7",
+                                         "Nr 7",
+                                         "'Name'",
+                                         "a'b",
+                                         "\"q\"",
+                                         "x\"",
+                                         "(x)",
+                                         "a[x]",
+                                         "B,C",
+                                         "\xC3\xA9t\xC3\xA9",
+                                         "\xE2\x82\xAC 5",
+                                         "Stra\xC3\x9F"
+                                         "e",
+                                         "%a%",
+                                         "T\tab",
+                                         "\xC5\x92uvre",
+                                         "Mid dle",
+                                         "a;b",
+                                         "x]"};
 
 // The order the reader gives records back in: byte-wise fields, bit fields, combined fields,
 // byte functions (checksums last), bit functions (checksums last), database updates.
@@ -108,18 +127,21 @@ public:
         const int64_t target = rng.chance(1, 40) ? rng.between(30, 120) : rng.between(0, 12);
         for (int64_t attempt = 0; attempt < target * 6 && l.records.size() < target; ++attempt) {
             const ItemRecord c = candidate();
-            const bool fits = c.isDbUpdate || (c.isBinary ? !multiTrackViolation({c.name, c.page, c.block, c.beginByte, c.beginBit,
-                                                                                  std::to_string(c.numBytes)}, l.card, l.records, kTranslator)
-                                                          : placementViolations(placementRequestOf(c), l.card, l.records, kTranslator).empty());
+            const bool fits =
+                c.isDbUpdate ||
+                (c.isBinary ? !multiTrackViolation({c.name, c.page, c.block, c.beginByte, c.beginBit, std::to_string(c.numBytes)},
+                                                   l.card, l.records, kTranslator)
+                            : placementViolations(placementRequestOf(c), l.card, l.records, kTranslator).empty());
             if (fits) l.records.add(c);
         }
         // The layout check must pass in the order of placing and in the reader's order.
         for (;;) {
             if (auto v = auditLayout(l.card, l.records, kTranslator); !v.empty()) {
                 l.records.removeAt(v.front().recordIndex);
-            } else if (const RecordArray read = inReadingOrder(l.records); !(v = auditLayout(l.card, read, kTranslator)).empty()) {
-                l.records.removeAt(static_cast<int32_t>(std::find(l.records.begin(), l.records.end(), read[v.front().recordIndex]) -
-                                                        l.records.begin()));
+            } else if (const RecordArray read = inReadingOrder(l.records);
+                       !(v = auditLayout(l.card, read, kTranslator)).empty()) {
+                l.records.removeAt(static_cast<int32_t>(
+                    std::find(l.records.begin(), l.records.end(), read[v.front().recordIndex]) - l.records.begin()));
             } else {
                 return l;
             }
@@ -171,7 +193,9 @@ public:
             if (kind < 3)
                 for (int64_t parts = rng.chance(1, 3) ? rng.between(1, 3) : 0; parts > 0; --parts)
                     r.name += std::string(kCombinedFieldSeparator) + fieldName();
-            r.encodingCode = r.isBit ? 1 : EncodingCode(r.fieldType, static_cast<int>(rng.between(0, 3)), static_cast<int>(rng.between(-1, 3)));
+            r.encodingCode =
+                r.isBit ? 1
+                        : EncodingCode(r.fieldType, static_cast<int>(rng.between(0, 3)), static_cast<int>(rng.between(-1, 3)));
             if (kind == 2) r.isBinary = true, r.bigItemNumber = static_cast<int16_t>(rng.between(-5, 300));
             place(r, size(r.isBit), r.isBit, !r.isBit && (kind != 4 || rng.chance(1, 3)));
         } else if (kind == 5) {
@@ -203,7 +227,8 @@ public:
         int64_t size = rng.between(1, bits ? 40 : 8);
         if (in.kind == FunctionKind::CardSnNr) size = *requiredCardSnNrBytes(in.option) * (bits ? 8 : 1);
         if (in.kind == FunctionKind::Checksum) {
-            in.option = simpleBitChecksum || rng.chance(1, 3) ? static_cast<int>(rng.between(kChecksumAdd, kChecksumParity)) : in.option;
+            in.option =
+                simpleBitChecksum || rng.chance(1, 3) ? static_cast<int>(rng.between(kChecksumAdd, kChecksumParity)) : in.option;
             size = in.option == kChecksumParity ? 1 : !bits ? 1 : rng.between(1, 8);
             // The file keeps no start value for an ADD checksum, so it gets none.
             in.startValueText = in.option == kChecksumAdd ? "0" : rng.digits(0, (int64_t{1} << size) - 1);
@@ -288,7 +313,9 @@ TEST(PlacementProperty, InvalidPlacementsNeverCorruptTheRecords) {
             q.beginByte = static_cast<int16_t>(q.beginByte + rng.between(-1, 1) * rng.chance(1, 2));
             if (rng.chance(1, 3)) q.mode = static_cast<int32_t>(rng.between(kModeField, kModeBitFunction));
             for (int64_t breaks = rng.chance(1, 6) ? 0 : rng.between(1, 3); breaks > 0; --breaks) {
-                const auto big = [&](int64_t lo, int64_t hi) { return static_cast<int16_t>(rng.chance(1, 2) ? -1 : rng.between(lo, hi)); };
+                const auto big = [&](int64_t lo, int64_t hi) {
+                    return static_cast<int16_t>(rng.chance(1, 2) ? -1 : rng.between(lo, hi));
+                };
                 switch (rng.between(0, 8)) {
                     case 0: q.page = big(pages, 12); break;
                     case 1: q.row = static_cast<int16_t>(rng.between(-5, 300)); break;

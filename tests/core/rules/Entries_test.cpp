@@ -38,9 +38,11 @@ TEST(NumberChecks, AcceptOnlyNumbersWithinTheBoundsOrEqualToTheValue) {
         EXPECT_EQ(check.message, id == 0 ? "" : id == kTextOutOfRange ? kRange0To255 : kNotANumber) << text;
     }
     // Equals is true when the value is wrong.
-    const std::tuple<const char*, bool, std::string> equals[] = {
-        {"8", false, ""}, {" 8", false, ""}, {"7", true, "<The value must be exactly> 8!"}, {"9", true, "<The value must be exactly> 8!"},
-        {"", true, "<The value must be exactly> 8!"}, {"x", true, kNotANumber}};
+    const std::tuple<const char*, bool, std::string> equals[] = {{"8", false, ""},
+                                                                 {" 8", false, ""}, {"7", true, "<The value must be exactly> 8!"},
+                                                                 {"9", true, "<The value must be exactly> 8!"},
+                                                                 {"", true, "<The value must be exactly> 8!"},
+                                                                 {"x", true, kNotANumber}};
     for (const auto& [text, wrong, message] : equals) {
         RecordingPrompter prompter;
         EXPECT_EQ(CheckNumberEquals(8, text, "", prompter, tr), wrong) << text;
@@ -82,8 +84,9 @@ TEST(LayoutProperties, BoxOfPageNMinusOneIsComparedWithItemsOfPageNTheHidAreaWit
     BoundaryTexts boxes = allAt("18");
     boxes[1] = "20", boxes[6] = "19", boxes[7] = "20";
     auto check = checkLayoutProperties(boxes, false, records, tr);
-    EXPECT_EQ(std::tuple(check.boundaryFailed, check.cutItems, check.cutBoxes[1], check.cutBoxes[6], check.cutBoxes[7], check.messages),
-              std::tuple(true, std::vector<int32_t>{1}, true, false, false, std::vector<std::string>{kCutMessage}));
+    EXPECT_EQ(
+        std::tuple(check.boundaryFailed, check.cutItems, check.cutBoxes[1], check.cutBoxes[6], check.cutBoxes[7], check.messages),
+        std::tuple(true, std::vector<int32_t>{1}, true, false, false, std::vector<std::string>{kCutMessage}));
     // The HID check; both messages in order.
     records = recordsOf({field("Hid", 0, 18, 0, 1), field("Free", 0, 19, 0, 1), field("Cut", 1, 17, 0, 16)});
     RecordingPrompter prompter;
@@ -97,8 +100,10 @@ TEST(LayoutProperties, BoxOfPageNMinusOneIsComparedWithItemsOfPageNTheHidAreaWit
 }
 
 TEST(LayoutProperties, ControlsMapToChipTypesAndWriteBack) {
-    EXPECT_EQ(std::tuple(chipTypeOf(true, 1), chipTypeOf(false, 0), chipTypeOf(false, 1)), std::tuple(iSmallOnePage, iBigOnePage, iBigEightPages));
-    EXPECT_EQ(std::tuple(boundaryTabEnabled(true, 1), boundaryTabEnabled(true, 0), boundaryTabEnabled(false, 1)), std::tuple(true, false, false));
+    EXPECT_EQ(std::tuple(chipTypeOf(true, 1), chipTypeOf(false, 0), chipTypeOf(false, 1)),
+              std::tuple(iSmallOnePage, iBigOnePage, iBigEightPages));
+    EXPECT_EQ(std::tuple(boundaryTabEnabled(true, 1), boundaryTabEnabled(true, 0), boundaryTabEnabled(false, 1)),
+              std::tuple(true, false, false));
     CIClass card;
     BoundaryTexts boxes = allAt("18");
     boxes[0] = "10", boxes[5] = "25";
@@ -112,7 +117,8 @@ TEST(LayoutProperties, ControlsMapToChipTypesAndWriteBack) {
     EXPECT_EQ(boundaryTextsOf(card), allAt("18"));
 }
 
-DbUpdateEntries entries(std::string function, std::string constant, std::string number, std::string step, bool hex = false, std::string field = "NUMBER") {
+DbUpdateEntries entries(std::string function, std::string constant, std::string number, std::string step, bool hex = false,
+                        std::string field = "NUMBER") {
     return {std::move(function), std::move(field), 4, std::move(constant), std::move(number), std::move(step), hex};
 }
 
@@ -120,20 +126,29 @@ TEST(EditorEntries, DatabaseUpdateAndItemEntriesAreCheckedAndBecomeOneRecord) {
     using Box = DbUpdateBox;
     const std::tuple<DbUpdateEntries, int32_t, Box, std::string, std::string> cases[] = {
         {entries("Constant", "0", "", ""), 0, Box::None, "0", ""}, {entries("Constant", "255", "", ""), 0, Box::None, "255", ""},
-        {entries("Constant", "007", "", ""), 0, Box::None, "7", ""}, {entries("Constant", "256", "", ""), kTextOutOfRange, Box::ConstantValue, "", ""},
-        {entries("Constant", "", "", ""), kTextOutOfRange, Box::ConstantValue, "", ""}, {entries("Count", "", "10", "255"), 0, Box::None, "10", "255"},
-        {entries("Count", "", "1", "256"), kTextOutOfRange, Box::CountStep, "", ""}, {entries("Count", "", "", "1"), kTextOutOfRange, Box::CountNumber, "", ""},
-        {entries("CardSnNr", "999", "", ""), 0, Box::None, "0", ""}, {entries("CardSnNr", "", "", "", true), 0, Box::None, "1", ""},
+        {entries("Constant", "007", "", ""), 0, Box::None, "7", ""},
+        {entries("Constant", "256", "", ""), kTextOutOfRange, Box::ConstantValue, "", ""},
+        {entries("Constant", "", "", ""), kTextOutOfRange, Box::ConstantValue, "", ""},
+        {entries("Count", "", "10", "255"), 0, Box::None, "10", "255"},
+        {entries("Count", "", "1", "256"), kTextOutOfRange, Box::CountStep, "", ""},
+        {entries("Count", "", "", "1"), kTextOutOfRange, Box::CountNumber, "", ""},
+        {entries("CardSnNr", "999", "", ""), 0, Box::None, "0", ""},
+        {entries("CardSnNr", "", "", "", true), 0, Box::None, "1", ""},
         {entries("Constant", "1", "", "", false, ""), kTextIncomplete, Box::Fields, "", ""}};
     for (const auto& [e, textId, focus, param1, param2] : cases) {
         SCOPED_TRACE(e.function + " " + e.constantText + " " + e.countNumberText + " " + e.countStepText);
         const auto v = dbUpdateViolation(e, tr);
         EXPECT_EQ(v ? std::pair(v->textId, v->focus) : std::pair(0, Box::None), std::pair(textId, focus));
         const ItemRecord r = dbUpdateRecordOf(e);
-        if (!v) { EXPECT_EQ(std::tuple(r.isDbUpdate, r.name, r.dbFieldName, r.dbColumn, r.param1, r.param2, dbUpdateEntriesOf(r).function), std::tuple(true, e.function, "NUMBER", 4, param1, param2, e.function)); }
+        if (!v) {
+            EXPECT_EQ(
+                std::tuple(r.isDbUpdate, r.name, r.dbFieldName, r.dbColumn, r.param1, r.param2, dbUpdateEntriesOf(r).function),
+                std::tuple(true, e.function, "NUMBER", 4, param1, param2, e.function));
+        }
     }
     // The item editor's record has the kind, place and size of its mode.
-    const std::pair<int32_t, const char*> modes[] = {{kModeField, "Field"}, {kModeFunction, "Function"}, {kModeBitField, "Bit Field"}, {kModeBitFunction, "Bit Function"}};
+    const std::pair<int32_t, const char*> modes[] = {
+        {kModeField, "Field"}, {kModeFunction, "Function"}, {kModeBitField, "Bit Field"}, {kModeBitFunction, "Bit Function"}};
     for (const auto& [mode, kind] : modes) {
         EditorEntries e;
         e.mode = mode, e.itemName = "NAME", e.fieldType = 0, e.sizeText = "4", e.encodeOption = 0;
@@ -141,7 +156,8 @@ TEST(EditorEntries, DatabaseUpdateAndItemEntriesAreCheckedAndBecomeOneRecord) {
         e.function.kind = FunctionKind::Count;
         e.function.countNumberText = e.function.countStepText = "1";
         const ItemRecord r = itemRecordOf(e, 0x123456);
-        EXPECT_EQ(std::tuple(kindWord(r), r.name, r.page, r.block, r.beginByte, r.color, isBitMode(mode) ? r.numBits : r.numBytes, r.beginBit),
+        EXPECT_EQ(std::tuple(kindWord(r), r.name, r.page, r.block, r.beginByte, r.color, isBitMode(mode) ? r.numBits : r.numBytes,
+                             r.beginBit),
                   std::tuple(kind, isFunctionMode(mode) ? "Count" : "NAME", 0, 20, 3, 0x123456, 4, isBitMode(mode) ? 2 : 0));
     }
 }
@@ -152,8 +168,10 @@ const std::string k40Digits(40, '9');
 // An expected option button: id 0 means hidden.
 struct Shown { int32_t id; std::string_view caption; bool enabled; };
 constexpr Shown kNone{0, "", false};
-constexpr std::string_view kString121 = "<String (one-to-one)>", kMotorola = "<Motorola dec.(HiByte-LoByte)>", kBcd = "<Binary Coded Decimal (BCD)>";
-const std::array<Shown, 4> kNumber{Shown{3167, kString121, true}, {3168, kMotorola, true}, {3169, "<Intel decimal (LoByte-HiByte)>", true}, {3203, kBcd, true}};
+constexpr std::string_view kString121 = "<String (one-to-one)>", kMotorola = "<Motorola dec.(HiByte-LoByte)>",
+                           kBcd = "<Binary Coded Decimal (BCD)>";
+const std::array<Shown, 4> kNumber{
+    Shown{3167, kString121, true}, {3168, kMotorola, true}, {3169, "<Intel decimal (LoByte-HiByte)>", true}, {3203, kBcd, true}};
 const std::array<Shown, 4> kHidden{kNone, kNone, kNone, kNone};
 
 struct OptionsCase { std::string_view typeText; int32_t mode; std::array<Shown, 4> options; int selected; };
@@ -168,40 +186,54 @@ TEST_P(EncodingOptionsTable, ShowsTheTypesOptionsForTheMode) {
         const Shown& want = c.options[i];
         EXPECT_EQ(got.options[i].visible, want.id != 0) << i;
         if (want.id == 0) continue;
-        EXPECT_EQ(std::tuple(got.options[i].textId, got.options[i].defaultCaption, got.options[i].enabled), std::tuple(want.id, want.caption, want.enabled)) << i;
+        EXPECT_EQ(std::tuple(got.options[i].textId, got.options[i].defaultCaption, got.options[i].enabled),
+                  std::tuple(want.id, want.caption, want.enabled))
+            << i;
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(EncodingsByTypeAndMode, EncodingOptionsTable, ::testing::Values(
-    OptionsCase{"Character", 0, {Shown{3167, kString121, false}, kNone, kNone, kNone}, 0}, OptionsCase{"Number", 0, kNumber, 0}, OptionsCase{"Numeric", 0, kNumber, 0},
-    OptionsCase{"Date", 0, {Shown{3202, "<String>", true}, {3108, "<Decimal>", true}, {3203, kBcd, true}, kNone}, 0},
-    OptionsCase{"Binary", 0, {Shown{3175, "<Encode 'as is>", false}, kNone, kNone, kNone}, 0}, OptionsCase{"Date", 2, {Shown{3168, kMotorola, false}, kNone, kNone, kNone}, 0},
-    OptionsCase{"Number", 1, kHidden, -1}, OptionsCase{"Date", 3, kHidden, -1}, OptionsCase{"Memo", 0, kHidden, -1}));
+INSTANTIATE_TEST_SUITE_P(
+    EncodingsByTypeAndMode, EncodingOptionsTable,
+    ::testing::Values(OptionsCase{"Character", 0, {Shown{3167, kString121, false}, kNone, kNone, kNone}, 0},
+                      OptionsCase{"Number", 0, kNumber, 0}, OptionsCase{"Numeric", 0, kNumber, 0},
+                      OptionsCase{
+                          "Date", 0, {Shown{3202, "<String>", true}, {3108, "<Decimal>", true}, {3203, kBcd, true}, kNone}, 0},
+                      OptionsCase{"Binary", 0, {Shown{3175, "<Encode 'as is>", false}, kNone, kNone, kNone}, 0},
+                      OptionsCase{"Date", 2, {Shown{3168, kMotorola, false}, kNone, kNone, kNone}, 0},
+                      OptionsCase{"Number", 1, kHidden, -1}, OptionsCase{"Date", 3, kHidden, -1},
+                      OptionsCase{"Memo", 0, kHidden, -1}));
 
 TEST(EncodingCodes, ListFormatsGiveTheStoredCodeAndReadBack) {
     // Type, option, format; the format list's size and selected first entry; the stored code.
     // Motorola after BCD: the hidden list's stale index is ignored.
     const std::tuple<int16_t, int, int, size_t, std::string_view, int16_t> cases[] = {
-        {kFieldTypeNumber, 3, 0, 2, "Prefix 0", 3}, {kFieldTypeNumber, 1, 0, 0, "", 1}, {kFieldTypeNumber, 3, -1, 2, "Prefix 0", 0}, {kFieldTypeNumber, 3, 2, 2, "Prefix 0", 0},
-        {kFieldTypeDate, 0, 3, 4, "DD/MM/CCYY", 67}, {kFieldTypeDate, 1, 2, 3, "DD MM CC YY", 34}, {kFieldTypeDate, 2, 2, 3, "DD MM CC YY", 10}, {kFieldTypeDate, 0, 4, 4, "DD/MM/CCYY", 64},
-        {kFieldTypeCharacter, 0, -1, 0, "", 0}, {kFieldTypeBinary, 0, -1, 0, "", 0}, {kFieldTypeNumber, 9, -1, 0, "", 0}};
+        {kFieldTypeNumber, 3, 0, 2, "Prefix 0", 3},   {kFieldTypeNumber, 1, 0, 0, "", 1},
+        {kFieldTypeNumber, 3, -1, 2, "Prefix 0", 0},  {kFieldTypeNumber, 3, 2, 2, "Prefix 0", 0},
+        {kFieldTypeDate, 0, 3, 4, "DD/MM/CCYY", 67},  {kFieldTypeDate, 1, 2, 3, "DD MM CC YY", 34},
+        {kFieldTypeDate, 2, 2, 3, "DD MM CC YY", 10}, {kFieldTypeDate, 0, 4, 4, "DD/MM/CCYY", 64},
+        {kFieldTypeCharacter, 0, -1, 0, "", 0},       {kFieldTypeBinary, 0, -1, 0, "", 0},
+        {kFieldTypeNumber, 9, -1, 0, "", 0}};
     for (const auto& [type, option, format, formats, first, code] : cases) {
         const auto list = formatList(type, option);
-        EXPECT_EQ(std::tuple(list.size(), list.empty() ? std::string_view() : list.front(), EncodingCode(type, option, format)), std::tuple(formats, first, code)) << type << " " << option << " " << format;
+        EXPECT_EQ(std::tuple(list.size(), list.empty() ? std::string_view() : list.front(), EncodingCode(type, option, format)),
+                  std::tuple(formats, first, code))
+            << type << " " << option << " " << format;
     }
     // Every choice reads back from its code; unknown codes fall back to option 0.
     std::set<int16_t> dateCodes;
     for (int16_t type = kFieldTypeCharacter; type <= kFieldTypeBinary; ++type)
         for (int option = 0; option < 4; ++option) {
             const int formats = static_cast<int>(formatList(type, option).size());
-            for (int f = formats ? 0 : -1; f < formats && encodingOptions(type, 0).options[static_cast<size_t>(option)].visible; ++f) {
+            for (int f = formats ? 0 : -1; f < formats && encodingOptions(type, 0).options[static_cast<size_t>(option)].visible;
+                 ++f) {
                 const int16_t code = EncodingCode(type, option, f);
                 EXPECT_EQ(encodingChoiceOf(type, code), (EncodingChoice{option, f})) << type << " " << option << " " << f;
                 if (type == kFieldTypeDate) dateCodes.insert(code);
             }
         }
     EXPECT_EQ(dateCodes, (std::set<int16_t>{8, 9, 10, 32, 33, 34, 64, 65, 66, 67}));
-    EXPECT_EQ(std::tuple(encodingChoiceOf(kFieldTypeNumber, 7), encodingChoiceOf(kFieldTypeDate, 11), encodingChoiceOf(-1, 1)), std::tuple(EncodingChoice{0, -1}, EncodingChoice{0, 0}, EncodingChoice{-1, -1}));
+    EXPECT_EQ(std::tuple(encodingChoiceOf(kFieldTypeNumber, 7), encodingChoiceOf(kFieldTypeDate, 11), encodingChoiceOf(-1, 1)),
+              std::tuple(EncodingChoice{0, -1}, EncodingChoice{0, 0}, EncodingChoice{-1, -1}));
 }
 
 TEST(SizeTyping, CutsToTheModesLimitAndSpinsByOneAtOrAboveOne) {
@@ -226,9 +258,12 @@ TEST(FunctionProperties, TheBoxesSizesAndValueLimitsFollowTheChoiceAndMode) {
     // constantValue, fieldList, countFirstValue, countNumber, countStep, polynom, startValue, range, sizeEnabled
     const std::tuple<K, int, bool, int32_t, PropertyBoxes> cases[] = {
         {K::Constant, 0, false, 1, {true, false, false, false, false, false, false, false, true}},
-        {K::Constant, 1, false, 3, {false, true, false, false, false, false, false, false, true}}, {K::Count, 0, false, 1, {false, false, true, true, true, false, false, false, true}},
-        {K::Count, 1, true, 3, {false, true, true, false, true, false, false, false, true}}, {K::CardSnNr, 2, false, 1, {false, false, false, false, false, false, false, false, false}},
-        {K::Checksum, 0, false, 3, {false, false, false, false, false, true, true, true, true}}, {K::Checksum, 2, false, 3, {false, false, false, false, false, true, true, true, true}},
+        {K::Constant, 1, false, 3, {false, true, false, false, false, false, false, false, true}},
+        {K::Count, 0, false, 1, {false, false, true, true, true, false, false, false, true}},
+        {K::Count, 1, true, 3, {false, true, true, false, true, false, false, false, true}},
+        {K::CardSnNr, 2, false, 1, {false, false, false, false, false, false, false, false, false}},
+        {K::Checksum, 0, false, 3, {false, false, false, false, false, true, true, true, true}},
+        {K::Checksum, 2, false, 3, {false, false, false, false, false, true, true, true, true}},
         {K::Checksum, 2, false, 1, {false, false, false, false, false, true, true, true, false}},
         {K::Checksum, 3, false, 3, {false, false, false, false, false, false, true, true, false}}};
     for (const auto& [kind, option, fromField, mode, want] : cases)
@@ -236,29 +271,41 @@ TEST(FunctionProperties, TheBoxesSizesAndValueLimitsFollowTheChoiceAndMode) {
     // Sizes and value limits follow the representation method and mode.
     const std::pair<int, std::optional<int64_t>> cardSnNr[] = {{0, 10}, {1, 8}, {2, 4}, {3, 4}, {4, std::nullopt}};
     for (const auto& [option, bytes] : cardSnNr) EXPECT_EQ(requiredCardSnNrBytes(option), bytes) << option;
-    EXPECT_EQ(std::tuple(fixedSize(K::Checksum, kChecksumAdd, 3), fixedSize(K::Checksum, kChecksumParity, 3), fixedSize(K::Checksum, kChecksumCrc, 3)), std::tuple(8, 1, std::nullopt));
+    EXPECT_EQ(std::tuple(fixedSize(K::Checksum, kChecksumAdd, 3), fixedSize(K::Checksum, kChecksumParity, 3),
+                         fixedSize(K::Checksum, kChecksumCrc, 3)),
+              std::tuple(8, 1, std::nullopt));
     // The value boxes' limits follow the mode.
     const std::tuple<ValueBox, int32_t, K, int, int64_t, Limits> limits[] = {
-        {ValueBox::ConstantValue, 1, K::Constant, 0, 8, {0, 255}}, {ValueBox::ConstantValue, 3, K::Constant, 0, 9, {0, 4294967295}},
-        {ValueBox::CountNumber, 3, K::Count, 0, 16, {0, 255}}, {ValueBox::Polynom, 1, K::Checksum, 2, 8, {257, 511}},
-        {ValueBox::Polynom, 3, K::Checksum, 2, 1, {3, 3}}, {ValueBox::Polynom, 3, K::Checksum, 2, 8, {257, 511}},
-        {ValueBox::Polynom, 3, K::Checksum, 2, 0, {3, 3}}, {ValueBox::Polynom, 3, K::Checksum, 2, 100, {(int64_t{1} << 62) + 1, INT64_MAX}},
+        {ValueBox::ConstantValue, 1, K::Constant, 0, 8, {0, 255}},
+        {ValueBox::ConstantValue, 3, K::Constant, 0, 9, {0, 4294967295}}, {ValueBox::CountNumber, 3, K::Count, 0, 16, {0, 255}},
+        {ValueBox::Polynom, 1, K::Checksum, 2, 8, {257, 511}}, {ValueBox::Polynom, 3, K::Checksum, 2, 1, {3, 3}},
+        {ValueBox::Polynom, 3, K::Checksum, 2, 8, {257, 511}}, {ValueBox::Polynom, 3, K::Checksum, 2, 0, {3, 3}},
+        {ValueBox::Polynom, 3, K::Checksum, 2, 100, {(int64_t{1} << 62) + 1, INT64_MAX}},
         {ValueBox::StartValue, 3, K::Checksum, 2, 4, {0, 15}}, {ValueBox::StartValue, 1, K::Checksum, 3, 8, {0, 1}},
         {ValueBox::StartValue, 3, K::Checksum, 1, 8, {0, 255}}};
     for (const auto& [box, mode, kind, option, bits, want] : limits)
         EXPECT_EQ(boxLimits(box, mode, kind, option, bits), want) << int(box) << " mode " << mode << " bits " << bits;
     // The size box: room left in the page, the begin bit counted.
-    for (const auto& [mode, row, byte, bit, max] : {std::tuple(0, 30, 0, 0, 16), {1, 30, 1, 5, 15}, {2, 30, 1, 5, 125}, {3, 30, 0, 7, 135}, {0, 32, 0, 0, 0}})
+    for (const auto& [mode, row, byte, bit, max] :
+         {std::tuple(0, 30, 0, 0, 16), {1, 30, 1, 5, 15}, {2, 30, 1, 5, 125}, {3, 30, 0, 7, 135}, {0, 32, 0, 0, 0}})
         EXPECT_EQ(sizeBoxLimits(mode, 256, row, byte, bit), (Limits{1, max})) << mode << " " << row << " " << byte << " " << bit;
     // Only digits and backspace pass the value boxes.
     for (char32_t key : {U'0', U'5', U'9', char32_t{8}}) EXPECT_TRUE(acceptsNumberKey(key)) << int(key);
-    for (char32_t key : {U'a', U'-', U'.', U' ', U'/', U':', U'\u0663', char32_t{127}}) EXPECT_FALSE(acceptsNumberKey(key)) << int(key);
+    for (char32_t key : {U'a', U'-', U'.', U' ', U'/', U':', U'\u0663', char32_t{127}})
+        EXPECT_FALSE(acceptsNumberKey(key)) << int(key);
     EXPECT_EQ(std::tuple(filterNumberText("1a2"), filterNumberText(" -3.5e2\b")), std::tuple("12", "352"));
 }
 
 using In = FunctionInput;
 
-struct ValuesCase { FunctionInput input; int32_t mode; std::array<std::string, 3> params; std::array<int16_t, 2> polynomial; int16_t initValue; std::array<int16_t, 5> range; };
+struct ValuesCase {
+    FunctionInput input;
+    int32_t mode;
+    std::array<std::string, 3> params;
+    std::array<int16_t, 2> polynomial;
+    int16_t initValue;
+    std::array<int16_t, 5> range;
+};
 
 class FunctionValues : public ::testing::TestWithParam<ValuesCase> {};
 
@@ -274,20 +321,55 @@ TEST_P(FunctionValues, AreStoredAndReadBack) {
     EXPECT_EQ(functionInputOf(r), c.input);
 }
 
-INSTANTIATE_TEST_SUITE_P(Functions, FunctionValues, ::testing::Values(
-    ValuesCase{In{.constantText = "300"}, 1, {"300", "", ""}, {}, 0, {}},
-    ValuesCase{In{.option = 1, .valueFromField = true, .fieldName = "Name"}, 3, {"Name", "", ""}, {}, 0, {}},
-    ValuesCase{In{.kind = K::Count, .option = 1, .countNumberText = "10", .countStepText = "5"}, 1, {"5", "10", "1"}, {}, 0, {}},
-    ValuesCase{In{.kind = K::Count, .valueFromField = true, .fieldName = "Id", .countStepText = "2"}, 3, {"2", "Id", "0"}, {}, 0, {}},
-    ValuesCase{In{.kind = K::CardSnNr, .option = 3}, 1, {"3", "", ""}, {}, 0, {}},
-    ValuesCase{In{.kind = K::Checksum, .option = 2, .polynomText = "263", .startValueText = "0", .rangePage = 1, .rangeRow = 19, .rangeCountText = "8"}, 1, {"2", "", ""}, {263, 0}, 0, {1, 19, 0, 8, 0}},
-    // A bit checksum keeps its range in bits.
-    ValuesCase{In{.kind = K::Checksum, .option = 3, .startValueText = "1", .rangePage = 2, .rangeRow = 20, .rangeBeginByte = 3, .rangeBeginBit = 5, .rangeCountText = "12"}, 3, {"3", "", ""}, {}, 1, {2, 20, 3, 5, 96}},
-    ValuesCase{In{.kind = K::Checksum, .option = 1, .startValueText = "7", .rangePage = 1, .rangeRow = 21, .rangeCountText = "16"}, 1, {"1", "", ""}, {}, 7, {1, 21, 0, 16, 0}}));
+INSTANTIATE_TEST_SUITE_P(
+    Functions, FunctionValues,
+    ::testing::Values(
+        ValuesCase{In{.constantText = "300"}, 1, {"300", "", ""}, {}, 0, {}},
+        ValuesCase{In{.option = 1, .valueFromField = true, .fieldName = "Name"}, 3, {"Name", "", ""}, {}, 0, {}},
+        ValuesCase{
+            In{.kind = K::Count, .option = 1, .countNumberText = "10", .countStepText = "5"}, 1, {"5", "10", "1"}, {}, 0, {}},
+        ValuesCase{In{.kind = K::Count, .valueFromField = true, .fieldName = "Id", .countStepText = "2"},
+                   3,
+                   {"2", "Id", "0"}, {},
+                   0,
+                   {}},
+        ValuesCase{In{.kind = K::CardSnNr, .option = 3}, 1, {"3", "", ""}, {}, 0, {}},
+        ValuesCase{In{.kind = K::Checksum,
+                      .option = 2,
+                      .polynomText = "263",
+                      .startValueText = "0",
+                      .rangePage = 1,
+                      .rangeRow = 19,
+                      .rangeCountText = "8"},
+                   1,
+                   {"2", "", ""}, {263, 0},
+                   0,
+                   {1, 19, 0, 8, 0}},
+        // A bit checksum keeps its range in bits.
+        ValuesCase{In{.kind = K::Checksum,
+                      .option = 3,
+                      .startValueText = "1",
+                      .rangePage = 2,
+                      .rangeRow = 20,
+                      .rangeBeginByte = 3,
+                      .rangeBeginBit = 5,
+                      .rangeCountText = "12"},
+                   3,
+                   {"3", "", ""}, {},
+                   1,
+                   {2, 20, 3, 5, 96}},
+        ValuesCase{
+            In{.kind = K::Checksum, .option = 1, .startValueText = "7", .rangePage = 1, .rangeRow = 21, .rangeCountText = "16"},
+            1,
+            {"1", "", ""}, {},
+            7,
+            {1, 21, 0, 16, 0}}));
 
 TEST(FunctionValuesStorage, SaturatesReadsUnknownChoicesAsOptionZeroAndFillsTheRequest) {
     ItemRecord r;
-    applyFunctionValues(In{.kind = K::Checksum, .option = 2, .polynomText = "70000", .startValueText = "4294967295", .rangeCountText = "-40000"}, 1, r);
+    applyFunctionValues(
+        In{.kind = K::Checksum, .option = 2, .polynomText = "70000", .startValueText = "4294967295", .rangeCountText = "-40000"},
+        1, r);
     EXPECT_EQ(std::tuple(r.polynomial, r.range[3]), std::tuple(std::array<int16_t, 2>{32767, 32767}, -32768));
     r = ItemRecord{};
     r.name = "Checksum", r.param1 = "9", r.initValue = 4;

@@ -23,7 +23,8 @@ const Translator tr;
 using Change = std::function<void(PlacementRequest&)>;
 
 // An item of the mode at page 0 (or the change's page), size in bytes or bits.
-PlacementRequest at(int row, int byte, int size, int mode = kModeField, const std::string& name = "Name", int option = -1, const Change& change = {}) {
+PlacementRequest at(int row, int byte, int size, int mode = kModeField, const std::string& name = "Name", int option = -1,
+                    const Change& change = {}) {
     PlacementRequest q;
     q.mode = mode, q.selectedText = q.itemName = name, q.page = 0, q.propertyOption = option;
     q.row = static_cast<int16_t>(row), q.beginByte = static_cast<int16_t>(byte), q.nrBytesText = std::to_string(size);
@@ -33,7 +34,9 @@ PlacementRequest at(int row, int byte, int size, int mode = kModeField, const st
 PlacementRequest bits(int row, int byte, int bit, int count) {
     return at(row, byte, count, kModeBitField, "Flag", -1, [bit](auto& q) { q.beginBit = static_cast<int16_t>(bit); });
 }
-PlacementRequest fn(const std::string& word, int mode, int option, int size, const Change& change = {}) { return at(20, 0, size, mode, word, option, change); }
+PlacementRequest fn(const std::string& word, int mode, int option, int size, const Change& change = {}) {
+    return at(20, 0, size, mode, word, option, change);
+}
 const Change kCrc = [](auto& q) { q.polynomText = "263", q.startValueText = "0"; };
 const Change kBitCrc = [](auto& q) { q.polynomText = "17", q.startValueText = "15"; };
 Change crcAnd(const Change& base, const Change& more) { return [=](auto& q) { base(q), more(q); }; }
@@ -43,7 +46,13 @@ CIClass chipOf(IClassType type) {
     return card;
 }
 
-struct RuleCase { const char* name; IClassType chip; PlacementRequest request; int32_t textId; EditorBox focus = EditorBox::None; };  // textId 0: accepted
+struct RuleCase {
+    const char* name;
+    IClassType chip;
+    PlacementRequest request;
+    int32_t textId;
+    EditorBox focus = EditorBox::None;
+};  // textId 0: accepted
 
 class Placement : public ::testing::TestWithParam<RuleCase> {};
 
@@ -53,47 +62,73 @@ TEST_P(Placement, FirstBrokenRuleIsReported) {
     RecordArray records;
     RecordingPrompter prompter;
     const PlacementResult result = ValidatePlacement(c.request, card, records, prompter, tr);
-    ASSERT_EQ(std::tuple(result.code, result.focus, prompter.messages.size()), std::tuple(c.textId == 0 ? kPlacementAccepted : kPlacementRejected, c.focus, c.textId == 0 ? 0u : 1u));
+    ASSERT_EQ(std::tuple(result.code, result.focus, prompter.messages.size()),
+              std::tuple(c.textId == 0 ? kPlacementAccepted : kPlacementRejected, c.focus, c.textId == 0 ? 0u : 1u));
     if (c.textId == 0) return;
     const auto v = placementViolations(c.request, card, records, tr);
     ASSERT_EQ(v.size(), 1u);
-    EXPECT_EQ(std::tuple(v[0].textId, v[0].message, prompter.messages[0].icon), std::tuple(c.textId, prompter.messages[0].text, Icon::Exclamation));
+    EXPECT_EQ(std::tuple(v[0].textId, v[0].message, prompter.messages[0].icon),
+              std::tuple(c.textId, prompter.messages[0].text, Icon::Exclamation));
 }
 
 using B = EditorBox;
 const std::vector<RuleCase> kRules{
     {"EndsAtPageEnd", iSmallOnePage, at(30, 0, 16), 0}, {"OneBytePastPageEnd", iSmallOnePage, at(30, 1, 16), kTextPageFit},
-    {"BitsEndingAtTheEnd", iSmallOnePage, bits(31, 7, 5, 3), 0}, {"BitsSpanningTwoBytesAtTheEnd", iSmallOnePage, bits(31, 7, 6, 3), kTextPageFit},
+    {"BitsEndingAtTheEnd", iSmallOnePage, bits(31, 7, 5, 3), 0},
+    {"BitsSpanningTwoBytesAtTheEnd", iSmallOnePage, bits(31, 7, 6, 3), kTextPageFit},
     {"HidRow19", iSmallOnePage, at(19, 0, 1), 0}, {"HidRow18", iSmallOnePage, at(18, 0, 1), kTextHeaderOrHid},
-    {"NothingChosen", iSmallOnePage, at(19, 0, 1, kModeField, ""), kTextIncomplete}, {"NegativeRow", iSmallOnePage, at(-1, 0, 1), kTextIncomplete}, {"ZeroSize", iSmallOnePage, at(19, 0, 0), kTextIncomplete},
-    {"SizeNotANumber", iSmallOnePage, at(19, 0, 1, kModeField, "Name", -1, [](auto& q) { q.nrBytesText = "x"; }), kTextIncomplete},
-    {"AbsurdSize", iSmallOnePage, at(19, 0, 1, kModeField, "Name", -1, [](auto& q) { q.nrBytesText = std::string(32, '9'); }), kTextPageFit},
+    {"NothingChosen", iSmallOnePage, at(19, 0, 1, kModeField, ""), kTextIncomplete},
+    {"NegativeRow", iSmallOnePage, at(-1, 0, 1), kTextIncomplete}, {"ZeroSize", iSmallOnePage, at(19, 0, 0), kTextIncomplete},
+    {"SizeNotANumber", iSmallOnePage, at(19, 0, 1, kModeField, "Name", -1, [](auto& q) { q.nrBytesText = "x"; }),
+     kTextIncomplete},
+    {"AbsurdSize", iSmallOnePage, at(19, 0, 1, kModeField, "Name", -1, [](auto& q) { q.nrBytesText = std::string(32, '9'); }),
+     kTextPageFit},
     {"PageNotOnCard", iSmallOnePage, at(19, 0, 1, kModeField, "Name", -1, [](auto& q) { q.page = 3; }), kTextIncomplete},
     // Boundary 18: bytes 151 and 152 straddle block 19's start on the paged chip only.
     {"EndsBeforeBoundaryBlock19", iBigEightPages, at(18, 6, 2, kModeField, "Name", -1, [](auto& q) { q.page = 1; }), 0},
     {"AcrossBoundary", iBigEightPages, at(18, 7, 2, kModeField, "Name", -1, [](auto& q) { q.page = 1; }), kTextBoundary},
     {"NoBoundaryOnOnePageFreeRow", iBigOnePage, at(19, 7, 2), 0},
-    {"CardSnNrDecimal10", iSmallOnePage, fn("CardSnNr", kModeFunction, 0, 10), 0}, {"CardSnNrDecimal9", iSmallOnePage, fn("CardSnNr", kModeFunction, 0, 9), kTextCardSnNrDecimal},
-    {"CardSnNrHex", iSmallOnePage, fn("CardSnNr", kModeFunction, 1, 10), kTextCardSnNrHex}, {"CardSnNrMotorola", iSmallOnePage, fn("CardSnNr", kModeFunction, 2, 8), kTextCardSnNrMotorola},
-    {"CardSnNrIntel4", iSmallOnePage, fn("CardSnNr", kModeFunction, 3, 4), 0}, {"CardSnNrIntel5", iSmallOnePage, fn("CardSnNr", kModeFunction, 3, 5), kTextCardSnNrIntel},
+    {"CardSnNrDecimal10", iSmallOnePage, fn("CardSnNr", kModeFunction, 0, 10), 0},
+    {"CardSnNrDecimal9", iSmallOnePage, fn("CardSnNr", kModeFunction, 0, 9), kTextCardSnNrDecimal},
+    {"CardSnNrHex", iSmallOnePage, fn("CardSnNr", kModeFunction, 1, 10), kTextCardSnNrHex},
+    {"CardSnNrMotorola", iSmallOnePage, fn("CardSnNr", kModeFunction, 2, 8), kTextCardSnNrMotorola},
+    {"CardSnNrIntel4", iSmallOnePage, fn("CardSnNr", kModeFunction, 3, 4), 0},
+    {"CardSnNrIntel5", iSmallOnePage, fn("CardSnNr", kModeFunction, 3, 5), kTextCardSnNrIntel},
     {"CardSnNrNoRepresentationNoSizeRule", iSmallOnePage, fn("CardSnNr", kModeFunction, 4, 3), 0},
     {"ChecksumTwoBytes", iSmallOnePage, fn("Checksum", kModeFunction, kChecksumCrc, 2), kTextChecksumOneByte},
     {"ByteCrcOk", iSmallOnePage, fn("Checksum", kModeFunction, kChecksumCrc, 1, kCrc), 0},
-    {"ByteCrcPolynomial256", iSmallOnePage, fn("Checksum", kModeFunction, kChecksumCrc, 1, crcAnd(kCrc, [](auto& q) { q.polynomText = "256"; })), kTextOutOfRange, B::Polynom},
-    {"ByteCrcStart256", iSmallOnePage, fn("Checksum", kModeFunction, kChecksumCrc, 1, crcAnd(kCrc, [](auto& q) { q.startValueText = "256"; })), kTextOutOfRange, B::StartValue},
-    {"ByteParityStart2", iSmallOnePage, fn("Checksum", kModeFunction, kChecksumParity, 1, [](auto& q) { q.startValueText = "2"; }), kTextOutOfRange, B::StartValue},
-    {"BitAdd8", iSmallOnePage, fn("Checksum", kModeBitFunction, kChecksumAdd, 8), 0}, {"BitAdd7", iSmallOnePage, fn("Checksum", kModeBitFunction, kChecksumAdd, 7), kTextNotExactly, B::NrBytes},
+    {"ByteCrcPolynomial256", iSmallOnePage,
+     fn("Checksum", kModeFunction, kChecksumCrc, 1, crcAnd(kCrc, [](auto& q) { q.polynomText = "256"; })), kTextOutOfRange,
+     B::Polynom},
+    {"ByteCrcStart256", iSmallOnePage,
+     fn("Checksum", kModeFunction, kChecksumCrc, 1, crcAnd(kCrc, [](auto& q) { q.startValueText = "256"; })), kTextOutOfRange,
+     B::StartValue},
+    {"ByteParityStart2", iSmallOnePage,
+     fn("Checksum", kModeFunction, kChecksumParity, 1, [](auto& q) { q.startValueText = "2"; }), kTextOutOfRange, B::StartValue},
+    {"BitAdd8", iSmallOnePage, fn("Checksum", kModeBitFunction, kChecksumAdd, 8), 0},
+    {"BitAdd7", iSmallOnePage, fn("Checksum", kModeBitFunction, kChecksumAdd, 7), kTextNotExactly, B::NrBytes},
     {"BitParity2", iSmallOnePage, fn("Checksum", kModeBitFunction, kChecksumParity, 2), kTextNotExactly, B::NrBytes},
     {"BitCrcOk", iSmallOnePage, fn("Checksum", kModeBitFunction, kChecksumCrc, 4, kBitCrc), 0},
-    {"BitCrcStartZero", iSmallOnePage, fn("Checksum", kModeBitFunction, kChecksumCrc, 4, crcAnd(kBitCrc, [](auto& q) { q.startValueText = "0"; })), 0},
+    {"BitCrcStartZero", iSmallOnePage,
+     fn("Checksum", kModeBitFunction, kChecksumCrc, 4, crcAnd(kBitCrc, [](auto& q) { q.startValueText = "0"; })), 0},
     {"BitCrc9Bits", iSmallOnePage, fn("Checksum", kModeBitFunction, kChecksumCrc, 9, kBitCrc), kTextOutOfRange, B::NrBytes},
-    {"BitCrcPolynomialTooSmall", iSmallOnePage, fn("Checksum", kModeBitFunction, kChecksumCrc, 4, crcAnd(kBitCrc, [](auto& q) { q.polynomText = "16"; })), kTextOutOfRange, B::Polynom},
-    {"BitCrcStartTooBig", iSmallOnePage, fn("Checksum", kModeBitFunction, kChecksumCrc, 4, crcAnd(kBitCrc, [](auto& q) { q.startValueText = "16"; })), kTextOutOfRange, B::StartValue},
+    {"BitCrcPolynomialTooSmall", iSmallOnePage,
+     fn("Checksum", kModeBitFunction, kChecksumCrc, 4, crcAnd(kBitCrc, [](auto& q) { q.polynomText = "16"; })), kTextOutOfRange,
+     B::Polynom},
+    {"BitCrcStartTooBig", iSmallOnePage,
+     fn("Checksum", kModeBitFunction, kChecksumCrc, 4, crcAnd(kBitCrc, [](auto& q) { q.startValueText = "16"; })),
+     kTextOutOfRange, B::StartValue},
     {"BitConstantFits9Bits", iSmallOnePage, fn("Constant", kModeBitFunction, 0, 9, [](auto& q) { q.constantText = "511"; }), 0},
-    {"BitConstantTooBig", iSmallOnePage, fn("Constant", kModeBitFunction, 0, 9, [](auto& q) { q.constantText = "512"; }), kTextOutOfRange, B::ConstantValue},
-    {"ConstantFromFieldWithoutField", iSmallOnePage, fn("Constant", kModeFunction, 1, 1, [](auto& q) { q.valueFromField = true; }), kTextIncomplete},
-    {"CountFromField", iSmallOnePage, fn("Count", kModeFunction, 0, 4, [](auto& q) { q.valueFromField = true, q.fieldChosen = "Name"; }), 0},
-    {"ChecksumCoversItself", iSmallOnePage, at(19, 0, 1, kModeFunction, "Checksum", kChecksumCrc, crcAnd(kCrc, [](auto& q) { q.rangeRow = 19, q.rangeCountText = "16"; })), kTextChecksumCoversItself}};
+    {"BitConstantTooBig", iSmallOnePage, fn("Constant", kModeBitFunction, 0, 9, [](auto& q) { q.constantText = "512"; }),
+     kTextOutOfRange, B::ConstantValue},
+    {"ConstantFromFieldWithoutField", iSmallOnePage,
+     fn("Constant", kModeFunction, 1, 1, [](auto& q) { q.valueFromField = true; }), kTextIncomplete},
+    {"CountFromField", iSmallOnePage,
+     fn("Count", kModeFunction, 0, 4, [](auto& q) { q.valueFromField = true, q.fieldChosen = "Name"; }), 0},
+    {"ChecksumCoversItself", iSmallOnePage,
+     at(19, 0, 1, kModeFunction, "Checksum", kChecksumCrc,
+        crcAnd(kCrc, [](auto& q) { q.rangeRow = 19, q.rangeCountText = "16"; })),
+     kTextChecksumCoversItself}};
 INSTANTIATE_TEST_SUITE_P(Cases, Placement, ::testing::ValuesIn(kRules), [](const auto& p) { return std::string(p.param.name); });
 
 class Overlap : public ::testing::Test {
@@ -108,7 +143,9 @@ protected:
 
 TEST_F(Overlap, StartInsideEndInsideOrCoveringAreFoundTouchingOtherPagesAndDatabaseUpdatesAreNot) {
     records.add(field("Old", 0, 20, 2, 4));  // bytes 162..165
-    for (const auto& [q, found] : {std::pair(at(20, 0, 3), 1u), {at(20, 5, 3), 1u}, {at(20, 3, 1), 1u}, {at(20, 0, 8), 1u}, {at(20, 0, 2), 0u}, {at(20, 6, 2), 0u}}) {
+    for (const auto& [q, found] : {std::pair(at(20, 0, 3), 1u),
+                                   {at(20, 5, 3), 1u}, {at(20, 3, 1), 1u}, {at(20, 0, 8), 1u}, {at(20, 0, 2), 0u},
+                                   {at(20, 6, 2), 0u}}) {
         const auto v = violations(q);
         ASSERT_EQ(v.size(), found) << q.beginByte << "+" << q.nrBytesText;
         if (found) { EXPECT_EQ(v[0].overlappedIndex, 0); }
@@ -132,7 +169,8 @@ TEST_P(OverlapQuestion, AsksAndReplacesOnOk) {
     prompter = RecordingPrompter(c.answer);
     EXPECT_EQ(place(at(20, 0, 4)).code, c.code);
     ASSERT_EQ(prompter.messages.size(), 1u);
-    EXPECT_EQ(std::tuple(prompter.messages[0].buttons, prompter.messages[0].text), std::tuple(Buttons::OkCancel, tr.text(c.textId) + ": " + c.existing.name + "."));
+    EXPECT_EQ(std::tuple(prompter.messages[0].buttons, prompter.messages[0].text),
+              std::tuple(Buttons::OkCancel, tr.text(c.textId) + ": " + c.existing.name + "."));
     EXPECT_EQ(std::tuple(records.size(), records[0].name), std::tuple(c.code == kPlacementReplaced ? 1 : 2, "Keep"));
 }
 
@@ -141,26 +179,30 @@ const std::vector<OverlapCase> kOverlaps{
     {"OtherName", field("Other", 0, 20, 0, 4), kTextOverlapOther, Answer::Ok, kPlacementReplaced},
     {"SameNameOtherKind", bitField("Name", 0, 20, 0, 0, 8), kTextOverlapOther, Answer::Ok, kPlacementReplaced},
     {"Cancelled", field("Other", 0, 20, 0, 4), kTextOverlapOther, Answer::Cancel, kPlacementRejected}};
-INSTANTIATE_TEST_SUITE_P(Outcomes, OverlapQuestion, ::testing::ValuesIn(kOverlaps), [](const auto& p) { return std::string(p.param.name); });
+INSTANTIATE_TEST_SUITE_P(Outcomes, OverlapQuestion, ::testing::ValuesIn(kOverlaps),
+                         [](const auto& p) { return std::string(p.param.name); });
 
 TEST_F(Overlap, ChecksumRangeRulesCompareWithinAPageOnlyAndTheAuditCollectsEveryRule) {
     card.setChipSize(iBigEightPages);
     ItemRecord other = function("Checksum", "1", "", "", 3, 22, 0, 1);  // another page, block 22
     other.range = {1, 19, 0, 8, 0};  // page 1's range lies at page offset 0 when placed with its page
     records.add(other);
-    auto v = violations(at(25, 0, 1, kModeFunction, "Checksum", kChecksumAdd, [](auto& q) { q.rangeRow = 22, q.rangeCountText = "1"; }));
+    auto v = violations(
+        at(25, 0, 1, kModeFunction, "Checksum", kChecksumAdd, [](auto& q) { q.rangeRow = 22, q.rangeCountText = "1"; }));
     ASSERT_EQ(v.size(), 1u);
     EXPECT_EQ(v[0].textId, kTextRangeHoldsChecksum);  // page 3's checksum counts on page 0
     other.block = 30, other.range = {1, 19, 0, 16, 0};  // bits 1216..1343 of the page-1-based range
     records = recordsOf({other});
-    v = violations(at(19, 0, 1, kModeFunction, "Checksum", kChecksumAdd, [](auto& q) { q.rangeRow = 25, q.rangeCountText = "1"; }));
+    v = violations(
+        at(19, 0, 1, kModeFunction, "Checksum", kChecksumAdd, [](auto& q) { q.rangeRow = 25, q.rangeCountText = "1"; }));
     ASSERT_EQ(v.size(), 1u);
     EXPECT_EQ(v[0].textId, kTextInsideOtherRange);  // the new start bit 1216 is compared without a page term
     // The audit collects every rule one item breaks.
     records = recordsOf({field("Old", 0, 18, 0, 16)});
     v = placementViolations(at(18, 0, 16), card, records, tr, false);
     ASSERT_EQ(v.size(), 3u);
-    EXPECT_EQ(std::vector<int32_t>({v[0].textId, v[1].textId, v[2].textId}), std::vector<int32_t>({kTextHeaderOrHid, kTextBoundary, kTextOverlapOther}));
+    EXPECT_EQ(std::vector<int32_t>({v[0].textId, v[1].textId, v[2].textId}),
+              std::vector<int32_t>({kTextHeaderOrHid, kTextBoundary, kTextOverlapOther}));
 }
 
 struct MultiTrackCase { const char* name; IClassType chip; MultiTrackRequest request; int32_t textId; };  // textId 0: accepted
@@ -174,21 +216,29 @@ TEST_P(MultiTrack, RefusesTheFirstBrokenRuleAndKeepsTheRecords) {
     RecordingPrompter prompter;
     EXPECT_EQ(ValidateMultiTrack(c.request, card, records, prompter, tr), c.textId == 0);
     const auto v = multiTrackViolation(c.request, card, records, tr);
-    EXPECT_EQ(std::tuple(v ? v->textId : 0, prompter.messages.size(), records.size()), std::tuple(c.textId, c.textId == 0 ? 0u : 1u, 1));
+    EXPECT_EQ(std::tuple(v ? v->textId : 0, prompter.messages.size(), records.size()),
+              std::tuple(c.textId, c.textId == 0 ? 0u : 1u, 1));
 }
 
-const std::vector<MultiTrackCase> kMultiTrack{
-    {"EndsAtPageEnd", iSmallOnePage, {"Photo", 0, 30, 0, 0, "16"}, 0}, {"OneBytePast", iSmallOnePage, {"Photo", 0, 30, 1, 0, "16"}, kTextSegmentFit},
-    {"BitPushesPast", iSmallOnePage, {"Photo", 0, 30, 0, 1, "16"}, kTextSegmentFit},
-    {"NoField", iSmallOnePage, {"", 0, 19, 0, 0, "4"}, kTextIncomplete}, {"NoSize", iSmallOnePage, {"Photo", 0, 19, 0, 0, ""}, kTextIncomplete},
-    {"FirstFreeBlock", iSmallOnePage, {"Photo", 0, 19, 0, 0, "8"}, 0}, {"InHid", iSmallOnePage, {"Photo", 0, 18, 7, 0, "1"}, kTextStartInHeader},
-    {"AcrossBoundary", iBigEightPages, {"Photo", 2, 17, 0, 0, "16"}, kTextBoundary},
-    {"UpToBoundary", iBigEightPages, {"Photo", 2, 16, 0, 0, "16"}, 0}, {"NoBoundaryOnOnePage", iBigOnePage, {"Photo", 0, 19, 0, 0, "16"}, 0},
-    {"OverOtherItem", iSmallOnePage, {"Photo", 0, 27, 0, 0, "9"}, kTextOverlapOther}, {"OverSameName", iSmallOnePage, {"Other", 0, 28, 7, 0, "1"}, kTextOverlapSameName}};
-INSTANTIATE_TEST_SUITE_P(Cases, MultiTrack, ::testing::ValuesIn(kMultiTrack), [](const auto& p) { return std::string(p.param.name); });
+const std::vector<MultiTrackCase> kMultiTrack{{"EndsAtPageEnd", iSmallOnePage, {"Photo", 0, 30, 0, 0, "16"}, 0},
+                                              {"OneBytePast", iSmallOnePage, {"Photo", 0, 30, 1, 0, "16"}, kTextSegmentFit},
+                                              {"BitPushesPast", iSmallOnePage, {"Photo", 0, 30, 0, 1, "16"}, kTextSegmentFit},
+                                              {"NoField", iSmallOnePage, {"", 0, 19, 0, 0, "4"}, kTextIncomplete},
+                                              {"NoSize", iSmallOnePage, {"Photo", 0, 19, 0, 0, ""}, kTextIncomplete},
+                                              {"FirstFreeBlock", iSmallOnePage, {"Photo", 0, 19, 0, 0, "8"}, 0},
+                                              {"InHid", iSmallOnePage, {"Photo", 0, 18, 7, 0, "1"}, kTextStartInHeader},
+                                              {"AcrossBoundary", iBigEightPages, {"Photo", 2, 17, 0, 0, "16"}, kTextBoundary},
+                                              {"UpToBoundary", iBigEightPages, {"Photo", 2, 16, 0, 0, "16"}, 0},
+                                              {"NoBoundaryOnOnePage", iBigOnePage, {"Photo", 0, 19, 0, 0, "16"}, 0},
+                                              {"OverOtherItem", iSmallOnePage, {"Photo", 0, 27, 0, 0, "9"}, kTextOverlapOther},
+                                              {"OverSameName", iSmallOnePage, {"Other", 0, 28, 7, 0, "1"}, kTextOverlapSameName}};
+INSTANTIATE_TEST_SUITE_P(Cases, MultiTrack, ::testing::ValuesIn(kMultiTrack),
+                         [](const auto& p) { return std::string(p.param.name); });
 
 ItemRecord with(ItemRecord r, const std::function<void(ItemRecord&)>& change) { return change(r), r; }
-ItemRecord sum(int page, int block, std::array<int16_t, 5> range) { return with(function("Checksum", "1", "", "", page, block, 0, 1), [&](auto& r) { r.range = range; }); }
+ItemRecord sum(int page, int block, std::array<int16_t, 5> range) {
+    return with(function("Checksum", "1", "", "", page, block, 0, 1), [&](auto& r) { r.range = range; });
+}
 // A bit checksum stored with mode 0 reads back as a simple bit function: it has its bits and no
 // byte count, and is judged by the bit-function rules rather than found incomplete.
 ItemRecord simpleSum(const char* method, int bits, std::array<int16_t, 2> polynomial) {
@@ -209,14 +259,33 @@ TEST_P(Audit, EachItemIsReplayedAgainstTheItemsBeforeIt) {
 }
 
 const std::vector<AuditCase> kLayouts{
-    {"Clean", iBigEightPages, {field("Name", 0, 19, 0, 16), with(sum(1, 20, {1, 6, 0, 16, 0}), [](auto& r) { r.name = "Checksum", r.param1 = "2", r.polynomial = {263, 0}; }), bitFunction("Constant", "7", 1, 21, 0, 0, 3), binary(field("Photo", 2, 6, 0, 64)), dbUpdate("X", "Count", "1", "1")}, {}},
-    {"EveryRule", iBigEightPages, {field("First", 1, 17, 0, 24), field("Second", 1, 18, 4, 2), field("Hid", 0, 10, 0, 1), function("CardSnNr", "0", "", "", 1, 22, 0, 9), bitFunction("Constant", "8", 1, 26, 0, 0, 3), binary(field("Photo", 1, 30, 0, 24))},
-              {kTextBoundary, kTextOverlapOther, kTextHeaderOrHid, kTextCardSnNrDecimal, kTextOutOfRange, kTextSegmentFit, kTextBoundaryCuts, kTextHidCovers}},
-    // The first range covers block 21 of page 0 once placed with its page; the second covers itself; the third holds the first checksum; the fourth lies in the first's range.
-    {"ChecksumRangesAndPageEnd", iSmallOnePage, {sum(0, 20, {1, 21, 0, 8, 0}), sum(0, 22, {0, 22, 0, 8, 0}), sum(0, 23, {0, 20, 0, 4, 0}), sum(0, 21, {0, 24, 0, 1, 0}), field("Tail", 0, 31, 4, 5)},
-              {kTextChecksumCoversItself, kTextRangeHoldsChecksum, kTextInsideOtherRange, kTextPageFit}},
-    {"SimpleAdd8", iSmallOnePage, {simpleSum("1", 8, {0, 0})}, {}}, {"SimpleParity1", iSmallOnePage, {simpleSum("3", 1, {0, 0})}, {}},
-    {"SimpleCrc", iSmallOnePage, {simpleSum("2", 4, {19, 3})}, {}}, {"SimpleParity2", iSmallOnePage, {simpleSum("3", 2, {0, 0})}, {kTextNotExactly}},
+    {"Clean",
+     iBigEightPages,
+     {field("Name", 0, 19, 0, 16),
+      with(sum(1, 20, {1, 6, 0, 16, 0}),
+           [](auto& r) {
+               r.name = "Checksum", r.param1 = "2", r.polynomial = {263, 0};
+           }),
+      bitFunction("Constant", "7", 1, 21, 0, 0, 3), binary(field("Photo", 2, 6, 0, 64)), dbUpdate("X", "Count", "1", "1")},
+     {}},
+    {"EveryRule",
+     iBigEightPages,
+     {field("First", 1, 17, 0, 24), field("Second", 1, 18, 4, 2), field("Hid", 0, 10, 0, 1),
+      function("CardSnNr", "0", "", "", 1, 22, 0, 9), bitFunction("Constant", "8", 1, 26, 0, 0, 3),
+      binary(field("Photo", 1, 30, 0, 24))},
+     {kTextBoundary, kTextOverlapOther, kTextHeaderOrHid, kTextCardSnNrDecimal, kTextOutOfRange, kTextSegmentFit,
+      kTextBoundaryCuts, kTextHidCovers}},
+    // The first range covers block 21 of page 0 once placed with its page; the second covers itself;
+    // the third holds the first checksum; the fourth lies in the first's range.
+    {"ChecksumRangesAndPageEnd",
+     iSmallOnePage,
+     {sum(0, 20, {1, 21, 0, 8, 0}), sum(0, 22, {0, 22, 0, 8, 0}), sum(0, 23, {0, 20, 0, 4, 0}), sum(0, 21, {0, 24, 0, 1, 0}),
+      field("Tail", 0, 31, 4, 5)},
+     {kTextChecksumCoversItself, kTextRangeHoldsChecksum, kTextInsideOtherRange, kTextPageFit}},
+    {"SimpleAdd8", iSmallOnePage, {simpleSum("1", 8, {0, 0})}, {}},
+    {"SimpleParity1", iSmallOnePage, {simpleSum("3", 1, {0, 0})}, {}},
+    {"SimpleCrc", iSmallOnePage, {simpleSum("2", 4, {19, 3})}, {}},
+    {"SimpleParity2", iSmallOnePage, {simpleSum("3", 2, {0, 0})}, {kTextNotExactly}},
     {"SimpleCrcPolynomialTooBig", iSmallOnePage, {simpleSum("2", 4, {40, 3})}, {kTextOutOfRange}}};
 INSTANTIATE_TEST_SUITE_P(Layouts, Audit, ::testing::ValuesIn(kLayouts), [](const auto& p) { return std::string(p.param.name); });
 

@@ -17,7 +17,8 @@ namespace kestrin::test {
 enum class Call { Status, CreateNew, Write, Sync, Close, Rename, Link, Copy, Remove, List };
 
 inline const char* callName(Call c) {
-    return std::array{"status", "createNew", "write", "sync", "close", "rename", "link", "copy", "remove", "list"}[static_cast<int>(c)];
+    return std::array{
+        "status", "createNew", "write", "sync", "close", "rename", "link", "copy", "remove", "list"}[static_cast<int>(c)];
 }
 
 // How the chosen call fails; ShortWrite and DiskFull are for write calls.

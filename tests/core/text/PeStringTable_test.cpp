@@ -121,12 +121,22 @@ TEST_P(PeStringTableFormat, AnswersLikeTheHostsStringLoader) {
     // and English give English; 33 only in German is not chosen; 48: German, English, neutral give
     // neutral; 64: French only, the first language. Only the low 16 bits of an id count.
     const std::pair<int32_t, std::optional<std::string>> cases[] = {
-        {0, "Zero"}, {1, "Gr\xC3\xB6\xC3\x9F" "e: 10 \xC3\x97 20 mm"},
-        {2, "\xCE\x95\xCE\xBB\xCE\xBB\xCE\xB7\xCE\xBD\xCE\xB9\xCE\xBA\xCE\xAC \xD0\xB8 \xD1\x80\xD1\x83\xD1\x81\xD1\x81\xD0\xBA\xD0\xB8\xD0\xB9"},
-        {3, "\xE6\x97\xA5\xE6\x9C\xAC\xE8\xAA\x9E\xE3\x81\xAE\xE3\x83\x86\xE3\x82\xAD\xE3\x82\xB9\xE3\x83\x88"}, {4, "Emoji \xF0\x9F\x98\x80 outside the BMP"},
-        {5, repeated("0123456789", 30).substr(0, 255)}, {6, std::nullopt}, {7, std::nullopt}, {8, std::string(254, 'a')}, {9, "Two lines\nsecond line"},
-        {10, repeated("\xC3\xA4", 255)}, {15, "Fifteen"}, {16, std::nullopt}, {32, "English"}, {33, std::nullopt}, {48, "Neutral"}, {64, "Fran\xC3\xA7" "ais"},
-        {5000, std::nullopt}, {65535, "Last id"}, {-1, "Last id"}, {65536, "Zero"}, {65536 * 7 + 32, "English"}, {INT32_MIN, "Zero"}};
+        {0, "Zero"},
+        {1,
+         "Gr\xC3\xB6\xC3\x9F"
+         "e: 10 \xC3\x97 20 mm"},
+        {2,
+         "\xCE\x95\xCE\xBB\xCE\xBB\xCE\xB7\xCE\xBD\xCE\xB9\xCE\xBA\xCE\xAC \xD0\xB8 "
+         "\xD1\x80\xD1\x83\xD1\x81\xD1\x81\xD0\xBA\xD0\xB8\xD0\xB9"},
+        {3, "\xE6\x97\xA5\xE6\x9C\xAC\xE8\xAA\x9E\xE3\x81\xAE\xE3\x83\x86\xE3\x82\xAD\xE3\x82\xB9\xE3\x83\x88"},
+        {4, "Emoji \xF0\x9F\x98\x80 outside the BMP"}, {5, repeated("0123456789", 30).substr(0, 255)}, {6, std::nullopt},
+        {7, std::nullopt}, {8, std::string(254, 'a')}, {9, "Two lines\nsecond line"}, {10, repeated("\xC3\xA4", 255)},
+        {15, "Fifteen"}, {16, std::nullopt}, {32, "English"}, {33, std::nullopt}, {48, "Neutral"},
+        {64,
+         "Fran\xC3\xA7"
+         "ais"},
+        {5000, std::nullopt}, {65535, "Last id"}, {-1, "Last id"}, {65536, "Zero"}, {65536 * 7 + 32, "English"},
+        {INT32_MIN, "Zero"}};
     for (const auto& [id, text] : cases) EXPECT_EQ(table->lookup(id), text) << "id " << id;
 }
 
@@ -145,8 +155,19 @@ ByteWriter namedEntries() {
     ByteWriter rsrc;
     rsrc.directory(1, 1).entry(Subdirectory | 0x200, Subdirectory | 0x30).entry(6, Subdirectory | 0x60);
     rsrc.zerosTo(0x30).directory(0, 1).entry(1, Subdirectory | 0x90);  // a named type's own tree
-    rsrc.zerosTo(0x60).directory(1, 3).entry(Subdirectory | 0x200, Subdirectory | 0x90).entry(0, Subdirectory | 0x90).entry(1, Subdirectory | 0x90).entry(1, 0xB0);
-    rsrc.zerosTo(0x90).directory(0, 1).entry(0x0409, 0xB0).zerosTo(0xB0).dataEntry(ResourceRva + 0xC0, 36).zerosTo(0xC0).block({u"ok"});
+    rsrc.zerosTo(0x60)
+        .directory(1, 3)
+        .entry(Subdirectory | 0x200, Subdirectory | 0x90)
+        .entry(0, Subdirectory | 0x90)
+        .entry(1, Subdirectory | 0x90)
+        .entry(1, 0xB0);
+    rsrc.zerosTo(0x90)
+        .directory(0, 1)
+        .entry(0x0409, 0xB0)
+        .zerosTo(0xB0)
+        .dataEntry(ResourceRva + 0xC0, 36)
+        .zerosTo(0xC0)
+        .block({u"ok"});
     return rsrc.zerosTo(0x200).u16(4).bytes(std::string_view("N\0A\0M\0E\0", 8));
 }
 
@@ -172,16 +193,34 @@ TEST_P(PeStringTableFormat, BuiltImagesChooseTheLanguageMendTextsAndSkipWhatIsNo
     const std::string sound = stringTableSection({{1, {{0x0409, {u"x"}}}}});
     const std::tuple<std::string, std::size_t, Lookups> cases[] = {
         {peImage(stringTableSection({{1, {{0x0409, {u"en-1"}}, {0x0407, {u"de-1"}}, {0x0000, {u"neutral-1"}}}},
-                                     {2, {{0x0407, {u"de-2"}}, {0x0409, {u"en-2"}}}}, {3, {{0x040C, {u"fr-3"}}, {0x0407, {u"de-3"}}}},
+                                     {2, {{0x0407, {u"de-2"}}, {0x0409, {u"en-2"}}}},
+                                     {3, {{0x040C, {u"fr-3"}}, {0x0407, {u"de-3"}}}},
                                      {4, {{0x0411, {}}, {0x0409, {u"en-4"}}}},  // the first is empty, English still wins
-                                     {5, {{0x0409, {u"first"}}}}, {5, {{0x0000, {u"second"}}}}}),  // a repeated block: the first counts
-                 plus).s, 5, {{0, "neutral-1"}, {16, "en-2"}, {32, "fr-3"}, {48, "en-4"}, {64, "first"}}},
+                                     {5, {{0x0409, {u"first"}}}},
+                                     {5, {{0x0000, {u"second"}}}}}),  // a repeated block: the first counts
+                 plus)
+             .s,
+         5,
+         {{0, "neutral-1"}, {16, "en-2"}, {32, "fr-3"}, {48, "en-4"}, {64, "first"}}},
         {peImage(stringTableSection({{1, {{0x0409, slots}}}}), plus).s, 6, mendedTexts},
         {peImage(namedEntries().s, plus).s, 1, {{0, "ok"}}},
-        {peImage(ByteWriter().directory(0, 1).entry(3, Subdirectory | 0x18).directory(0, 0).s, plus).s, 0, {{0, std::nullopt}}},  // icons only
-        {peImage(ByteWriter().directory(0, 1).entry(6, Subdirectory | 0x18).directory(0, 1).entry(1, Subdirectory | 0x30).zerosTo(0x30).directory(0, 0).s, plus).s, 0, {{0, std::nullopt}}},  // no languages
+        {peImage(ByteWriter().directory(0, 1).entry(3, Subdirectory | 0x18).directory(0, 0).s, plus).s,
+         0,
+         {{0, std::nullopt}}},  // icons only
+        {peImage(ByteWriter()
+                     .directory(0, 1)
+                     .entry(6, Subdirectory | 0x18)
+                     .directory(0, 1)
+                     .entry(1, Subdirectory | 0x30)
+                     .zerosTo(0x30)
+                     .directory(0, 0)
+                     .s,
+                 plus)
+             .s,
+         0,
+         {{0, std::nullopt}}},                                                               // no languages
         {peImage(sound, plus).put(resourceDirectoryAt(plus), 0).s, 0, {{0, std::nullopt}}},  // no resource table
-        {peImage(sound, plus).put(rvaCountAt(plus), 2).s, 0, {{0, std::nullopt}}}};         // its entry not counted
+        {peImage(sound, plus).put(rvaCountAt(plus), 2).s, 0, {{0, std::nullopt}}}};          // its entry not counted
     for (const auto& [image, size, lookups] : cases) {
         const auto table = parsed(image);
         ASSERT_NE(table, nullptr);
@@ -191,14 +230,21 @@ TEST_P(PeStringTableFormat, BuiltImagesChooseTheLanguageMendTextsAndSkipWhatIsNo
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Formats, PeStringTableFormat, ::testing::Bool(), [](const auto& p) { return std::string(p.param ? "Pe32Plus" : "Pe32"); });
+INSTANTIATE_TEST_SUITE_P(Formats, PeStringTableFormat, ::testing::Bool(),
+                         [](const auto& p) { return std::string(p.param ? "Pe32Plus" : "Pe32"); });
 
 ByteWriter soundImage() { return peImage(stringTableSection({{1, {{0x0409, {u"ok"}}}}})); }
 std::string patched(std::size_t at, uint32_t value, int width = 4) { return soundImage().put(at, value, width).s; }
 std::string withTable(const ByteWriter& rsrc) { return peImage(rsrc.s).s; }
 // A resource table down to one language entry; what it points at follows from offset 0x48.
 ByteWriter oneLanguage(uint32_t target) {
-    return ByteWriter().directory(0, 1).entry(6, Subdirectory | 0x18).directory(0, 1).entry(1, Subdirectory | 0x30).directory(0, 1).entry(0x0409, target);
+    return ByteWriter()
+        .directory(0, 1)
+        .entry(6, Subdirectory | 0x18)
+        .directory(0, 1)
+        .entry(1, Subdirectory | 0x30)
+        .directory(0, 1)
+        .entry(0x0409, target);
 }
 // 4096 blocks that all share one language directory of 65535 entries.
 std::string hugeTree() {
@@ -217,20 +263,28 @@ TEST(PeStringTableHostile, IsRefusedWithItsReason) {
         {"", "no MZ signature"}, {"M", "no MZ signature"}, {patched(0, 'Z' | 'M' << 8, 2), "no MZ signature"},
         {std::string("MZ\x90\0", 4), "DOS header is incomplete"}, {patched(0x3C, 0xFFFFFFF0), "points past the end"},
         {patched(0x40, 'N' | 'E' << 8, 2), "16-bit Windows (NE)"}, {patched(0x40, 'L' | 'E' << 8, 2), "no PE signature"},
-        {sound.substr(0, 0x4A), "COFF header is incomplete"}, {sound.substr(0, OptionalHeader + 50), "optional header is incomplete"},
+        {sound.substr(0, 0x4A), "COFF header is incomplete"},
+        {sound.substr(0, OptionalHeader + 50), "optional header is incomplete"},
         {patched(OptionalHeader, 0x107, 2), "magic 0x107"}, {patched(0x46, 0xFFFF, 2), "section table is incomplete"},
         {patched(resourceDirectoryAt(false), 0x9000), "resource table lies outside every section"},
-        {patched(sectionTableAt(false) + 16, 0), "lies outside its section's data"}, {patched(sectionTableAt(false) + 20, 0x7FFFFFFF), "ends past the end of the file"},
-        {patched(ResourceSection + 14, 0xFFFF, 2), "entries run past the end"}, {withTable(ByteWriter().directory(0, 1).entry(6, Subdirectory)), "deeper than three levels"},
-        {withTable(ByteWriter().directory(0, 1).entry(6, 0x18).dataEntry(ResourceRva, 4)), "string-table entry is not a directory"},
-        {withTable(ByteWriter().directory(0, 1).entry(6, Subdirectory | 0x18).directory(0, 1).entry(1, 0x30).dataEntry(ResourceRva, 4)), "string block 1 is not a directory"},
+        {patched(sectionTableAt(false) + 16, 0), "lies outside its section's data"},
+        {patched(sectionTableAt(false) + 20, 0x7FFFFFFF), "ends past the end of the file"},
+        {patched(ResourceSection + 14, 0xFFFF, 2), "entries run past the end"},
+        {withTable(ByteWriter().directory(0, 1).entry(6, Subdirectory)), "deeper than three levels"},
+        {withTable(ByteWriter().directory(0, 1).entry(6, 0x18).dataEntry(ResourceRva, 4)),
+         "string-table entry is not a directory"},
+        {withTable(
+             ByteWriter().directory(0, 1).entry(6, Subdirectory | 0x18).directory(0, 1).entry(1, 0x30).dataEntry(ResourceRva, 4)),
+         "string block 1 is not a directory"},
         {withTable(ByteWriter().directory(0, 1).entry(6, Subdirectory | 0x7FFFFFF0)), "directory lies past the end"},
         {withTable(oneLanguage(0x7FFFFFF0)), "data entry lies past the end"},
         {withTable(oneLanguage(0x48).dataEntry(0x80000000, 34)), "data of string block 1 lies outside every section"},
         {withTable(oneLanguage(0x48).dataEntry(ResourceRva, 0x10000)), "data of string block 1 runs past its section's data"},
         // The block at 0x58: a text of 300 units in 8 bytes; then 4 of its 16 slots in 10 bytes.
-        {withTable(oneLanguage(0x48).dataEntry(ResourceRva + 0x58, 8).u16(300).u32(0).u16(0)), "a text runs past the block's end"},
-        {withTable(oneLanguage(0x48).dataEntry(ResourceRva + 0x58, 10).u16(1).u16('a').u32(0).u16(0)), "ends before its 16 texts"},
+        {withTable(oneLanguage(0x48).dataEntry(ResourceRva + 0x58, 8).u16(300).u32(0).u16(0)),
+         "a text runs past the block's end"},
+        {withTable(oneLanguage(0x48).dataEntry(ResourceRva + 0x58, 10).u16(1).u16('a').u32(0).u16(0)),
+         "ends before its 16 texts"},
         {hugeTree(), "too many directory entries"}};
     for (const auto& [image, reason] : cases) {
         std::string error;

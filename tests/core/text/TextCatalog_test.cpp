@@ -30,17 +30,39 @@ using Texts = std::vector<std::pair<int32_t, std::optional<std::string>>>;
 
 TEST(TextCatalog, GivesTheTextsAsWritten) {
     const std::tuple<const char*, std::string, Texts> cases[] = {
-        {"LineEnds", "3106=Value\r\n3107=Step\n1=a\r\r\n2=no final newline", {{3106, "Value"}, {3107, "Step"}, {1, "a\r"}, {2, "no final newline"}, {3108, std::nullopt}}},
-        {"BomOnlyAtStart", "\xEF\xBB\xBF" "3106=Value\n1=\xEF\xBB\xBFx\n", {{3106, "Value"}, {1, "\xEF\xBB\xBFx"}}},
-        {"CommentsAndBlanks", "# header\n\n   \n\t# indented comment\n  \t42 \t=text\n#2=two\n", {{42, "text"}, {2, std::nullopt}}},
-        {"TextKeptAsWritten", "1= leading and trailing  \n2=a = b # not a comment\n3=#hash\n", {{1, " leading and trailing  "}, {2, "a = b # not a comment"}, {3, "#hash"}}},
-        {"Escapes", "1=Line one\\nLine two\n2=a\\tb\\rc\n3=C:\\\\layouts\\old\n4=ends\\\n5=\\\\n\n", {{1, "Line one\nLine two"}, {2, "a\tb\rc"}, {3, "C:\\layouts\\old"}, {4, "ends\\"}, {5, "\\n"}}},
+        {"LineEnds",
+         "3106=Value\r\n3107=Step\n1=a\r\r\n2=no final newline",
+         {{3106, "Value"}, {3107, "Step"}, {1, "a\r"}, {2, "no final newline"}, {3108, std::nullopt}}},
+        {"BomOnlyAtStart",
+         "\xEF\xBB\xBF"
+         "3106=Value\n1=\xEF\xBB\xBFx\n",
+         {{3106, "Value"}, {1, "\xEF\xBB\xBFx"}}},
+        {"CommentsAndBlanks",
+         "# header\n\n   \n\t# indented comment\n  \t42 \t=text\n#2=two\n",
+         {{42, "text"}, {2, std::nullopt}}},
+        {"TextKeptAsWritten",
+         "1= leading and trailing  \n2=a = b # not a comment\n3=#hash\n",
+         {{1, " leading and trailing  "}, {2, "a = b # not a comment"}, {3, "#hash"}}},
+        {"Escapes",
+         "1=Line one\\nLine two\n2=a\\tb\\rc\n3=C:\\\\layouts\\old\n4=ends\\\n5=\\\\n\n",
+         {{1, "Line one\nLine two"}, {2, "a\tb\rc"}, {3, "C:\\layouts\\old"}, {4, "ends\\"}, {5, "\\n"}}},
         {"LaterLineWins", "1=first\n1=second\n2=first\n2=\n3=\n", {{1, "second"}, {2, std::nullopt}, {3, std::nullopt}}},
         // Only the low 16 bits of a looked-up id count.
-        {"Ids", "007=agent\n0=zero\n65535=last\n32=x\n", {{7, "agent"}, {0, "zero"}, {65535, "last"}, {-1, "last"}, {65536, "zero"}, {65536 * 3 + 32, "x"}, {INT32_MIN, "zero"}}},
-        {"NonAscii", "1=Gr\xC3\xB6\xC3\x9F" "e \xE6\x97\xA5 \xF4\x8F\xBF\xBF\n", {{1, "Gr\xC3\xB6\xC3\x9F" "e \xE6\x97\xA5 \xF4\x8F\xBF\xBF"}}},
-        {"CutAt255Units", "1=" + std::string(300, 'x') + "\n2=" + repeated("\xC3\xA4", 300) + "\n3=" + std::string(254, 'a') + kEmoji + "\n4=" + std::string(253, 'a') + kEmoji + "z\n5=" + repeated("\\n", 300),
-         {{1, std::string(255, 'x')}, {2, repeated("\xC3\xA4", 255)}, {3, std::string(254, 'a')}, {4, std::string(253, 'a') + kEmoji}, {5, std::string(255, '\n')}}},
+        {"Ids",
+         "007=agent\n0=zero\n65535=last\n32=x\n",
+         {{7, "agent"}, {0, "zero"}, {65535, "last"}, {-1, "last"}, {65536, "zero"}, {65536 * 3 + 32, "x"}, {INT32_MIN, "zero"}}},
+        {"NonAscii",
+         "1=Gr\xC3\xB6\xC3\x9F"
+         "e \xE6\x97\xA5 \xF4\x8F\xBF\xBF\n",
+         {{1,
+           "Gr\xC3\xB6\xC3\x9F"
+           "e \xE6\x97\xA5 \xF4\x8F\xBF\xBF"}}},
+        {"CutAt255Units",
+         "1=" + std::string(300, 'x') + "\n2=" + repeated("\xC3\xA4", 300) + "\n3=" + std::string(254, 'a') + kEmoji +
+             "\n4=" + std::string(253, 'a') + kEmoji + "z\n5=" + repeated("\\n", 300),
+         {{1, std::string(255, 'x')},
+          {2, repeated("\xC3\xA4", 255)}, {3, std::string(254, 'a')}, {4, std::string(253, 'a') + kEmoji},
+          {5, std::string(255, '\n')}}},
         {"Empty", "", {{0, std::nullopt}}}};
     for (const auto& [name, content, expected] : cases) {
         SCOPED_TRACE(name);
@@ -56,8 +78,15 @@ TEST(TextCatalog, ListsEachMalformedLineAndKeepsTheRest) {
     // Line 1 is a comment once the byte order mark is skipped; lines 11-19 are no UTF-8:
     // Windows-1252, overlong forms, a surrogate, above U+10FFFF, cut short, a stray
     // continuation byte, a lead byte that never starts a character.
-    std::string content = "\xEF\xBB\xBF# the catalog\n1=one\nno equals sign\n=no id\n12a=letters\n-1=negative\n65536=too big\n+5=plus\n1 2=two numbers\n4=four\r\n";
-    for (const char* text : {"Gr\xF6\xDF" "e", "\xC0\x80", "\xE0\x80\x80", "\xF0\x80\x80\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "ab\xE2\x82", "\x80" "a", "\xF5\x80\x80\x80"})
+    std::string content =
+        "\xEF\xBB\xBF# the catalog\n1=one\nno equals sign\n=no id\n12a=letters\n-1=negative\n65536=too big\n+5=plus\n1 2=two "
+        "numbers\n4=four\r\n";
+    for (const char* text : {"Gr\xF6\xDF"
+                             "e",
+                             "\xC0\x80", "\xE0\x80\x80", "\xF0\x80\x80\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "ab\xE2\x82",
+                             "\x80"
+                             "a",
+                             "\xF5\x80\x80\x80"})
         content += std::string("3=") + text + "\n";
     std::string error;
     const auto catalog = TextCatalog::parse(content, &error);
@@ -65,8 +94,10 @@ TEST(TextCatalog, ListsEachMalformedLineAndKeepsTheRest) {
     std::vector<std::size_t> lines;
     for (const auto& warning : catalog->warnings()) lines.push_back(warning.line);
     ASSERT_EQ(lines, (std::vector<std::size_t>{3, 4, 5, 6, 7, 8, 9, 11, 12, 13, 14, 15, 16, 17, 18, 19}));
-    EXPECT_EQ(std::tuple(catalog->size(), catalog->lookup(1), catalog->lookup(3), catalog->lookup(4)), std::tuple(2u, "one", std::nullopt, "four"));
-    for (const auto& [index, part] : {std::pair(0, "'='"), {2, "\"12a\""}, {7, "UTF-8"}}) EXPECT_NE(catalog->warnings()[index].message.find(part), std::string::npos) << part;
+    EXPECT_EQ(std::tuple(catalog->size(), catalog->lookup(1), catalog->lookup(3), catalog->lookup(4)),
+              std::tuple(2u, "one", std::nullopt, "four"));
+    for (const auto& [index, part] : {std::pair(0, "'='"), {2, "\"12a\""}, {7, "UTF-8"}})
+        EXPECT_NE(catalog->warnings()[index].message.find(part), std::string::npos) << part;
 }
 
 int32_t openOrFail(CatalogRegistry& registry, const std::filesystem::path& path) {
@@ -88,7 +119,8 @@ TEST(CatalogRegistry, TellsTheKindByContentNotByNameUpToTheSizeLimit) {
     const auto* big = dynamic_cast<const PeStringTable*>(registry.find(openOrFail(registry, dir / "big.dll")));
     ASSERT_TRUE(dll && text && big);
     ASSERT_EQ(text->warnings().size(), 1u);  // a host can show what was skipped
-    EXPECT_EQ(std::tuple(registry.size(), dll->lookup(32), text->lookup(0), big->lookup(0), text->warnings()[0].line), std::tuple(3u, "English", "From a text catalog", "Zero", 2u));
+    EXPECT_EQ(std::tuple(registry.size(), dll->lookup(32), text->lookup(0), big->lookup(0), text->warnings()[0].line),
+              std::tuple(3u, "English", "From a text catalog", "Zero", 2u));
 }
 
 TEST(CatalogRegistry, GivesEachLibraryAHandleNeverGivenBefore) {
@@ -97,7 +129,8 @@ TEST(CatalogRegistry, GivesEachLibraryAHandleNeverGivenBefore) {
     const int32_t first = openOrFail(registry, Lang / "standard.txt");
     ASSERT_NE(registry.find(first), nullptr);
     EXPECT_EQ(registry.find(first)->lookup(3105), "Only in the standard library");
-    for (const int32_t unknown : {0, -1, first + 1, first - 1, -first, INT32_MAX, INT32_MIN}) EXPECT_EQ(registry.find(unknown), nullptr) << unknown;
+    for (const int32_t unknown : {0, -1, first + 1, first - 1, -first, INT32_MAX, INT32_MIN})
+        EXPECT_EQ(registry.find(unknown), nullptr) << unknown;
     EXPECT_EQ(std::tuple(other.find(first), other.close(first)), std::tuple(nullptr, false));  // registries share nothing
     EXPECT_FALSE(registry.close(0));
     EXPECT_TRUE(registry.close(first));
@@ -119,13 +152,17 @@ TEST(CatalogRegistry, RefusesWhatIsNoLibraryNorUtf8TextWithAMessageNamingTheFile
     writeBytes(dir / "be.txt", std::string("\xFE\xFF\0" "1\0=\0a", 8));
     writeBytes(dir / "huge.txt", "1=one\n");
     std::filesystem::resize_file(dir / "huge.txt", CatalogRegistry::MaxFileSize + 1);  // sparse, quick to make
-    const std::pair<std::filesystem::path, const char*> cases[] = {
-        {dir / "absent.dll", "no such file"}, {dir.path(), "a folder"}, {dir / "huge.txt", "larger than 64 MiB"}, {dir / "cut.dll", "truncated"}, {dir / "x.png", "NUL"},
-        {dir / "le.txt", "UTF-16"}, {dir / "be.txt", "UTF-16"}};
+    const std::pair<std::filesystem::path, const char*> cases[] = {{dir / "absent.dll", "no such file"},
+                                                                   {dir.path(), "a folder"},
+                                                                   {dir / "huge.txt", "larger than 64 MiB"},
+                                                                   {dir / "cut.dll", "truncated"}, {dir / "x.png", "NUL"},
+                                                                   {dir / "le.txt", "UTF-16"},
+                                                                   {dir / "be.txt", "UTF-16"}};
     CatalogRegistry registry;
     for (const auto& [path, reason] : cases) {
         std::string error;
-        EXPECT_EQ(std::tuple(registry.open(path, &error), registry.open(path)), std::tuple(0, 0)) << path;  // the error text is optional
+        EXPECT_EQ(std::tuple(registry.open(path, &error), registry.open(path)), std::tuple(0, 0))
+            << path;  // the error text is optional
         EXPECT_TRUE(error.find(path.string()) != std::string::npos && error.find(reason) != std::string::npos) << error;
     }
     EXPECT_EQ(registry.size(), 0u);
@@ -143,7 +180,9 @@ TEST(Translator, WithoutLibrariesGivesTheDefaultOrTheMarker) {
     unknownHandles.setCustomLanguageDLL(-9);
     EXPECT_EQ(std::tuple(unknownHandles.LanguageDLL(), unknownHandles.CustomLanguageDLL()), std::tuple(7, -9));
     for (const Translator* translator : {&noRegistry, &unknownHandles})
-        EXPECT_EQ(std::tuple(translator->text(3106), translator->text(3106, ""), translator->text(3106, "<Value>"), translator->text(0, " ")), std::tuple("*=*+*", "*=*+*", "<Value>", " "));
+        EXPECT_EQ(std::tuple(translator->text(3106), translator->text(3106, ""), translator->text(3106, "<Value>"),
+                             translator->text(0, " ")),
+                  std::tuple("*=*+*", "*=*+*", "<Value>", " "));
 }
 
 // The standard and custom library as DLLs (true) or as text catalogs (false).
@@ -182,7 +221,8 @@ TEST_P(TranslatorFallback, SkipsALibraryThatIsNotOpen) {
     EXPECT_EQ(std::tuple(translator.text(3104), translator.text(3105)), std::tuple(CustomText, NotFound));
 }
 
-INSTANTIATE_TEST_SUITE_P(Libraries, TranslatorFallback, ::testing::Bool(), [](const auto& p) { return std::string(p.param ? "Dlls" : "TextCatalogs"); });
+INSTANTIATE_TEST_SUITE_P(Libraries, TranslatorFallback, ::testing::Bool(),
+                         [](const auto& p) { return std::string(p.param ? "Dlls" : "TextCatalogs"); });
 
 TEST(UpperCase, CapitalisesTheLettersOfTheWesternCodePage) {
     // The last row has no single capital (ß) or is no letter of the code page.

@@ -1,0 +1,78 @@
+// Every window the operator meets, in each of its states: the named controls that show lie
+// inside the window and none covers another, so each can be read and clicked.
+#include "DialogFixture.h"
+#include "control/AboutBox.h"
+#include "control/IClass.h"
+#include "dialogs/frmProperties.h"
+#include "editor/frmEditiClass.h"
+#include "items/frmDBUpdate.h"
+#include "items/frmMultiTrack.h"
+#include "preview/frmPreview.h"
+#include "preview/PrintServices.h"
+
+namespace kestrin::test {
+namespace {
+
+// The named controls of a shown window that collide: outside it, or over one another (a
+// control inside a named frame or page is not over it; a bare strip, such as the grab zone
+// between the control's grids, is no control).
+std::vector<std::string> collisions(QWidget& window) {
+    QApplication::processEvents();
+    std::vector<QWidget*> shown;
+    for (QWidget* w : window.findChildren<QWidget*>())
+        if (!w->objectName().isEmpty() && !w->objectName().startsWith("qt_") && w->isVisible() &&
+            w->metaObject() != &QWidget::staticMetaObject)
+            shown.push_back(w);
+    const auto place = [](const QWidget* w) { return QRect(w->mapToGlobal(QPoint(0, 0)), w->size()); };
+    std::vector<std::string> found;
+    for (QWidget* w : shown) {
+        if (!place(&window).contains(place(w))) found.push_back(w->objectName().toStdString() + " outside");
+        for (QWidget* other : shown)
+            if (w < other && !w->isAncestorOf(other) && !other->isAncestorOf(w) && place(w).intersects(place(other)))
+                found.push_back(w->objectName().toStdString() + " over " + other->objectName().toStdString());
+    }
+    return found;
+}
+
+TEST(Geometry, NoNamedControlLeavesItsWindowOrCoversAnother) {
+    const auto check = [](QWidget& window, const std::string& state) {
+        EXPECT_EQ(collisions(window), std::vector<std::string>{}) << window.objectName().toStdString() << " " << state;
+    };
+    for (int32_t mode : {kModeField, kModeBitField, kModeFunction, kModeBitFunction}) {
+        DialogFixture d;
+        d.open<frmEditiClass>(mode);
+        for (int function = 0; function < 4; ++function) {
+            if (QAbstractButton* option = d.root->findChild<QAbstractButton*>(QStringLiteral("optFunction(%1)").arg(function)))
+                option->click();
+            check(*d.root, "mode " + std::to_string(mode) + " function " + std::to_string(function));
+        }
+    }
+    DialogFixture d;
+    d.open<frmDBUpdate>(-1);
+    for (int function = 0; function < 3; ++function) {
+        d.click(QStringLiteral("optFunction(%1)").arg(function));
+        check(*d.root, "function " + std::to_string(function));
+    }
+    d.open<frmMultiTrack>(-1);
+    check(*d.root, "");
+    d.open<frmProperties>();
+    for (int tab = 0; tab < 2; ++tab) {
+        d.child<QTabWidget>("tabIClass")->setCurrentIndex(tab);
+        check(*d.root, "tab " + std::to_string(tab));
+    }
+    AboutBox about;
+    about.show();
+    check(about, "");
+    frmPreview preview(*d.doc.card(), d.records(), d.doc.translator(), "card.iif", PrintServices{});
+    preview.show();
+    check(preview, "");
+    IClass control;
+    control.resize(800, 600);
+    control.show();
+    check(control, "design");
+    control.NewLayout(false);
+    check(control, "layout");
+}
+
+}  // namespace
+}  // namespace kestrin::test
