@@ -1,17 +1,15 @@
-// The item records: kind words, finding and removing by what a grid row shows, the record
-// limit, grid rows and the editor's record, database update summaries, colours, preview views,
+// The item records: finding and removing by what a grid row shows, the record limit, grid rows
+// and the editor's record, database update summaries, preview views,
 // and the memory map of a page as the preview, the item editor and the multi-track dialog show
 // it: fixed areas, block numbers, free bytes and boundary greys, items clipped to the grid, merges.
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <set>
 
 #include "card/CIClass.h"
 #include "items/BitMap.h"
 #include "items/GridRows.h"
 #include "items/ItemSpan.h"
-#include "items/ItemColor.h"
 #include "items/PageMap.h"
 #include "items/PreviewViews.h"
 #include "items/RecordArray.h"
@@ -23,26 +21,7 @@ namespace {
 
 const Translator tr;
 
-
 ItemRecord with(ItemRecord r, const std::function<void(ItemRecord&)>& change) { return change(r), r; }
-
-ItemRecord flags(bool fn, bool bit, bool simple, bool bitFn, bool binary) {
-    ItemRecord r;
-    r.isFunction = fn, r.isBit = bit, r.isSimpleBitFunction = simple, r.isBitFunction = bitFn, r.isBinary = binary;
-    return r;
-}
-
-TEST(RecordArray, KindWordsFollowTheFlagsInOrder) {
-    const std::tuple<ItemRecord, std::string, int> cases[] = {
-        {flags(false, false, false, false, false), "Field", 0}, {flags(true, false, false, false, false), "Function", 1},
-        {flags(false, true, false, false, false), "Bit Field", 2}, {flags(false, false, false, true, false), "Bit Function", 3},
-        {flags(true, false, true, false, false), "Bit Function (Simple)", 1},
-        {flags(true, true, true, true, true), "Binary Field", -1},
-        {flags(false, false, true, true, false), "Bit Function (Simple)", 1},
-        {flags(true, true, false, false, false), "Function", 1}};
-    for (const auto& [record, kind, code] : cases)
-        EXPECT_EQ(std::tuple(kindWord(record), kindCode(kind)), std::tuple(kind, code)) << kind;
-}
 
 TEST(RecordArray, FindingNeedsEveryShownValueRemovingMovesTheLastRecordIntoTheGap) {
     RecordArray a = recordsOf({field("A", 0, 19, 0, 2), bitField("F", 0, 20, 1, 3, 4), field("C", 0, 21, 0, 1)});
@@ -109,21 +88,6 @@ TEST(GridRows, EachKindShowsItsCellsAndReadsBackAsTheEditorsRecord) {
                                                     {"CardSnNr", "0", "", "<Decimal>"}, {"CardSnNr", "", "", "<Decimal>"},
                                                     {"CardSnNr", "1", "", "<Hexadecimal>"}})
         EXPECT_EQ(dbUpdateSummary(function, p1, p2, tr), summary) << function << " " << p1;
-}
-
-TEST(ItemColor, EveryChannelIsLightAndTheColoursVary) {
-    std::mt19937 rng(7);
-    std::set<int32_t> seen;
-    int lowest = 255, highest = 0;
-    for (int i = 0; i < 2000; ++i) {
-        const int32_t color = randomItemColor(rng);
-        EXPECT_EQ(color & ~0xFFFFFF, 0);
-        for (int shift : {0, 8, 16})
-            lowest = std::min(lowest, (color >> shift) & 0xFF), highest = std::max(highest, (color >> shift) & 0xFF);
-        seen.insert(color);
-    }
-    EXPECT_EQ(std::tuple(lowest, highest), std::tuple(127, 227));
-    EXPECT_GT(seen.size(), 1900u);
 }
 
 // parts: each grid page's VirtualPage

@@ -137,20 +137,6 @@ TEST(LayoutFiles, WhatASaveTellsBesideTheLayout) {
     EXPECT_EQ(out.bigItemNumbers, std::vector<int16_t>{3});
 }
 
-TEST(LayoutReader, NoNameAndMissingFilesRaise) {
-    TempDir dir;
-    Opened o;
-    for (const auto& [file, description] : {std::pair{fs::path(), "No filename given."},
-                                           std::pair{dir / "none.IIF", "File doesn't exist"}}) {
-        try {
-            readLayout(file, o.card, o.records, o.prompter);
-            ADD_FAILURE() << description;
-        } catch (const KestrinError& e) {
-            EXPECT_EQ(std::tuple(e.source(), e.description()), std::tuple("iClass UserControl", description));
-        }
-    }
-}
-
 // A file of a later version is opened only when the operator agrees; on No nothing is applied.
 TEST(LayoutReader, LaterVersionsAskFirst) {
     const struct { const char* version; bool asks; } cases[] = {  // version nullptr: no Version key
