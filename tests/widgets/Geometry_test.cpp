@@ -41,10 +41,17 @@ TEST(Geometry, NoNamedControlLeavesItsWindowOrCoversAnother) {
     for (int32_t mode : {kModeField, kModeBitField, kModeFunction, kModeBitFunction}) {
         DialogFixture d;
         d.open<frmEditiClass>(mode);
+        const auto option = [&](const char* name, int i) {
+            QAbstractButton* button = d.root->findChild<QAbstractButton*>(QStringLiteral("%1(%2)").arg(name).arg(i));
+            if (button && button->isVisible()) button->click();
+            return button && button->isVisible();
+        };
         for (int function = 0; function < 4; ++function) {
-            if (QAbstractButton* option = d.root->findChild<QAbstractButton*>(QStringLiteral("optFunction(%1)").arg(function)))
-                option->click();
-            check(*d.root, "mode " + std::to_string(mode) + " function " + std::to_string(function));
+            option("optFunction", function);
+            for (int property = 0; property < 4; ++property)  // each representation the function offers
+                if (option("optProperty", property) || property == 0)
+                    check(*d.root, "mode " + std::to_string(mode) + " function " + std::to_string(function) + " option " +
+                                       std::to_string(property));
         }
     }
     DialogFixture d;
