@@ -193,6 +193,7 @@ struct RefusedCase {
 TEST(EditiClassFunctions, AValueOutOfRangeIsRefusedAndItsBoxKeepsTheFocus) {
     const RefusedCase cases[] = {
         {kModeFunction, "optFunction(1)", {{"txtCountStep", "256"}}, "txtCountStep", " 0 & 255!", false},
+        {kModeFunction, "optFunction(3)", {{"txtPolynom", "1000"}}, "txtPolynom", " 257 & 511!", false},
         {kModeBitFunction, "optFunction(3)", {{"txtNrBytes", "3"}, {"txtPolynom", "20"}, {"txtStartValue", "0"}},
          "txtPolynom", " 9 & 15!", true},
     };
