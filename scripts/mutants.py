@@ -13,8 +13,10 @@ the same mutants are drawn again after the tests are rewritten or unrelated code
 import argparse
 import dataclasses
 import hashlib
+import json
 import os
 import re
+import resource
 import signal
 import subprocess
 import sys
@@ -144,11 +146,19 @@ def short_id(m: Mutant, seed: int) -> str:
 
 # --- running them ------------------------------------------------------------------------
 
-def run(cmd, cwd=None, timeout=None, quiet=True):
+TEST_MEMORY = 4 << 30  # a mutant that allocates without end is stopped here, not by the machine
+
+
+def limit_memory():
+    resource.setrlimit(resource.RLIMIT_AS, (TEST_MEMORY, TEST_MEMORY))
+
+
+def run(cmd, cwd=None, timeout=None, quiet=True, capped=False):
     """Runs a command in its own process group; returns (exit code or None on timeout, seconds)."""
     start = time.monotonic()
     proc = subprocess.Popen(cmd, cwd=cwd, start_new_session=True, stdout=subprocess.DEVNULL if quiet else None,
-                            stderr=subprocess.DEVNULL if quiet else None, env=dict(os.environ, QT_QPA_PLATFORM="offscreen"))
+                            stderr=subprocess.DEVNULL if quiet else None, env=dict(os.environ, QT_QPA_PLATFORM="offscreen"),
+                            preexec_fn=limit_memory if capped else None)
     try:
         code = proc.wait(timeout=timeout)
     except subprocess.TimeoutExpired:
@@ -161,9 +171,11 @@ def run(cmd, cwd=None, timeout=None, quiet=True):
 class Suite:
     """The build folder and the tests that can see a mutated file."""
 
-    def __init__(self, build: Path):
+    def __init__(self, build: Path, every_test=False):
         self.build = build
         self.limits = {}
+        self.every_test = every_test  # run every test and name those that fail, instead of stopping at the first
+        self.failed = []
 
     def configure(self):
         if (self.build / "build.ninja").exists():
@@ -198,16 +210,24 @@ class Suite:
     def run_tests(self, family, limit):
         """'killed', 'survived' or 'timeout'."""
         deadline = time.monotonic() + limit
+        self.failed = []
         for cmd in self.test_commands(family):
             left = deadline - time.monotonic()
             if left <= 0:
                 return "timeout"
-            code, _ = run(cmd, cwd=self.build, timeout=left)
+            report = self.build / ("failed.json" if cmd[0] != "ctest" else "failed.xml")
+            if self.every_test:
+                report.unlink(missing_ok=True)
+                cmd = [a for a in cmd if a not in ("--gtest_fail_fast", "--stop-on-failure")]
+                cmd += [f"--gtest_output=json:{report}"] if cmd[0] != "ctest" else ["--output-junit", str(report)]
+            code, _ = run(cmd, cwd=self.build, timeout=left, capped=True)
             if code is None:
                 return "timeout"
-            if code != 0:
+            if code != 0 and not self.every_test:
                 return "killed"
-        return "survived"
+            if code != 0:
+                self.failed += failed_tests(report) or [Path(cmd[0]).name]
+        return "killed" if self.failed else "survived"
 
     def calibrate(self, families, factor):
         for family in families:
@@ -219,6 +239,17 @@ class Suite:
             took = time.monotonic() - start
             self.limits[family] = max(20.0, took * factor)
             print(f"unmutated {family} tests: {took:.1f} s, limit {self.limits[family]:.0f} s", flush=True)
+
+
+def failed_tests(report: Path):
+    """The tests a gtest JSON or ctest JUnit report names as failed; [] when it is missing (a crash)."""
+    try:
+        if report.suffix == ".json":
+            suites = json.loads(report.read_text())["testsuites"]
+            return [f"{s['name']}.{t['name']}" for s in suites for t in s["testsuite"] if t.get("failures")]
+        return re.findall(r'<testcase name="([^"]+)"[^>]*status="fail"', report.read_text())
+    except (OSError, ValueError, KeyError):
+        return []
 
 
 def apply_and_test(suite: Suite, m: Mutant) -> str:
@@ -250,6 +281,9 @@ def main():
     parser.add_argument("--only", help="run only the mutant of this id (as --list prints it)")
     parser.add_argument("--build", default=str(ROOT / "build/mutants"), help="build folder (build/mutants)")
     parser.add_argument("--factor", type=float, default=3.0, help="time limit as a multiple of the clean run (3)")
+    parser.add_argument("--which-tests", action="store_true",
+                        help="run every test of each mutant and list those that kill it (slower; shows which tests "
+                             "are the only ones to catch a fault)")
     args = parser.parse_args()
 
     chosen = sample(args.count, args.seed)
@@ -264,7 +298,7 @@ def main():
         return
 
     build = Path(args.build)
-    suite = Suite(build)
+    suite = Suite(build, args.which_tests)
     suite.configure()
     suite.calibrate(sorted({suite.family(m.path) for m in chosen}), args.factor)
 
@@ -272,19 +306,19 @@ def main():
     outcomes = []
     for n, m in enumerate(chosen, 1):
         outcome = apply_and_test(suite, m)
-        outcomes.append((m, outcome))
+        outcomes.append((m, outcome, " ".join(suite.failed)))
         print(f"[{n}/{len(chosen)}] {outcome:12} {short_id(m, args.seed)} {m.path}:{m.line_no} {m.kind}", flush=True)
     for family in sorted({suite.family(m.path) for m in chosen}):
         suite.build_family(family)  # leave the build matching the sources
 
-    count = {k: sum(1 for _, o in outcomes if o == k) for k in ("killed", "timeout", "survived", "not compiled", "stale")}
+    count = {k: sum(1 for _, o, _ in outcomes if o == k) for k in ("killed", "timeout", "survived", "not compiled", "stale")}
     compiled = count["killed"] + count["timeout"] + count["survived"]
     score = 100.0 * (count["killed"] + count["timeout"]) / compiled if compiled else 0.0
     report = [f"mutants: {len(chosen)} (seed {args.seed}), run in {(time.monotonic() - started) / 60:.0f} min",
               f"killed {count['killed']}, timed out {count['timeout']}, survived {count['survived']}, "
               f"not compiled {count['not compiled']}" + (f", stale {count['stale']}" if count["stale"] else ""),
               f"score {score:.1f} % (killed and timed out of those compiled)", "", "survivors:"]
-    for m, outcome in outcomes:
+    for m, outcome, _ in outcomes:
         if outcome == "survived":
             report += [f"{short_id(m, args.seed)}  {m.path}:{m.line_no}  {m.kind}",
                        f"    - {m.original.strip()}", f"    + {m.mutated.strip()}"]
@@ -293,10 +327,10 @@ def main():
     build.mkdir(parents=True, exist_ok=True)
     (build / "report.txt").write_text(text)
     with open(build / "results.tsv", "w") as out:
-        out.write("id\tfile\tline\tkind\toutcome\toriginal\tmutated\n")
-        for m, outcome in outcomes:
+        out.write("id\tfile\tline\tkind\toutcome\toriginal\tmutated\tkilled by\n")
+        for m, outcome, killers in outcomes:
             out.write(f"{short_id(m, args.seed)}\t{m.path}\t{m.line_no}\t{m.kind}\t{outcome}\t"
-                      f"{m.original.strip()}\t{m.mutated.strip()}\n")
+                      f"{m.original.strip()}\t{m.mutated.strip()}\t{killers}\n")
 
 
 if __name__ == "__main__":
