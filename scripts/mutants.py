@@ -278,7 +278,7 @@ def main():
     parser.add_argument("--count", type=int, default=200, help="mutants in the sample (200)")
     parser.add_argument("--seed", type=int, default=1, help="the sample's seed (1)")
     parser.add_argument("--list", action="store_true", help="print the sample and stop")
-    parser.add_argument("--only", help="run only the mutant of this id (as --list prints it)")
+    parser.add_argument("--only", help="run only the mutants of these ids, separated by commas (as --list prints them)")
     parser.add_argument("--build", default=str(ROOT / "build/mutants"), help="build folder (build/mutants)")
     parser.add_argument("--factor", type=float, default=3.0, help="time limit as a multiple of the clean run (3)")
     parser.add_argument("--which-tests", action="store_true",
@@ -288,9 +288,10 @@ def main():
 
     chosen = sample(args.count, args.seed)
     if args.only:
-        chosen = [m for m in chosen if short_id(m, args.seed) == args.only]
-        if not chosen:
-            sys.exit(f"mutants: no mutant {args.only} in the sample")
+        wanted = set(args.only.split(","))
+        chosen = [m for m in chosen if short_id(m, args.seed) in wanted]
+        if len(chosen) != len(wanted):
+            sys.exit(f"mutants: not every one of {args.only} is in the sample")
     if args.list:
         for m in chosen:
             print(f"{short_id(m, args.seed)}  {m.path}:{m.line_no}  {m.kind}\n    - {m.original.strip()}\n"

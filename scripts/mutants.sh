@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Mutation testing of src/core and src/widgets: a fixed, seeded sample of mutants, each
 # built and tested in build/mutants; prints killed, survived, timed out and not compiled,
-# and the survivors. Options: --count N (200), --seed S (1), --list, --only ID, --factor F,
+# and the survivors. Options: --count N (200), --seed S (1), --list, --only ID[,ID...], --factor F,
 # --which-tests (run every test of each mutant and name those that kill it).
 set -euo pipefail
 cd "$(dirname "$0")/.."
