@@ -1,5 +1,5 @@
-// The card model: the pages each chip builds, the HID switch, application boundaries (their
-// accepted range, the eight-part text and its errors) and the page collection.
+// The card model: the pages each chip builds, the HID switch, application boundaries (the
+// eight-part text and its errors) and the page collection.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -67,22 +67,6 @@ TEST(CIClass, BuildsPagesWithTheirFixedAreasTheHidSwitchMovesOnlyTheFirstPagesFr
     card.setUseHIDSection(false);
     card.setChipSize(iBigOnePage);  // a new chip switches it back on
     EXPECT_EQ(std::tuple(card.UseHIDSection(), card.Pages().Item("0").BeginFreeSpace), std::tuple(true, 19));
-}
-
-TEST(CIClass, SetBoundaryAcceptsPagesOneToSevenAndBlocksSixTo32) {
-    for (const auto& [page, boundary, changes] : {std::tuple(3, 32, true),
-                                                  {3, 6, true}, {3, 33, false}, {3, 5, false}, {0, 10, false}, {1, 20, true},
-                                                  {7, 20, true}, {8, 20, false},
-                                                  {-1, 20, false}}) {
-        CIClass card = chip(iBigEightPages);
-        card.SetBoundary(page, boundary);
-        std::vector<int32_t> want = kDefault;
-        if (changes) want[static_cast<size_t>(page)] = boundary;
-        EXPECT_EQ(boundaries(card), want) << page << ", " << boundary;
-    }
-    CIClass onePage = chip(iBigOnePage);
-    onePage.SetBoundary(1, 20);  // a one-page card has no boundary to set
-    EXPECT_EQ(onePage.Pages().Item(1).Boundary, 0);
 }
 
 // Eight parts set every page, the first included, without SetBoundary's range check; other

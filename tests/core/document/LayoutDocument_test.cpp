@@ -192,7 +192,7 @@ TEST(LayoutDocument, NewOpensACardWithTheHidAreaInUseAndSavesIt) {
                          file.getInt("CARDDESIGN", "Pages", -1)), std::tuple(1, 0, 8));
 }
 
-TEST(LayoutDocument, OpenTakesTheFilesSwitchesOrChangesNothingAndTheAuditNamesWhatItDropped) {
+TEST(LayoutDocument, OpenTakesTheFileAndItsSwitchesAndTheAuditNamesWhatItDropped) {
     Doc d;
     d.doc.setLayout(CIClass(), {});
     for (const auto& [name, description] : {std::pair<std::string, std::string>{"", "No filename given."},
@@ -204,13 +204,7 @@ TEST(LayoutDocument, OpenTakesTheFilesSwitchesOrChangesNothingAndTheAuditNamesWh
             EXPECT_EQ(e.source() + ": " + e.description(), "iClass UserControl: " + description);
         }
     }
-    writeBytes(d.dir / "Later.IIF", crlf({"[GENERAL]", "Version=9.0.0", "[CARDDESIGN]", "Size=16K", "Pages=8"}));
-    d.prompter.answerNext(Answer::No);
     d.changes.clear();
-    EXPECT_FALSE(d.doc.open(d.dir / "Later.IIF").opened);
-    EXPECT_EQ(d.doc.card()->ChipSize(), iSmallOnePage);
-    EXPECT_TRUE(d.changes.empty() && d.doc.layoutFile().empty());
-
     writeBytes(d.dir / "Hid.IIF", crlf({"[GENERAL]", "Version=6.1.4", "[CARDDESIGN]", "Size=2K", "Pages=1", "UseBit=1",
                                         "UseHID=0", "[ENCODE]", "NAME(1)=0,6,0,4,0"}));
     ASSERT_TRUE(d.doc.open(d.dir / "Hid.IIF").opened);
@@ -236,21 +230,6 @@ TEST(LayoutDocument, OpenTakesTheFilesSwitchesOrChangesNothingAndTheAuditNamesWh
     ASSERT_TRUE(d.doc.open(d.dir / "Past.IIF").opened);
     d.doc.newLayout();
     EXPECT_EQ(audit(), "");
-}
-
-TEST(LayoutDocument, SaveAsAddsTheLayoutExtensionAndSaysSo) {
-    for (const auto& [chosen, stored] : {std::pair<std::string, std::string>{"Card", "Card.IIF"}, {"Card.iif", "Card.iif"},
-                                         {"Card.IIF.txt", "Card.IIF.txt.IIF"}}) {
-        Doc d;
-        d.doc.newLayout();
-        EXPECT_TRUE(d.doc.saveAs(d.dir / chosen)) << chosen;
-        EXPECT_TRUE(d.doc.layoutFile() == d.dir / stored && std::filesystem::exists(d.dir / stored)) << stored;
-        EXPECT_EQ(d.told(), chosen == stored ? std::vector<std::string>{} : std::vector<std::string>{"T3123"});
-        EXPECT_TRUE(d.prompter.messages.empty() || d.prompter.messages[0].icon == Icon::Information);
-    }
-    Doc closed;  // no layout entered: the name is taken, nothing is written
-    EXPECT_FALSE(closed.doc.saveAs(closed.dir / "Nothing.IIF"));
-    EXPECT_FALSE(std::filesystem::exists(closed.dir / "Nothing.IIF"));
 }
 
 // Close asks whether to close and, with unsaved changes, whether to save first. Yes saves to

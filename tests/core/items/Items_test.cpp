@@ -1,7 +1,6 @@
-// The item records: finding and removing by what a grid row shows, the record limit, grid rows
-// and the editor's record, database update summaries, preview views,
-// and the memory map of a page as the preview, the item editor and the multi-track dialog show
-// it: fixed areas, block numbers, free bytes and boundary greys, items clipped to the grid, merges.
+// The item records: the record limit, grid rows and the editor's record, database update
+// summaries, preview views, and the memory map of a page as the preview, the item editor and the
+// multi-track dialog show it: fixed areas, block numbers, free bytes and boundary greys, merges.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -22,30 +21,6 @@ namespace {
 const Translator tr;
 
 ItemRecord with(ItemRecord r, const std::function<void(ItemRecord&)>& change) { return change(r), r; }
-
-TEST(RecordArray, FindingNeedsEveryShownValueRemovingMovesTheLastRecordIntoTheGap) {
-    RecordArray a = recordsOf({field("A", 0, 19, 0, 2), bitField("F", 0, 20, 1, 3, 4), field("C", 0, 21, 0, 1)});
-    EXPECT_EQ(a.findByPosition({0, 19, 0, 1, 0, 0}, "A", "Field"), RecordArray::kNone);      // size
-    EXPECT_EQ(a.findByPosition({0, 19, 0, 2, 0, 0}, "A", "Function"), RecordArray::kNone);   // kind
-    EXPECT_EQ(a.findByPosition({0, 19, 0, 2, 0, 0}, "a", "Field"), RecordArray::kNone);      // name
-    EXPECT_EQ(a.findByPosition({0, 20, 1, 4, 3, 4}, "F", "Bit Field"), 1);                  // bytes not shown
-    EXPECT_EQ(a.findByPosition({0, 20, 1, 0, 2, 4}, "F", "Bit Field"), RecordArray::kNone);  // begin bit
-    EXPECT_FALSE(a.removeByPosition({1, 19, 0, 2, 0, 0}, "A", "Field"));
-    EXPECT_TRUE(a.removeByPosition({0, 19, 0, 2, 0, 0}, "A", "Field"));
-    ASSERT_EQ(a.size(), 2);
-    EXPECT_EQ(std::tuple(a[0].name, a[1].name), std::tuple("C", "F"));
-    EXPECT_TRUE(a.removeByPosition({0, 20, 1, 4, 3, 4}, "F", "Bit Field"));
-    EXPECT_TRUE(a.removeByPosition({0, 21, 0, 1, 0, 0}, "C", "Field"));
-    EXPECT_EQ(a.highestIndex(), -1);
-    // The first match is found; grid rows map to record indexes.
-    a = recordsOf({dbUpdate("X", "Constant", "1"), field("A", 0, 19, 0, 1), field("A", 0, 19, 0, 1, 0, 5),
-                   dbUpdate("Y", "Count", "1", "1")});
-    EXPECT_EQ(a.findByPosition({0, 19, 0, 1, 0, 0}, "A", "Field"), 1);
-    EXPECT_EQ(std::tuple(a.indexOfItemRow(1), a.indexOfItemRow(2), a.indexOfItemRow(3), a.indexOfDbUpdateRow(2)),
-              std::tuple(1, 2, -1, 3));
-    a.removeAt(0);
-    EXPECT_EQ(a[0].dbFieldName, "Y");
-}
 
 TEST(RecordArray, RefusesRecordsBeyondTheSixteenBitIndex) {
     RecordArray a;
@@ -187,32 +162,6 @@ INSTANTIATE_TEST_SUITE_P(Chips, PageAreas, ::testing::Values(
 
 ItemRecord item(const char* name, int page, int block, int byte, int bytes) {
     return field(name, page, block, byte, bytes, 0, kItem);
-}
-
-TEST(PageMap, PaintsExactlyTheBytesTouched) {
-    using Cells = std::vector<std::pair<int, int>>;  // (row, column) showing the item, in reading order
-    const std::tuple<const char*, IClassType, int, int, bool, ItemRecord, Cells> cases[] = {
-        {"BitsOverTwoBytes", iSmallOnePage, 0, 0, false, bitField("B", 0, 20, 3, 5, 6, kItem), {{21, 4}, {21, 5}}},
-        {"BitFunction", iSmallOnePage, 0, 0, false, bitFunction("Count", "1", 0, 22, 0, 0, 16, kItem), {{23, 1}, {23, 2}}},
-        {"ClippedAtByte255", iSmallOnePage, 0, 0, false, item("F", 0, 31, 4, 10), {{32, 5}, {32, 6}, {32, 7}, {32, 8}}},
-        {"OwnPage", iBigEightPages, 2, 0, false, item("F", 2, 10, 0, 2), {{11, 1}, {11, 2}}},
-        {"OtherPage", iBigEightPages, 3, 0, false, item("F", 2, 10, 0, 2), {}},
-        {"PartOffset", iBigOnePage, 0, 2, false, item("F", 0, 70, 6, 4), {{7, 7}, {7, 8}, {8, 1}, {8, 2}}},
-        {"AcrossPartsTail", iBigOnePage, 0, 1, false, item("F", 0, 31, 6, 4), {{1, 1}, {1, 2}}},
-        {"WholePageEnd", iBigOnePage, 0, 0, true, item("F", 0, 255, 7, 3), {{256, 8}}},
-        {"DatabaseUpdate", iSmallOnePage, 0, 0, false, with(item("F", 0, 20, 0, 2), [](auto& x) { x.isDbUpdate = true; }), {}},
-        {"NoLength", iSmallOnePage, 0, 0, false, item("F", 0, 20, 0, 0), {}}};
-    for (const auto& [name, chip, page, part, wholePage, record, cells] : cases) {
-        const MapGrid map = mapOf(chip, page, part, wholePage, recordsOf({record}));
-        Cells shown;
-        for (int row = 1; row < map.rows(); ++row)
-            for (int column = 1; column <= 8; ++column)
-                if (map.textAt(row, column) == record.name) {
-                    shown.emplace_back(row, column);
-                    EXPECT_EQ(map.at(row, column).background, kItem) << name;
-                }
-        EXPECT_EQ(shown, cells) << name;
-    }
 }
 
 // The item editor's bit map of a 2 kbit page (HID area on: blocks 19 to 31 free): block numbers

@@ -120,23 +120,6 @@ TEST(LayoutFiles, ABitChecksumsModeFollowsItsFlags) {
     }
 }
 
-// A database update of a field the project lacks is written with column 0 and a warning; the
-// host fields the items use are listed for the chip encode file with the big items' numbers.
-TEST(LayoutFiles, WhatASaveTellsBesideTheLayout) {
-    const RenderedLayout out = renderLayoutFile(
-        cardOf(iSmallOnePage),
-        arrayOf({with(field("Photo", 0, 19, 0, 64), [](ItemRecord& r) { r.isBinary = true, r.bigItemNumber = 3; }),
-                 field("Photo", 0, 27, 0, 1), bitField("Flag", 0, 28, 0, 0, 1), dbUpdate("UNKNOWN", "Constant", "7"),
-                 dbUpdate("LEVEL", "Count", "StartField", "12"), dbUpdate("LEVEL", "Constant", "1.5")}),
-        sampleFields());
-    EXPECT_NE(out.bytes.find(crlf({"[DATABASEUPDATE]", "1Field=0,Constant(7)", "2Field=9,Count(StartField.12.)"})),
-              std::string::npos);
-    ASSERT_EQ(out.warnings.size(), 1u);
-    EXPECT_NE(out.warnings[0].find("\"UNKNOWN\""), std::string::npos);
-    EXPECT_EQ(out.usedFieldList, "Photo(1)Photo(2)Flag(1)StartField()");
-    EXPECT_EQ(out.bigItemNumbers, std::vector<int16_t>{3});
-}
-
 // A file of a later version is opened only when the operator agrees; on No nothing is applied.
 TEST(LayoutReader, LaterVersionsAskFirst) {
     const struct { const char* version; bool asks; } cases[] = {  // version nullptr: no Version key

@@ -1,5 +1,5 @@
-// Saving a layout: the backup, refused saves, leftovers of earlier saves, the files' names,
-// the names and values a file can hold, and the operating system's file calls.
+// Saving a layout: the backup, refused saves, leftovers of earlier saves and the names and
+// values a file can hold.
 #include <gtest/gtest.h>
 
 #include "support/SavedFiles.h"
@@ -9,8 +9,6 @@ using namespace kestrin::test;
 namespace fs = std::filesystem;
 
 namespace {
-
-fs::path utf8Path(const std::string& text) { return fs::path(std::u8string(text.begin(), text.end())); }
 
 void makeReadOnly(const fs::path& file) {
     fs::permissions(file, fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
@@ -90,35 +88,6 @@ TEST_F(LayoutSaver, TheBackupIsTheLayoutBeforeAndLeftoversAreRemoved) {
     EXPECT_NE(previous, first);
 }
 
-// The chip encode file is the folder, the separator, the layout's name and ".CHP"; names the
-// code page cannot hold keep every character.
-TEST_F(LayoutSaver, FilesAreNamedAfterTheLayout) {
-    const struct { std::string layout, encodeFolder, chipEncode, backup; } cases[] = {
-#ifdef _WIN32
-        {"C:\\Cards\\Staff.IIF", "", "C:\\Cards\\Staff.CHP", "C:\\Cards\\Staff.IIF.BAK"},
-        {"C:/Cards/Staff.IIF", "", "C:/Cards\\Staff.CHP", "C:/Cards\\Staff.IIF.BAK"},
-        {"C:\\Cards\\Staff.IIF", "D:\\Encode", "D:\\Encode\\Staff.CHP", "C:\\Cards\\Staff.IIF.BAK"},
-        {"\\\\server\\share\\Staff.IIF", "", "\\\\server\\share\\Staff.CHP", "\\\\server\\share\\Staff.IIF.BAK"},
-        {"C:Staff.IIF", "", "C:Staff.CHP", "C:Staff.IIF.BAK"},
-#else
-        {"/cards/Staff.IIF", "", "/cards/Staff.CHP", "/cards/Staff.IIF.BAK"},
-        {"/cards/Staff.IIF", "/encode", "/encode/Staff.CHP", "/cards/Staff.IIF.BAK"},
-        {"C:\\Cards\\Staff.IIF", "", "C:\\Cards\\Staff.CHP", "C:\\Cards\\Staff.IIF.BAK"},  // one name on Linux
-#endif
-        {"Staff.IIF", "", "Staff.CHP", "Staff.IIF.BAK"}, {"Staff.v2.iif", "", "Staff.v2.CHP", "Staff.v2.IIF.BAK"},
-        {"Gr\xC3\xB6\xC3\x9F" "e \xE2\x82\xAC.IIF", "", "Gr\xC3\xB6\xC3\x9F" "e \xE2\x82\xAC.CHP",
-         "Gr\xC3\xB6\xC3\x9F" "e \xE2\x82\xAC.IIF.BAK"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(pathText(chipEncodePathFor(utf8Path(c.layout), utf8Path(c.encodeFolder))), c.chipEncode);
-        EXPECT_EQ(pathText(backupPathFor(utf8Path(c.layout))), c.backup);
-    }
-    const std::string greek = "\xCE\x9A\xCE\xAC\xCF\x81\xCF\x84\xCE\xB1 \xE2\x82\xAC";
-    layout = dir.path() / utf8Path(greek + ".IIF");
-    ASSERT_TRUE(save().saved && save().saved);
-    EXPECT_EQ(namesIn(dir.path()), (std::vector<std::string>{greek + ".CHP", greek + ".IIF", greek + ".IIF.BAK"}));
-}
-
 // A name or value the file cannot hold as it is refuses the whole save, naming it; what it
 // can hold (quotes, brackets inside, Windows-1252 letters, control characters) reads back.
 TEST_F(LayoutSaver, ItemsAreSavedOnlyWhenTheyReadBackTheSame) {
@@ -161,37 +130,6 @@ TEST_F(LayoutSaver, ItemsAreSavedOnlyWhenTheyReadBackTheSame) {
             EXPECT_EQ(read->records[1], c.item);
         }
     }
-}
-
-// The operating system's file system tells a missing file (also below a missing folder or a
-// file) from one that cannot be looked at, and its copy never overwrites.
-TEST(SystemFileSystem, StatusAndCopy) {
-    TempDir dir;
-    writeBytes(dir / "file", "x");
-    writeBytes(dir / "readonly", "x");
-    makeReadOnly(dir / "readonly");
-    const struct { std::string path; bool error, exists, readOnly; } cases[] = {
-        {"file", false, true, false}, {"readonly", false, true, true}, {"missing", false, false, false},
-        {"missing/file", false, false, false}, {"file/inner", false, false, false},
-#ifdef _WIN32
-        {"bad<name", true, false, false},  // Wine reports an overlong name as missing
-#else
-        {std::string(300, 'n'), true, false, false},
-#endif
-    };
-    FileSystem& files = systemFileSystem();
-    for (const auto& c : cases) {
-        FileStatus s{true, true};
-        const bool error = static_cast<bool>(files.status(dir / c.path, s));
-        EXPECT_EQ(std::tuple(error, s.exists, s.readOnly), std::tuple(c.error, c.exists, c.readOnly)) << c.path;
-    }
-    writeBytes(dir / "source", std::string(200000, 'c'));
-    EXPECT_FALSE(files.copy(dir / "source", dir / "copy"));
-    EXPECT_EQ(readBytes(dir / "copy"), std::string(200000, 'c'));
-    EXPECT_EQ(files.copy(dir / "source", dir / "file"), std::errc::file_exists);
-    EXPECT_EQ(readBytes(dir / "file"), "x");
-    EXPECT_EQ(files.copy(dir / "missing", dir / "other"), std::errc::no_such_file_or_directory);
-    EXPECT_FALSE(fs::exists(dir / "other"));
 }
 
 }  // namespace

@@ -77,26 +77,6 @@ TEST(ProfileDocument, IntegersParseAsTheProfileFunctionsDo) {
         EXPECT_EQ(ProfileDocument::parse("[s]\r\nk="s + c.value + "\r\n").getInt("s", "k", 777), c.expected) << c.value;
 }
 
-// A sequence of writes gives the bytes the profile functions leave in a new file.
-TEST(ProfileWriter, WritesTheBytesOfTheProfileFunctions) {
-    const struct { std::vector<std::array<const char*, 3>> writes; std::string bytes; } cases[] = {
-        {{{"App1", "key1", "string1"}, {"App1", "key2", "string2"}, {"App2", "key4", "string4"},
-          {"App1", "key3", "string3"}, {"App3", "key5", "string5"}},
-         "[App1]\r\nkey1=string1\r\nkey2=string2\r\nkey3=string3\r\n[App2]\r\nkey4=string4\r\n[App3]\r\nkey5=string5\r\n"},
-        {{{"S", "a", "1"}, {"S", "b", "2"}, {"s", "A", "3"}, {" S ", " b\t", "4"}}, "[S]\r\na=3\r\nb=4\r\n"},
-        {{{"s", "k1", ""}, {"s", "k2", "  lead"}, {"s", "k3", "trail \t"}, {"s", "k4", "two\r\nlines"},
-          {"s", "k5", "a=b"}, {"s", "k6", "caf\xc3\xa9 \xe2\x82\xac"}, {"s", "k7", "\xe4\xb8\xad"}},
-         "[s]\r\nk1=\r\nk2=lead\r\nk3=trail\r\nk4=two  lines\r\nk5=a=b\r\nk6=caf\xe9 \x80\r\nk7=?\r\n"},
-        {{{"Gr\xc3\xb6\xc3\x9f" "e", "\xc5\x92uvre", "v"}}, "[Gr\xf6\xdf" "e]\r\n\x8cuvre=v\r\n"},
-        {{{"", "k", "v"}, {"s", " ", "v"}}, ""},  // no nameless section or key
-    };
-    for (const auto& c : cases) {
-        ProfileWriter w;
-        for (const auto& [section, key, value] : c.writes) w.write(section, key, value);
-        EXPECT_EQ(std::tuple(w.bytes(), w.empty()), std::tuple(c.bytes, c.bytes.empty()));
-    }
-}
-
 // Every byte a value can hold (all but line ends and blanks at its ends) reads in and is
 // written out again unchanged, Windows-1252 bytes without a character included.
 TEST(ProfileWriter, EveryByteOfAValueRoundTrips) {

@@ -27,7 +27,7 @@ const Translator tr;
 
 const std::string kRange0To255 = "<Please enter a value between> 0 & 255!", kNotANumber = "<Please enter a number.>";
 
-TEST(NumberChecks, AcceptOnlyNumbersWithinTheBoundsOrEqualToTheValue) {
+TEST(NumberChecks, AcceptOnlyNumbersWithinTheBounds) {
     const std::pair<const char*, int32_t> cases[] = {
         {"0", 0}, {"255", 0}, {" 7 ", 0}, {"05", 0}, {"256", kTextOutOfRange}, {"-1", kTextOutOfRange}, {"", kTextOutOfRange},
         {"   ", kTextOutOfRange}, {"1234567890123456789012345678901234567890", kTextOutOfRange}, {"abc", kTextNotANumber},
@@ -36,20 +36,6 @@ TEST(NumberChecks, AcceptOnlyNumbersWithinTheBoundsOrEqualToTheValue) {
         const NumberCheck check = checkNumberInRange(0, 255, text, tr);
         EXPECT_EQ(std::tuple(check.ok, check.textId), std::tuple(id == 0, id)) << text;
         EXPECT_EQ(check.message, id == 0 ? "" : id == kTextOutOfRange ? kRange0To255 : kNotANumber) << text;
-    }
-    // Equals is true when the value is wrong.
-    const std::tuple<const char*, bool, std::string> equals[] = {{"8", false, ""},
-                                                                 {" 8", false, ""}, {"7", true, "<The value must be exactly> 8!"},
-                                                                 {"9", true, "<The value must be exactly> 8!"},
-                                                                 {"", true, "<The value must be exactly> 8!"},
-                                                                 {"x", true, kNotANumber}};
-    for (const auto& [text, wrong, message] : equals) {
-        RecordingPrompter prompter;
-        EXPECT_EQ(CheckNumberEquals(8, text, "", prompter, tr), wrong) << text;
-        ASSERT_EQ(prompter.messages.size(), wrong ? 1u : 0u) << text;
-        if (wrong) {
-            EXPECT_EQ(std::tuple(prompter.messages[0].text, prompter.messages[0].title), std::tuple(message, "Kestrin")) << text;
-        }
     }
     // A range check shows its message with the given title; the boundary boxes take 5 to 31 alike.
     RecordingPrompter prompter;
@@ -99,24 +85,6 @@ TEST(LayoutProperties, BoxOfPageNMinusOneIsComparedWithItemsOfPageNTheHidAreaWit
     EXPECT_TRUE(acceptLayoutProperties(checkLayoutProperties(allAt("16"), false, records, tr), prompter));
 }
 
-TEST(LayoutProperties, ControlsMapToChipTypesAndWriteBack) {
-    EXPECT_EQ(std::tuple(chipTypeOf(true, 1), chipTypeOf(false, 0), chipTypeOf(false, 1)),
-              std::tuple(iSmallOnePage, iBigOnePage, iBigEightPages));
-    EXPECT_EQ(std::tuple(boundaryTabEnabled(true, 1), boundaryTabEnabled(true, 0), boundaryTabEnabled(false, 1)),
-              std::tuple(true, false, false));
-    CIClass card;
-    BoundaryTexts boxes = allAt("18");
-    boxes[0] = "10", boxes[5] = "25";
-    EXPECT_TRUE(writeLayoutProperties(card, false, 1, true, false, boxes));
-    EXPECT_EQ(std::tuple(card.ChipSize(), card.EnableBitwise(), card.UseHIDSection()), std::tuple(iBigEightPages, true, false));
-    EXPECT_EQ(std::tuple(card.GetBoundary(0), card.GetBoundary(5), boundaryTextsOf(card)[5]), std::tuple(10, 25, "25"));
-    boxes[3] = "";
-    EXPECT_FALSE(writeLayoutProperties(card, false, 1, false, true, boxes));
-    EXPECT_EQ(card.GetBoundary(5), 18);  // rebuilt pages keep their defaults; one page takes no boundaries
-    EXPECT_TRUE(writeLayoutProperties(card, true, 0, false, true, boxes));
-    EXPECT_EQ(boundaryTextsOf(card), allAt("18"));
-}
-
 DbUpdateEntries entries(std::string function, std::string constant, std::string number, std::string step, bool hex = false,
                         std::string field = "NUMBER") {
     return {std::move(function), std::move(field), 4, std::move(constant), std::move(number), std::move(step), hex};
@@ -162,46 +130,7 @@ TEST(EditorEntries, DatabaseUpdateAndItemEntriesAreCheckedAndBecomeOneRecord) {
     }
 }
 
-
 const std::string k40Digits(40, '9');
-
-// An expected option button: id 0 means hidden.
-struct Shown { int32_t id; std::string_view caption; bool enabled; };
-constexpr Shown kNone{0, "", false};
-constexpr std::string_view kString121 = "<String (one-to-one)>", kMotorola = "<Motorola dec.(HiByte-LoByte)>",
-                           kBcd = "<Binary Coded Decimal (BCD)>";
-const std::array<Shown, 4> kNumber{
-    Shown{3167, kString121, true}, {3168, kMotorola, true}, {3169, "<Intel decimal (LoByte-HiByte)>", true}, {3203, kBcd, true}};
-const std::array<Shown, 4> kHidden{kNone, kNone, kNone, kNone};
-
-struct OptionsCase { std::string_view typeText; int32_t mode; std::array<Shown, 4> options; int selected; };
-
-class EncodingOptionsTable : public ::testing::TestWithParam<OptionsCase> {};
-
-TEST_P(EncodingOptionsTable, ShowsTheTypesOptionsForTheMode) {
-    const auto& c = GetParam();
-    const EncodingOptions got = encodingOptions(fieldTypeCode(c.typeText), c.mode);
-    EXPECT_EQ(got.selected, c.selected);
-    for (size_t i = 0; i < 4; ++i) {
-        const Shown& want = c.options[i];
-        EXPECT_EQ(got.options[i].visible, want.id != 0) << i;
-        if (want.id == 0) continue;
-        EXPECT_EQ(std::tuple(got.options[i].textId, got.options[i].defaultCaption, got.options[i].enabled),
-                  std::tuple(want.id, want.caption, want.enabled))
-            << i;
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    EncodingsByTypeAndMode, EncodingOptionsTable,
-    ::testing::Values(OptionsCase{"Character", 0, {Shown{3167, kString121, false}, kNone, kNone, kNone}, 0},
-                      OptionsCase{"Number", 0, kNumber, 0}, OptionsCase{"Numeric", 0, kNumber, 0},
-                      OptionsCase{
-                          "Date", 0, {Shown{3202, "<String>", true}, {3108, "<Decimal>", true}, {3203, kBcd, true}, kNone}, 0},
-                      OptionsCase{"Binary", 0, {Shown{3175, "<Encode 'as is>", false}, kNone, kNone, kNone}, 0},
-                      OptionsCase{"Date", 2, {Shown{3168, kMotorola, false}, kNone, kNone, kNone}, 0},
-                      OptionsCase{"Number", 1, kHidden, -1}, OptionsCase{"Date", 3, kHidden, -1},
-                      OptionsCase{"Memo", 0, kHidden, -1}));
 
 TEST(EncodingCodes, ListFormatsGiveTheStoredCodeAndReadBack) {
     // Type, option, format; the format list's size and selected first entry; the stored code.
