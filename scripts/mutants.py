@@ -191,7 +191,8 @@ class Suite:
 
     def targets(self, family):
         return {"core": ["kestrin-core-tests", "kestrin-cli-tests", "kestrin"],
-                "widgets": ["kestrin-widget-tests", "kestrin-host-tests", "kestrin-host"]}[family]
+                # the host's tour also runs the command-line tool
+                "widgets": ["kestrin-widget-tests", "kestrin-host-tests", "kestrin-host", "kestrin"]}[family]
 
     def test_commands(self, family):
         fail_fast = "--gtest_fail_fast"
