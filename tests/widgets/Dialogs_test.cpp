@@ -74,22 +74,6 @@ TEST(EditiClassFields, APlaceBeyondThePageIsRefusedAndOneOnItIsAppliedByOk) {
               std::make_pair(QString("NAME"), memoryMapColor(r.color)));
 }
 
-TEST(EditiClassFields, TheOverlapQuestionDecidesWhetherTheOldItemIsReplaced) {
-    for (const auto& [answer, remaining] : {std::pair{Answer::Ok, "NAME"}, std::pair{Answer::Cancel, "OLD"}}) {
-        Dialog ed({field("OLD", 0, 20, 0, 4)});
-        ed.prompter.answerNext(answer);
-        ed.editor(kModeField);
-        ed.clickField(0);
-        ed.place(20, 2, "4");
-        ed.click("cmdApply");
-        ASSERT_EQ(ed.prompter.messages.size(), 1u);
-        EXPECT_EQ(std::make_pair(ed.prompter.messages[0].question, ed.prompter.messages[0].buttons),
-                  std::make_pair(true, Buttons::OkCancel));
-        ASSERT_EQ(ed.records().size(), 1);
-        EXPECT_EQ(ed.records()[0].name, remaining);
-    }
-}
-
 TEST(EditiClassFields, EditingPresetsTheControlsAndReplacesTheItemOrPutsItBackWhenRefused) {
     ItemRecord old = field("NUMBER", 0, 20, 1, 6, 4, 0x00A0B0C0);
     old.fieldType = kFieldTypeNumber;
@@ -111,25 +95,6 @@ TEST(EditiClassFields, EditingPresetsTheControlsAndReplacesTheItemOrPutsItBackWh
     ItemRecord moved = old;  // colour and encoding kept
     moved.block = 21;
     EXPECT_EQ(ed.records().records(), (std::vector<ItemRecord>{field("OTHER", 0, 25, 0, 2), moved}));
-}
-
-TEST(EditiClassBitFields, ABitFieldIsABinaryNumberAtItsBitAndTheBitMapShowsIt) {
-    Dialog ed;
-    ed.editor(kModeBitField);
-    EXPECT_TRUE(ed.child<QRadioButton>("optEncode(0)")->isChecked());
-    EXPECT_FALSE(ed.child<QRadioButton>("optEncode(0)")->isEnabled());
-    ed.clickField(1);
-    ed.place(20, 1, "5");
-    ed.choose("cboBeginBit", "6");
-    ed.click("cmdApply");
-    ASSERT_EQ(ed.records().size(), 1);
-    const ItemRecord& r = ed.records()[0];
-    EXPECT_EQ(std::make_tuple(std::string(kindWord(r)), r.encodingCode, r.beginBit, r.numBits, r.numBytes),
-              std::make_tuple(std::string(kKindBitField), 1, 6, 5, 0));
-    const int row = bitGridRow(*ed.doc.card()->page(0), 20);
-    for (int bit = 5; bit < 12; ++bit)  // bits 6 to 10 from byte 1 are the item's
-        EXPECT_EQ(ed.child<QTableWidget>("grdPreview")->item(row, bitGridColumn(1, 0) + bit)->data(Qt::UserRole).toString(),
-                  bit >= 6 && bit < 11 ? "NUMBER" : "") << bit;
 }
 
 // What the editor stored, read back from the record: option, count number and step, polynomial,
@@ -340,22 +305,6 @@ TEST(DBUpdate, ABoxOutOfRangeIsRefusedAndOkWritesTheChosenFieldAndFunctionAsOneR
     EXPECT_EQ(std::make_tuple(d.messageTexts().size(), u.Cancelled, u.isVisible()), std::make_tuple(1u, false, false));
     EXPECT_EQ(d.records().records(),
               (std::vector<ItemRecord>{field("Card", 0, 20, 0, 4), update("NUMBER", 1, "Count", "10", "255")}));
-}
-
-TEST(DBUpdate, EditingPresetsTheControlsAndOkReplacesTheRecordInPlaceWhileCancelKeepsIt) {
-    for (const auto& [button, ok] : {std::pair{"cmdOK", true}, {"cmdCancel", false}}) {
-        const ItemRecord item = field("Card", 0, 20, 0, 4);
-        Dialog d({update("BIRTH", 2, "CardSnNr", "1"), item});
-        frmDBUpdate& u = d.open<frmDBUpdate>(0);
-        EXPECT_EQ(d.text("txtSelectedField"), "BIRTH");
-        EXPECT_TRUE(d.child<QRadioButton>("optFunction(2)")->isChecked() && d.child<QRadioButton>("optProperty(1)")->isChecked());
-        d.click("optFunction(0)");
-        d.type("txtConstantValue", "42");
-        d.click(button);
-        EXPECT_EQ(u.Cancelled, !ok);
-        EXPECT_EQ(d.records().records(), (std::vector<ItemRecord>{ok ? update("BIRTH", 2, "Constant", "42")
-                                                                     : update("BIRTH", 2, "CardSnNr", "1"), item}));
-    }
 }
 
 // A new binary field is stored by its database name and shown on the map; an edited one may

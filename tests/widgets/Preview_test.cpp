@@ -124,28 +124,5 @@ TEST_P(Printing, OptionsDialogDrivesThePrintingAndEnterOnTheFocusedPrintRunsIt) 
 
 INSTANTIATE_TEST_SUITE_P(Chips, Printing, ::testing::Values(iSmallOnePage, iBigOnePage, iBigEightPages));
 
-TEST(PagePainter, GridShowsThePageMapCellByCellAndReusesItsCells) {
-    CIClass card;
-    card.setChipSize(iBigEightPages);
-    RecordArray records;
-    records.add(field("Badge", 1, 10, 2, 3, 0, 0x00C080FF));
-    std::unique_ptr<QTableWidget> g(createPageGrid(nullptr, "grdTest"));
-    for (int page : {2, 1}) {  // the second paint reuses the cells of the first
-        paintPage(*g, *card.page(page), records);
-        const MapGrid map = pageMap(*card.page(page), records);
-        ASSERT_EQ(g->rowCount(), map.rows());
-        for (int row = 0; row < map.rows(); ++row)
-            for (int column = 0; column < map.columns(); ++column) {
-                const QTableWidgetItem* cell = g->item(row, column);
-                EXPECT_EQ(std::make_tuple(cell->text().toStdString(), cell->background().color(), cell->foreground().color(),
-                                          g->columnSpan(row, column)),
-                          std::make_tuple(map.textAt(row, column), memoryMapColor(map.at(row, column).background),
-                                          memoryMapColor(map.at(row, column).foreground), map.columnSpan(row, column)))
-                    << page << ": " << row << "," << column;
-            }
-    }
-    EXPECT_EQ(g->item(11, 4)->background().color(), QColor(255, 128, 192));
-}
-
 }  // namespace
 }  // namespace kestrin::test

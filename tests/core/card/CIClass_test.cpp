@@ -1,5 +1,5 @@
-// The card model: the pages each chip builds, the HID switch, application boundaries (the
-// eight-part text and its errors) and the page collection.
+// The card model: application boundaries (the eight-part text and its errors) and the page
+// collection.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -32,41 +32,6 @@ int32_t errorOf(const std::function<void()>& call) {
         return e.number();
     }
     return 0;
-}
-
-TEST(CIClass, BuildsPagesWithTheirFixedAreasTheHidSwitchMovesOnlyTheFirstPagesFreeSpace) {
-    // pages, page size, page 0's boundary
-    for (const auto& [type, count, size, boundary] :
-         {std::tuple(iSmallOnePage, 1, 256, 0), {iBigOnePage, 1, 2048, 0}, {iBigEightPages, 8, 256, 18}}) {
-        CIClass card;
-        card.setUseHIDSection(false);
-        card.setEnableBitwise(true);
-        card.setChipSize(type);
-        ASSERT_EQ(std::tuple(card.PagesCount(), card.Pages().Count()), std::tuple(count, count));
-        // The builder always switches the HID section on and bit-wise items off.
-        EXPECT_EQ(std::tuple(card.UseHIDSection(), card.EnableBitwise()), std::tuple(true, false));
-        for (int32_t n = 0; n < count; ++n) {
-            const CPage& p = card.Pages().Item(n + 1);
-            EXPECT_EQ(std::tuple(p.Key, p.PageNumber, p.Parent, p.PageSize, p.HasHeader),
-                      std::tuple(std::to_string(n), n, &card, size, true));
-            EXPECT_EQ(std::tuple(p.HasHIDSpace, p.BeginFreeSpace, p.Boundary),
-                      std::tuple(n == 0, n == 0 ? 19 : 6, n == 0 ? boundary : 18))
-                << type << " page " << n;
-        }
-    }
-    CIClass unknown = chip(static_cast<IClassType>(7));
-    EXPECT_EQ(
-        std::tuple(unknown.Pages().Count(), unknown.GetBoundary(0), errorOf([&] { unknown.SetBoundaries("1|2|3|4|5|6|7|8"); })),
-        std::tuple(0, -1, 0));
-    // The HID switch moves only the first page's free space.
-    CIClass card = chip(iBigEightPages);
-    card.setUseHIDSection(false);
-    for (int n = 0; n < 8; ++n) EXPECT_EQ(card.Pages().Item(std::to_string(n)).BeginFreeSpace, 6) << n;
-    card.setUseHIDSection(true);
-    EXPECT_EQ(std::tuple(card.Pages().Item("0").BeginFreeSpace, card.Pages().Item("3").BeginFreeSpace), std::tuple(19, 6));
-    card.setUseHIDSection(false);
-    card.setChipSize(iBigOnePage);  // a new chip switches it back on
-    EXPECT_EQ(std::tuple(card.UseHIDSection(), card.Pages().Item("0").BeginFreeSpace), std::tuple(true, 19));
 }
 
 // Eight parts set every page, the first included, without SetBoundary's range check; other

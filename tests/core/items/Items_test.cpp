@@ -160,10 +160,6 @@ INSTANTIATE_TEST_SUITE_P(Chips, PageAreas, ::testing::Values(
     AreaCase{"Eight1Boundary6", iBigEightPages, true, 1, 0, 6, false, true, false, 33, 0, 7, 7, 8}),
     [](const auto& p) { return std::string(p.param.name); });
 
-ItemRecord item(const char* name, int page, int block, int byte, int bytes) {
-    return field(name, page, block, byte, bytes, 0, kItem);
-}
-
 // The item editor's bit map of a 2 kbit page (HID area on: blocks 19 to 31 free): block numbers
 // on yellow, byte numbers over their eight bits, every other byte shaded; an item's bits take its
 // colour, name and "name (byte.bit)" tip, one named cell a block; a mark colours the bits chosen.
@@ -188,14 +184,6 @@ TEST(BitMap, ShowsBlocksBytesItemsAndTheMark) {
     EXPECT_EQ(
         std::tuple(map.text(map.at(1, 10).tip), map.at(13, 63).background, map.at(13, 64).background, map.at(13, 62).background),
         std::tuple("B (1.1)", kMapMarkColor, kMapMarkColor, kByteEdgeColor));
-}
-
-TEST(PageMap, MergesRunsOfEqualText) {
-    const RecordArray records = recordsOf({item("A", 1, 10, 0, 3), item("B", 1, 10, 3, 2), item("A", 1, 10, 5, 3),
-                                           item("C", 1, 11, 0, 8), item("D", 1, 12, 0, 1), item("E", 1, 12, 1, 1)});
-    const MapGrid map = mapOf(iBigEightPages, 1, 0, false, records);
-    for (auto [row, column, span] : {std::tuple{11, 1, 3}, {11, 4, 2}, {11, 6, 3}, {12, 1, 8}, {13, 1, 1}, {13, 2, 1}})
-        EXPECT_EQ(map.columnSpan(row, column), span) << row << "," << column;
 }
 
 }  // namespace

@@ -1,8 +1,6 @@
-// The host project's fields as read from its project file, and the chip encode file that
-// names the ones a layout uses.
+// The host project's fields as read from its project file.
 #include <gtest/gtest.h>
 
-#include "persist/ChipEncodeFile.h"
 #include "support/SavedFiles.h"
 
 using namespace kestrin;
@@ -60,26 +58,6 @@ TEST(HostFields, ProjectFilesAreReadAsTheHostWritesThem) {
     const std::pair<const char*, int16_t> types[] = {{"Character", 0}, {"Number", 1}, {"Numeric", 1}, {"Date", 2},
                                                      {"Binary", 3},    {"number", -1}, {"Memo", -1}};
     for (const auto& [text, code] : types) EXPECT_EQ(fieldTypeCode(text), code) << text;
-}
-
-// The chip encode file names each used host field once, in the project's order, under the
-// name the items use; a name is found only as a whole key.
-TEST(ChipEncodeFile, NamesTheUsedFieldsInProjectOrder) {
-    HostFieldList fields;
-    fields.setFields({{"Name", "LAST", "Character", 10, 0, true}, {"FirstName", "FIRST", "Character", 10, 1, true},
-                      {"Names", "NAMES", "Character", 10, 2, true}, {"Weight (kg)", "KG", "Number", 10, 3, true},
-                      {"Start", "START", "Number", 10, 4, true}});
-    const std::pair<const char*, std::vector<std::string>> cases[] = {
-        {"", {}}, {"FirstName(1)", {"FirstName"}}, {"Names(1)", {"Names"}}, {"Start()", {"Start"}},
-        {"FirstName(1)Name(1)", {"Name", "FirstName"}}, {"Name(1)Name(2)LAST(3)", {"Name"}},
-        {"LAST(1)FIRST(1)", {"LAST", "FIRST"}},
-        {"Weight (kg)(1)", {}},  // a name with a bracket never stands alone between ")" and "("
-    };
-    for (const auto& [list, used] : cases) EXPECT_EQ(usedHostFields(list, fields), used) << list;
-    EXPECT_EQ(renderChipEncodeFile("Names(1)Name(1)", {4, -2}, fields),
-              crlf({"[ChipEncode]", "LK_Version=7.0.0", "Images=4,-2", "DllName=MORVATH.DLL", "ChipType=1", "[1Field]",
-                    "Type=DataField", "Data=Name", "[2Field]", "Type=DataField", "Data=Names", "[Track1]",
-                    "FieldCount=2"}));
 }
 
 }  // namespace

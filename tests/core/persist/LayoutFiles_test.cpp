@@ -106,19 +106,6 @@ TEST(LayoutFiles, EveryKindOfEntrySavesToTheseBytesAndOpensTheSame) {
     EXPECT_EQ(renderLayoutFile(card, records, sampleFields()).bytes, bytes);
     expectOpensTo(bytes, card, records, sampleFields());
 }
-// The mode of a bit checksum follows its flags; with both or neither set the last colour or
-// mode written is repeated, as older files carry it.
-TEST(LayoutFiles, ABitChecksumsModeFollowsItsFlags) {
-    const struct { bool bitFunction, simple; const char* mode; } cases[] = {
-        {true, false, "1"}, {false, true, "0"}, {true, true, "4242"}, {false, false, "4242"}};
-    for (const auto& c : cases) {
-        ItemRecord sum = bitFunction("Checksum", "1", 0, 31, 0, 0, 8, 55);
-        sum.isBitFunction = c.bitFunction, sum.isSimpleBitFunction = c.simple;
-        const std::string file =
-            renderLayoutFile(cardOf(iSmallOnePage), arrayOf({field("A", 0, 19, 0, 1, 0, 4242), sum}), {}).bytes;
-        EXPECT_NE(file.find("1Place=0,31,0,0,8\r\n1Mode="s + c.mode + "\r\n1Color=55\r\n"), std::string::npos) << file;
-    }
-}
 
 // A file of a later version is opened only when the operator agrees; on No nothing is applied.
 TEST(LayoutReader, LaterVersionsAskFirst) {
@@ -142,27 +129,6 @@ TEST(LayoutReader, LaterVersionsAskFirst) {
               "\r\n\r\nThe file was created with version 6.2.0\r\nYou are using version 6.1.4 of LK. \r\n"
               "It is recommended you upgrade LK.\r\n\r\nIf you open the file, some data might be lost on saving. "
               "\r\nContinue anyway?");
-}
-
-TEST(LayoutReader, CardDesignSetsTheChipThenItsSwitches) {
-    const struct { const char* design; IClassType chip; bool hid, bit; } cases[] = {
-        {"Size=2K\r\nUseHID=1\r\n", iSmallOnePage, true, false}, {"Size=16K\r\nPages=0\r\n", iBigOnePage, false, false},
-        {"Size=16K\r\nPages=8\r\nUseHID=1\r\nUseBit=1\r\n", iBigEightPages, true, true},
-        {"Size=16K\r\nPages=1\r\nUseBit=1\r\n", iBigOnePage, false, true},
-        {"Size=16k\r\n", iBigEightPages, false, false},
-        {"Size=4K\r\nUseHID=1\r\n", iBigEightPages, true, false}};  // unknown: the chip is kept
-    for (const auto& c : cases) {
-        const auto o = openLayout("[CARDDESIGN]\r\n"s + c.design, Answer::Yes, nullptr, iBigEightPages);
-        EXPECT_TRUE(o->card.ChipSize() == c.chip && o->card.UseHIDSection() == c.hid && o->card.EnableBitwise() == c.bit)
-            << c.design;
-        EXPECT_EQ(o->card.Pages().Item(1).BeginFreeSpace, c.hid ? 19 : 6) << c.design;
-    }
-    // Borders are bytes: divided by 8, halves rounded to even; blocks off the page are ignored.
-    const auto o = openLayout(crlf({"[CARDDESIGN]", "Size=16K", "Pages=8", "1PageBorder=20", "2PageBorder=148",
-                              "3PageBorder=200", "4PageBorder=300", "5PageBorder=44", "6PageBorder=-8",
-                              "7PageBorder=256"}));
-    const int32_t expected[] = {18, 18, 18, 25, 18, 6, 18, 32};
-    for (int32_t p = 0; p < 8; ++p) EXPECT_EQ(o->card.GetBoundary(p), expected[p]) << p;
 }
 
 // Each dropped entry is warned of and kept for a check, with the placement rule it breaks

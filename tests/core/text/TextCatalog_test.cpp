@@ -212,15 +212,6 @@ TEST_P(TranslatorFallback, TriesCustomThenStandardThenDefault) {
     for (const auto& [id, defaultText, expected] : cases) EXPECT_EQ(translator.text(id, defaultText), expected) << "id " << id;
 }
 
-TEST_P(TranslatorFallback, SkipsALibraryThatIsNotOpen) {
-    ASSERT_TRUE(registry.close(custom));  // seen at once: the translator keeps nothing but handles
-    EXPECT_EQ(std::tuple(translator.text(3104), translator.text(3106, "<Value>")), std::tuple(StandardText, "<Value>"));
-    translator.setCustomLanguageDLL(openOrFail(registry, Lang / customFile()));
-    EXPECT_EQ(translator.text(3106), "Only in the custom library");
-    translator.setLanguageDLL(0);
-    EXPECT_EQ(std::tuple(translator.text(3104), translator.text(3105)), std::tuple(CustomText, NotFound));
-}
-
 INSTANTIATE_TEST_SUITE_P(Libraries, TranslatorFallback, ::testing::Bool(),
                          [](const auto& p) { return std::string(p.param ? "Dlls" : "TextCatalogs"); });
 
