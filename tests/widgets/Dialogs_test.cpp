@@ -97,54 +97,6 @@ TEST(EditiClassFields, EditingPresetsTheControlsAndReplacesTheItemOrPutsItBackWh
     EXPECT_EQ(ed.records().records(), (std::vector<ItemRecord>{field("OTHER", 0, 25, 0, 2), moved}));
 }
 
-// What the editor stored, read back from the record: option, count number and step, polynomial,
-// start value, range row and range count.
-std::string stored(const ItemRecord& r) {
-    const FunctionInput in = functionInputOf(r);
-    return std::to_string(in.option) + " " + in.countNumberText + "/" + in.countStepText + " " + in.polynomText + "/" +
-           in.startValueText + " " + std::to_string(in.rangeRow) + "/" + in.rangeCountText;
-}
-
-// The boxes are typed in their order; the stored size is in bytes, or bits for a bit function.
-struct FunctionCase {
-    int32_t mode;
-    FunctionKind function;
-    int option;
-    Boxes boxes;
-    int block, byte, bit, storedSize;
-    const char* stored;
-};
-
-TEST(EditiClassFunctions, EachFunctionIsWrittenWithItsValues) {
-    const FunctionCase cases[] = {
-        {kModeFunction, FunctionKind::Count, 1, {{"txtCountNumber", "5"}, {"txtCountStep", "2"}, {"txtNrBytes", "2"}},
-         20, 4, 0, 2, "1 5/2 / 0/"},
-        {kModeBitFunction, FunctionKind::Checksum, 2,
-         {{"txtNrBytes", "4"}, {"txtPolynom", "19"}, {"txtStartValue", "3"}, {"txtRangeBytesCount", "2"}},
-         23, 2, 4, 4, "2 / 19/3 19/2"}};
-    for (const FunctionCase& c : cases) {
-        SCOPED_TRACE(c.stored);
-        Dialog ed;
-        ed.editor(c.mode);
-        ed.click(QStringLiteral("optFunction(%1)").arg(static_cast<int>(c.function)));
-        ed.click(QStringLiteral("optProperty(%1)").arg(c.option));
-        for (const auto& [box, typed] : c.boxes) ed.type(box, typed);
-        ed.choose("cboRow", QString::number(c.block));
-        ed.choose("cboBeginByte", QString::number(c.byte));
-        if (c.mode == kModeBitFunction) ed.choose("cboBeginBit", QString::number(c.bit));
-        ed.click("cmdApply");
-        EXPECT_EQ(ed.messageTexts(), std::vector<std::string>{});
-        ASSERT_EQ(ed.records().size(), 1);
-        const ItemRecord& r = ed.records()[0];
-        EXPECT_EQ(std::make_pair(r.name, std::string(kindWord(r))), std::make_pair(std::string(functionWord(c.function)),
-                  std::string(c.mode == kModeFunction ? kKindFunction : kKindBitFunction)));
-        EXPECT_EQ(std::vector<int>({r.block, r.beginByte, r.beginBit, c.mode == kModeFunction ? r.numBytes : r.numBits}),
-                  std::vector<int>({c.block, c.byte, c.bit, c.storedSize}));
-        EXPECT_TRUE(lightColour(r.color));
-        EXPECT_EQ(stored(r), c.stored);
-    }
-}
-
 // The box is left, or (with apply) refused by Apply, and keeps the focus; the limits are part of the message.
 struct RefusedCase {
     int32_t mode;

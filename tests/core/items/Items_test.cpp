@@ -1,13 +1,10 @@
-// The item records: the record limit, grid rows and the editor's record, database update
-// summaries, preview views, and the memory map of a page as the preview, the item editor and the
-// multi-track dialog show it: fixed areas, block numbers, free bytes and boundary greys, merges.
+// The item records' limit, the preview's views, and the memory map of a page as the preview,
+// the item editor and the multi-track dialog show it: fixed areas, block numbers, free bytes
+// and boundary greys, and the editor's bit map.
 #include <gtest/gtest.h>
-
-#include <functional>
 
 #include "card/CIClass.h"
 #include "items/BitMap.h"
-#include "items/GridRows.h"
 #include "items/ItemSpan.h"
 #include "items/PageMap.h"
 #include "items/PreviewViews.h"
@@ -20,8 +17,6 @@ namespace {
 
 const Translator tr;
 
-ItemRecord with(ItemRecord r, const std::function<void(ItemRecord&)>& change) { return change(r), r; }
-
 TEST(RecordArray, RefusesRecordsBeyondTheSixteenBitIndex) {
     RecordArray a;
     for (int i = 0; i < RecordArray::kMaxRecords; ++i) ASSERT_TRUE(a.add(ItemRecord{}));
@@ -29,41 +24,6 @@ TEST(RecordArray, RefusesRecordsBeyondTheSixteenBitIndex) {
     EXPECT_EQ(a.highestIndex(), 32766);
 }
 
-
-TEST(GridRows, EachKindShowsItsCellsAndReadsBackAsTheEditorsRecord) {
-    using O = std::optional<int16_t>;
-    // bytes, begin bit and bits as shown; the kind code the editor receives (0 where the kind leaves it)
-    const std::tuple<ItemRecord, const char*, O, O, O, int> cases[] = {
-        {field("Name [+] First", 1, 19, 3, 12), "Field", 12, {}, {}, 0},
-        {function("Constant", "ABC", "", "", 0, 255, 7, 3), "Function", 3, {}, {}, 1},
-        {with(field("Photo", 2, 30, 0, 100), [](auto& x) { x.isBinary = true; }), "Binary Field", 100, {}, {}, 0},
-        {bitField("Flag", 0, 40, 5, 6, 2), "Bit Field", {}, 6, 2, 2},
-        {bitFunction("Count", "1", 3, 41, 1, 0, 10), "Bit Function", {}, 0, 10, 3},
-        {with(bitFunction("CardSnNr", "", 0, 42, 2, 3, 5),
-              [](auto& x) { x.isBitFunction = false, x.isSimpleBitFunction = true, x.numBytes = 4; }),
-         "Bit Function (Simple)", 4, 3, 5, 1}};
-    for (const auto& [record, kind, bytes, beginBit, bits, kindCode] : cases) {
-        SCOPED_TRACE(kind);
-        const ItemRow row = itemRowOf(record);
-        EXPECT_EQ(std::tuple(row.name, row.kind, row.page, row.block, row.beginByte),
-                  std::tuple(record.name, kind, record.page, record.block, record.beginByte));
-        EXPECT_EQ(std::tuple(row.bytes, row.beginBit, row.bits, isCombinedField(record)),
-                  std::tuple(bytes, beginBit, bits, record.name == "Name [+] First"));
-        const EditorRecord e = editorRecordOf(row);
-        EXPECT_EQ(std::tuple(e.editing, e.fieldsAndFunctions, e.kindWord, e.kindCode), std::tuple(true, true, kind, kindCode));
-        EXPECT_EQ(std::tuple(e.numBytes, e.beginBit, e.numBits),
-                  std::tuple(bytes.value_or(0), beginBit.value_or(0), bits.value_or(0)));
-        EXPECT_EQ(recordsOf({dbUpdate("Before", "Constant", "x"), record})
-                      .findByPosition({e.page, e.block, e.beginByte, e.numBytes, e.beginBit, e.numBits}, e.name, e.kindWord),
-                  1);
-    }
-    // Database update rows summarise the function's values.
-    for (const auto& [function, p1, p2, summary] : {std::tuple("Constant", "7", "", "<Value>: 7."),
-                                                    {"Count", "5", "2", "<Step>: 5. <Start value>: 2."},
-                                                    {"CardSnNr", "0", "", "<Decimal>"}, {"CardSnNr", "", "", "<Decimal>"},
-                                                    {"CardSnNr", "1", "", "<Hexadecimal>"}})
-        EXPECT_EQ(dbUpdateSummary(function, p1, p2, tr), summary) << function << " " << p1;
-}
 
 // parts: each grid page's VirtualPage
 struct ViewCase {

@@ -1,4 +1,4 @@
-// What the operator enters: numbers, encodings, function properties, layout properties and
+// What the operator enters: encodings, function properties, layout properties and
 // database updates, and the record the item editor's Apply writes; first and last accepted
 // value, first refused one, exact messages.
 #include <gtest/gtest.h>
@@ -24,32 +24,6 @@ namespace kestrin::test {
 namespace {
 
 const Translator tr;
-
-const std::string kRange0To255 = "<Please enter a value between> 0 & 255!", kNotANumber = "<Please enter a number.>";
-
-TEST(NumberChecks, AcceptOnlyNumbersWithinTheBounds) {
-    const std::pair<const char*, int32_t> cases[] = {
-        {"0", 0}, {"255", 0}, {" 7 ", 0}, {"05", 0}, {"256", kTextOutOfRange}, {"-1", kTextOutOfRange}, {"", kTextOutOfRange},
-        {"   ", kTextOutOfRange}, {"1234567890123456789012345678901234567890", kTextOutOfRange}, {"abc", kTextNotANumber},
-        {"1a", kTextNotANumber}, {"1 2", kTextNotANumber}, {"-", kTextNotANumber}};
-    for (const auto& [text, id] : cases) {
-        const NumberCheck check = checkNumberInRange(0, 255, text, tr);
-        EXPECT_EQ(std::tuple(check.ok, check.textId), std::tuple(id == 0, id)) << text;
-        EXPECT_EQ(check.message, id == 0 ? "" : id == kTextOutOfRange ? kRange0To255 : kNotANumber) << text;
-    }
-    // A range check shows its message with the given title; the boundary boxes take 5 to 31 alike.
-    RecordingPrompter prompter;
-    for (const auto& [text, ok] : {std::pair("5", true), {"31", true}, {"05", true}, {" 7 ", true}, {"4", false}, {"32", false},
-                                   {"", false}, {"x", false}}) {
-        EXPECT_EQ(std::tuple(CheckNumberInRange(5, 31, text, "Props", prompter, tr), checkBoundaryBox(text, tr).ok),
-                  std::tuple(ok, ok)) << text;
-    }
-    ASSERT_EQ(prompter.messages.size(), 4u);
-    const std::string range = "<Please enter a value between> 5 & 31!";
-    const auto& empty = prompter.messages[2];
-    EXPECT_EQ(std::tuple(empty.title, empty.icon, empty.text, checkBoundaryBox("", tr).message),
-              std::tuple("Props", Icon::Exclamation, range, range));
-}
 
 BoundaryTexts allAt(const std::string& value) {
     BoundaryTexts t;

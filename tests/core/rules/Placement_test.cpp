@@ -141,24 +141,6 @@ protected:
     RecordingPrompter prompter{Answer::Ok};
 };
 
-TEST_F(Overlap, StartInsideEndInsideOrCoveringAreFoundTouchingOtherPagesAndDatabaseUpdatesAreNot) {
-    records.add(field("Old", 0, 20, 2, 4));  // bytes 162..165
-    for (const auto& [q, found] : {std::pair(at(20, 0, 3), 1u),
-                                   {at(20, 5, 3), 1u}, {at(20, 3, 1), 1u}, {at(20, 0, 8), 1u}, {at(20, 0, 2), 0u},
-                                   {at(20, 6, 2), 0u}}) {
-        const auto v = violations(q);
-        ASSERT_EQ(v.size(), found) << q.beginByte << "+" << q.nrBytesText;
-        if (found) { EXPECT_EQ(v[0].overlappedIndex, 0); }
-    }
-    // Other pages and database updates do not count; the same item is replaced without a question.
-    card.setChipSize(iBigEightPages);
-    records = recordsOf({field("Old", 1, 20, 0, 4), dbUpdate("X", "Constant", "1")});
-    EXPECT_EQ(place(at(20, 0, 4)).code, kPlacementAccepted);
-    records = recordsOf({field("Name", 0, 20, 0, 4)});
-    EXPECT_EQ(place(at(20, 0, 4)).code, kPlacementReplaced);
-    EXPECT_EQ(std::tuple(prompter.messages.size(), records.size()), std::tuple(0u, 0));
-}
-
 struct OverlapCase { const char* name; ItemRecord existing; int32_t textId; Answer answer; int32_t code; };
 
 class OverlapQuestion : public Overlap, public ::testing::WithParamInterface<OverlapCase> {};
