@@ -1,6 +1,6 @@
 // The item records' limit, the preview's views, and the memory map of a page as the preview,
-// the item editor and the multi-track dialog show it: fixed areas, block numbers, free bytes
-// and boundary greys, and the editor's bit map.
+// the item editor and the multi-track dialog show it: fixed areas, block numbers, free bytes,
+// boundary greys and the bytes items touch, and the editor's bit map.
 #include <gtest/gtest.h>
 
 #include "card/CIClass.h"
@@ -119,6 +119,37 @@ INSTANTIATE_TEST_SUITE_P(Chips, PageAreas, ::testing::Values(
     AreaCase{"Eight3Boundary32", iBigEightPages, true, 3, 0, 32, false, true, false, 33, 0, 7, 7, 34},
     AreaCase{"Eight1Boundary6", iBigEightPages, true, 1, 0, 6, false, true, false, 33, 0, 7, 7, 8}),
     [](const auto& p) { return std::string(p.param.name); });
+
+ItemRecord item(const char* name, int page, int block, int byte, int bytes) {
+    return field(name, page, block, byte, bytes, 0, kItem);
+}
+
+TEST(PageMap, PaintsExactlyTheBytesTouched) {
+    using Cells = std::vector<std::pair<int, int>>;  // (row, column) showing the item, in reading order
+    const std::tuple<const char*, IClassType, int, int, bool, ItemRecord, Cells> cases[] = {
+        {"BitsOverTwoBytes", iSmallOnePage, 0, 0, false, bitField("B", 0, 20, 3, 5, 6, kItem), {{21, 4}, {21, 5}}},
+        {"BitFunction", iSmallOnePage, 0, 0, false, bitFunction("Count", "1", 0, 22, 0, 0, 16, kItem), {{23, 1}, {23, 2}}},
+        {"ClippedAtByte255", iSmallOnePage, 0, 0, false, item("F", 0, 31, 4, 10), {{32, 5}, {32, 6}, {32, 7}, {32, 8}}},
+        {"OwnPage", iBigEightPages, 2, 0, false, item("F", 2, 10, 0, 2), {{11, 1}, {11, 2}}},
+        {"OtherPage", iBigEightPages, 3, 0, false, item("F", 2, 10, 0, 2), {}},
+        {"PartOffset", iBigOnePage, 0, 2, false, item("F", 0, 70, 6, 4), {{7, 7}, {7, 8}, {8, 1}, {8, 2}}},
+        {"AcrossPartsTail", iBigOnePage, 0, 1, false, item("F", 0, 31, 6, 4), {{1, 1}, {1, 2}}},
+        {"WholePageEnd", iBigOnePage, 0, 0, true, item("F", 0, 255, 7, 3), {{256, 8}}},
+        {"DatabaseUpdate", iSmallOnePage, 0, 0, false,
+         [] { ItemRecord r = item("F", 0, 20, 0, 2); return r.isDbUpdate = true, r; }(), {}},
+        {"NoLength", iSmallOnePage, 0, 0, false, item("F", 0, 20, 0, 0), {}}};
+    for (const auto& [name, chip, page, part, wholePage, record, cells] : cases) {
+        const MapGrid map = mapOf(chip, page, part, wholePage, recordsOf({record}));
+        Cells shown;
+        for (int row = 1; row < map.rows(); ++row)
+            for (int column = 1; column <= 8; ++column)
+                if (map.textAt(row, column) == record.name) {
+                    shown.emplace_back(row, column);
+                    EXPECT_EQ(map.at(row, column).background, kItem) << name;
+                }
+        EXPECT_EQ(shown, cells) << name;
+    }
+}
 
 // The item editor's bit map of a 2 kbit page (HID area on: blocks 19 to 31 free): block numbers
 // on yellow, byte numbers over their eight bits, every other byte shaded; an item's bits take its

@@ -172,19 +172,6 @@ const std::string NotFound(Translator::NotFoundText);
 const std::string StandardText = "Standard: select an item first.";
 const std::string CustomText = "Custom: W\xC3\xA4hlen Sie zuerst ein Element.";
 
-TEST(Translator, WithoutLibrariesGivesTheDefaultOrTheMarker) {
-    CatalogRegistry registry;
-    Translator noRegistry, unknownHandles(&registry);
-    EXPECT_EQ(std::tuple(noRegistry.LanguageDLL(), noRegistry.CustomLanguageDLL()), std::tuple(0, 0));
-    unknownHandles.setLanguageDLL(7);
-    unknownHandles.setCustomLanguageDLL(-9);
-    EXPECT_EQ(std::tuple(unknownHandles.LanguageDLL(), unknownHandles.CustomLanguageDLL()), std::tuple(7, -9));
-    for (const Translator* translator : {&noRegistry, &unknownHandles})
-        EXPECT_EQ(std::tuple(translator->text(3106), translator->text(3106, ""), translator->text(3106, "<Value>"),
-                             translator->text(0, " ")),
-                  std::tuple("*=*+*", "*=*+*", "<Value>", " "));
-}
-
 // The standard and custom library as DLLs (true) or as text catalogs (false).
 class TranslatorFallback : public ::testing::TestWithParam<bool> {
 protected:
