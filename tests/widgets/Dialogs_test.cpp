@@ -97,6 +97,29 @@ TEST(EditiClassFields, EditingPresetsTheControlsAndReplacesTheItemOrPutsItBackWh
     EXPECT_EQ(ed.records().records(), (std::vector<ItemRecord>{field("OTHER", 0, 25, 0, 2), moved}));
 }
 
+// A new bit checksum: the function, its representation, the typed values and the chosen place
+// become one record with a light colour.
+TEST(EditiClassFunctions, ANewFunctionIsWrittenWithWhatWasTypedAndChosen) {
+    Dialog ed;
+    ed.editor(kModeBitFunction);
+    ed.click("optFunction(3)");
+    ed.click("optProperty(2)");
+    const Boxes typed = {{"txtNrBytes", "4"}, {"txtPolynom", "19"}, {"txtStartValue", "3"}, {"txtRangeBytesCount", "2"}};
+    for (const auto& [box, text] : typed) ed.type(box, text);
+    ed.choose("cboRow", "23");
+    ed.choose("cboBeginByte", "2");
+    ed.choose("cboBeginBit", "4");
+    ed.click("cmdApply");
+    EXPECT_EQ(ed.messageTexts(), std::vector<std::string>{});
+    ASSERT_EQ(ed.records().size(), 1);
+    const ItemRecord& r = ed.records()[0];
+    const FunctionInput in = functionInputOf(r);
+    EXPECT_EQ(std::tuple(std::string(kindWord(r)), r.block, r.beginByte, r.beginBit, r.numBits, in.option, in.polynomText,
+                         in.startValueText, in.rangeCountText),
+              std::tuple(std::string(kKindBitFunction), 23, 2, 4, 4, 2, "19", "3", "2"));
+    EXPECT_TRUE(lightColour(r.color));
+}
+
 // The box is left, or (with apply) refused by Apply, and keeps the focus; the limits are part of the message.
 struct RefusedCase {
     int32_t mode;

@@ -63,34 +63,6 @@ inline ByteWriter peImage(std::string_view rsrc, bool plus = false) {
     return image;
 }
 
-// One string block, its language versions written in the order given.
-struct TestBlock { uint32_t block; std::vector<std::pair<uint32_t, std::vector<std::u16string>>> languages; };
-
-// A well-formed resource table holding only string blocks: root and type directories, the
-// language directories, their data entries, the blocks.
-inline std::string stringTableSection(const std::vector<TestBlock>& blocks) {
-    const auto at = [](std::size_t offset) { return static_cast<uint32_t>(offset); };
-    std::size_t languageCount = 0;
-    for (const TestBlock& b : blocks) languageCount += b.languages.size();
-    const std::size_t languagesAt = 40 + 8 * blocks.size();
-    const std::size_t entriesAt = languagesAt + 16 * blocks.size() + 8 * languageCount;
-    const std::size_t dataAt = entriesAt + 16 * languageCount;
-    ByteWriter table, languages, entries, data;
-    table.directory(0, 1).entry(6, Subdirectory | 24).directory(0, at(blocks.size()));
-    for (const TestBlock& b : blocks) {
-        table.entry(b.block, Subdirectory | at(languagesAt + languages.s.size()));
-        languages.directory(0, at(b.languages.size()));
-        for (const auto& [language, slots] : b.languages) {
-            languages.entry(language, at(entriesAt + entries.s.size()));
-            const std::size_t start = data.s.size();
-            data.block(slots);
-            entries.dataEntry(ResourceRva + at(dataAt + start), at(data.s.size() - start));
-        }
-    }
-    return table.s + languages.s + entries.s + data.s;
-}
-
-
 std::string repeated(std::string_view piece, std::size_t count) {
     std::string out;
     while (count--) out += piece;
@@ -152,19 +124,15 @@ TEST_P(PeStringTableFormat, RefusesEveryTruncationWithAReason) {
 INSTANTIATE_TEST_SUITE_P(Formats, PeStringTableFormat, ::testing::Bool(),
                          [](const auto& p) { return std::string(p.param ? "Pe32Plus" : "Pe32"); });
 
-ByteWriter soundImage() { return peImage(stringTableSection({{1, {{0x0409, {u"ok"}}}}})); }
-std::string patched(std::size_t at, uint32_t value, int width = 4) { return soundImage().put(at, value, width).s; }
 std::string withTable(const ByteWriter& rsrc) { return peImage(rsrc.s).s; }
 // A resource table down to one language entry; what it points at follows from offset 0x48.
 ByteWriter oneLanguage(uint32_t target) {
-    return ByteWriter()
-        .directory(0, 1)
-        .entry(6, Subdirectory | 0x18)
-        .directory(0, 1)
-        .entry(1, Subdirectory | 0x30)
-        .directory(0, 1)
-        .entry(0x0409, target);
+    return ByteWriter().directory(0, 1).entry(6, Subdirectory | 0x18).directory(0, 1).entry(1, Subdirectory | 0x30)
+        .directory(0, 1).entry(0x0409, target);
 }
+// A well-formed image: one string block, "ok" in English.
+ByteWriter soundImage() { return peImage(oneLanguage(0x48).dataEntry(ResourceRva + 0x58, 36).block({u"ok"}).s); }
+std::string patched(std::size_t at, uint32_t value, int width = 4) { return soundImage().put(at, value, width).s; }
 // 4096 blocks that all share one language directory of 65535 entries.
 std::string hugeTree() {
     ByteWriter rsrc;
