@@ -124,5 +124,31 @@ TEST_P(Printing, OptionsDialogDrivesThePrintingAndEnterOnTheFocusedPrintRunsIt) 
 
 INSTANTIATE_TEST_SUITE_P(Chips, Printing, ::testing::Values(iSmallOnePage, iBigOnePage, iBigEightPages));
 
+// The grid pictures of a sheet: side by side, none over another, all on the paper at one scale;
+// at their screen size where the paper allows, otherwise as large as it allows.
+TEST(PrintedSheet, PlacesTheGridsSideBySideOnThePaper) {
+    struct Case { int pictures; QSizeF paper; bool screenSize; };
+    const QSizeF picture(400, 300), a4(9921, 14031);  // A4's printable area at 1200 dpi
+    for (const auto& [count, paper, screenSize] : {Case{1, a4, true}, Case{2, a4, false}, Case{2, {20000, 3000}, false}}) {
+        const std::vector<QRectF> places = gridPlacement(std::vector<QSizeF>(count, picture), paper, 1200, 96);
+        ASSERT_EQ(places.size(), std::size_t(count));
+        const double scale = places[0].width() / picture.width();
+        double reach = 0;
+        for (std::size_t i = 0; i < places.size(); ++i) {
+            EXPECT_EQ(places[i].size(), picture * scale) << count << " pictures, picture " << i;
+            EXPECT_TRUE(QRectF(QPointF(), paper + QSizeF(0.01, 0.01)).contains(places[i])) << count << " pictures, " << i;
+            if (i > 0) {
+                EXPECT_GT(places[i].left(), places[i - 1].right()) << count << " pictures";
+            }
+            reach = std::max({reach, places[i].right() / paper.width(), places[i].bottom() / paper.height()});
+        }
+        if (screenSize) {
+            EXPECT_DOUBLE_EQ(scale, 1200.0 / 96);
+        } else {
+            EXPECT_NEAR(reach, 1.0, 1e-9) << count << " pictures on " << paper.width() << " x " << paper.height();
+        }
+    }
+}
+
 }  // namespace
 }  // namespace kestrin::test

@@ -50,27 +50,41 @@ void printSheet(QPainter& painter, QPrinter& printer, const frmPreview& preview,
     if (!pages.empty()) painter.drawText(QPointF(0, 2.5 * lineHeight), QString::fromStdString(pages));
 
     std::vector<QPixmap> pictures;
-    for (int i = 0; i < (preview.usesSecondGrid() ? 2 : 1); ++i) pictures.push_back(preview.grid(i)->grab());
-    const double left = twipsToPixels(kGridLeftTwips, dpi);
-    const double top = twipsToPixels(kGridTopTwips, dpi);
-    const double gap = twipsToPixels(kGridGapTwips, dpi);
-    const double screenDpi = preview.grid(0)->logicalDpiX();
-    double width = 0, height = 0;
-    for (const QPixmap& p : pictures) {
-        width += p.width() / p.devicePixelRatio();
-        height = std::max(height, p.height() / p.devicePixelRatio());
+    std::vector<QSizeF> sizes;
+    for (int i = 0; i < (preview.usesSecondGrid() ? 2 : 1); ++i) {
+        pictures.push_back(preview.grid(i)->grab());
+        sizes.push_back(pictures.back().deviceIndependentSize());
     }
-    double scale = dpi / screenDpi;
-    const double roomX = page.width() - left - gap * static_cast<double>(pictures.size() - 1);
-    const double roomY = page.height() - top;
-    scale = std::min({scale, roomX / width, roomY / height});
-    double x = left;
-    for (const QPixmap& p : pictures) {
-        const QSizeF size(p.width() / p.devicePixelRatio() * scale, p.height() / p.devicePixelRatio() * scale);
-        painter.drawPixmap(QRectF(QPointF(x, top), size), p, QRectF(p.rect()));
-        x += size.width() + gap;
-    }
+    const std::vector<QRectF> places = gridPlacement(sizes, page.size(), dpi, preview.grid(0)->logicalDpiX());
+    for (std::size_t i = 0; i < pictures.size(); ++i)
+        painter.drawPixmap(places[i], pictures[i], QRectF(pictures[i].rect()));
 }
+
+}  // namespace
+
+std::vector<QRectF> gridPlacement(const std::vector<QSizeF>& pictures, const QSizeF& paper, int printerDpi,
+                                  double screenDpi) {
+    const double left = twipsToPixels(kGridLeftTwips, printerDpi);
+    const double top = twipsToPixels(kGridTopTwips, printerDpi);
+    const double gap = twipsToPixels(kGridGapTwips, printerDpi);
+    double width = 0, height = 0;
+    for (const QSizeF& p : pictures) {
+        width += p.width();
+        height = std::max(height, p.height());
+    }
+    const double roomX = paper.width() - left - gap * static_cast<double>(pictures.size() - 1);
+    const double roomY = paper.height() - top;
+    const double scale = std::min({printerDpi / screenDpi, roomX / width, roomY / height});
+    std::vector<QRectF> places;
+    double x = left;
+    for (const QSizeF& p : pictures) {
+        places.emplace_back(QPointF(x, top), p * scale);
+        x += places.back().width() + gap;
+    }
+    return places;
+}
+
+namespace {
 
 // Prints the views of one copy, each on its own sheet; false when the printer failed.
 bool printViews(QPainter& painter, QPrinter& printer, frmPreview& preview, bool allPages, const QString& header,

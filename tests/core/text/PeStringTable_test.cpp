@@ -8,6 +8,7 @@
 
 #include "support/TestSupport.h"
 #include "text/PeStringTable.h"
+#include "text/UtfConvert.h"
 
 namespace kestrin::test {
 namespace {
@@ -123,6 +124,14 @@ TEST_P(PeStringTableFormat, RefusesEveryTruncationWithAReason) {
 
 INSTANTIATE_TEST_SUITE_P(Formats, PeStringTableFormat, ::testing::Bool(),
                          [](const auto& p) { return std::string(p.param ? "Pe32Plus" : "Pe32"); });
+
+// A text of exactly 255 units fits and comes back whole, even when it ends in a high surrogate
+// and what follows it in memory is a low one; a longer text is cut before the pair it would split.
+TEST(TextCut, AtTheLimitCountsOnlyTheTextsOwnUnits) {
+    const std::u16string units = std::u16string(254, u'a') + u"\U0001F600";
+    EXPECT_EQ(cutUtf16(std::u16string_view(units).substr(0, 255)).size(), 255u);
+    EXPECT_EQ(cutUtf16(units).size(), 254u);
+}
 
 std::string withTable(const ByteWriter& rsrc) { return peImage(rsrc.s).s; }
 // A resource table down to one language entry; what it points at follows from offset 0x48.
