@@ -163,6 +163,7 @@ TEST(PeStringTableHostile, IsRefusedWithItsReason) {
         {sound.substr(0, OptionalHeader + 50), "optional header is incomplete"},
         {patched(OptionalHeader, 0x107, 2), "magic 0x107"}, {patched(0x46, 0xFFFF, 2), "section table is incomplete"},
         {patched(resourceDirectoryAt(false), 0x9000), "resource table lies outside every section"},
+        {patched(0x46, 0, 2), "resource table lies outside every section"},  // no sections; the header still follows
         {patched(sectionTableAt(false) + 16, 0), "lies outside its section's data"},
         {patched(sectionTableAt(false) + 20, 0x7FFFFFFF), "ends past the end of the file"},
         {patched(ResourceSection + 14, 0xFFFF, 2), "entries run past the end"},
