@@ -57,28 +57,9 @@ const Translator kTranslator;
 
 // Host field names a project can hold: quotes, brackets, separators and Windows-1252 letters
 // anywhere in them, none a number or joined like a combined field's parts.
-const std::vector<std::string> kNames = {"Name",
-                                         "Nr",
-                                         "a",
-                                         "B7",
-                                         "Nr 7",
-                                         "'Name'",
-                                         "a'b",
-                                         "\"q\"",
-                                         "x\"",
-                                         "(x)",
-                                         "a[x]",
-                                         "B,C",
-                                         "\xC3\xA9t\xC3\xA9",
-                                         "\xE2\x82\xAC 5",
-                                         "Stra\xC3\x9F"
-                                         "e",
-                                         "%a%",
-                                         "T\tab",
-                                         "\xC5\x92uvre",
-                                         "Mid dle",
-                                         "a;b",
-                                         "x]"};
+const std::vector<std::string> kNames = {"Name", "Nr", "a", "B7", "Nr 7", "'Name'", "a'b", "\"q\"", "x\"", "(x)", "a[x]", "B,C",
+                                         "\xC3\xA9t\xC3\xA9", "\xE2\x82\xAC 5", "Stra\xC3\x9F" "e", "%a%", "T\tab",
+                                         "\xC5\x92uvre", "Mid dle", "a;b", "x]"};
 
 // The order the reader gives records back in: byte-wise fields, bit fields, combined fields,
 // byte functions (checksums last), bit functions (checksums last), database updates.
