@@ -87,17 +87,10 @@ TEST(LayoutFiles, EveryKindOfEntrySavesToTheseBytesAndOpensTheSame) {
          with(function("CardSnNr", "2", "", "", 0, 25, 0, 4, 34), [](ItemRecord& r) { r.isBitFunction = true; }),
          function("Constant", "\"quoted\"", "", "", 0, 27, 0, 8, 23),
          with(function("Checksum", "2", "", "", 0, 30, 0, 1, 31),
-              [](ItemRecord& r) {
-                  r.range = {0, 19, 0, 40, 0}, r.polynomial = {263, 255};
-              }),
-         with(function("Checksum", "1", "", "", 0, 30, 1, 1, 32),
-              [](ItemRecord& r) {
-                  r.range = {0, 20, 0, 8, 0};
-              }),
+              [](ItemRecord& r) { r.range = {0, 19, 0, 40, 0}, r.polynomial = {263, 255}; }),
+         with(function("Checksum", "1", "", "", 0, 30, 1, 1, 32), [](ItemRecord& r) { r.range = {0, 20, 0, 8, 0}; }),
          with(bitFunction("Checksum", "3", 0, 31, 0, 0, 1, 33),
-              [](ItemRecord& r) {
-                  r.range = {0, 19, 0, 2, 6}, r.initValue = 1;
-              }),
+              [](ItemRecord& r) { r.range = {0, 19, 0, 2, 6}, r.initValue = 1; }),
          with(bitFunction("Checksum", "1", 0, 31, 1, 0, 8, 35), [](ItemRecord& r) {
              r.isBitFunction = false, r.isSimpleBitFunction = true, r.range = {0, 20, 0, 0, 8};
          })});
