@@ -35,8 +35,8 @@ QString headerLine(const frmPreview& preview) {
                                                   locale.toString(now.time(), QLocale::ShortFormat).toStdString()));
 }
 
-// One sheet: the header line, the pages heading of an eight-page card, and the grids
-// side by side at their screen size, scaled down where the paper is narrower.
+// One sheet: the header line, the pages heading of an eight-page card, and the pictures of the
+// grids where gridPlacement puts them.
 void printSheet(QPainter& painter, QPrinter& printer, const frmPreview& preview, const QString& header) {
     const int dpi = printer.resolution();
     const QRectF page = printer.pageLayout().paintRectPixels(dpi);
@@ -58,6 +58,26 @@ void printSheet(QPainter& painter, QPrinter& printer, const frmPreview& preview,
     const std::vector<QRectF> places = gridPlacement(sizes, page.size(), dpi, preview.grid(0)->logicalDpiX());
     for (std::size_t i = 0; i < pictures.size(); ++i)
         painter.drawPixmap(places[i], pictures[i], QRectF(pictures[i].rect()));
+}
+
+// Prints the views of one copy, each on its own sheet; false when the printer failed.
+bool printViews(QPainter& painter, QPrinter& printer, frmPreview& preview, bool allPages, const QString& header,
+                bool& firstSheet) {
+    auto sheet = [&] {
+        if (!firstSheet && !printer.newPage()) return false;
+        firstSheet = false;
+        printSheet(painter, printer, preview, header);
+        return true;
+    };
+    if (!allPages) return sheet();
+    // From the first view to the last through the preview's own Previous and Next.
+    while (preview.view().hasPrevious) preview.showPrevious();
+    if (!sheet()) return false;
+    while (preview.view().hasNext) {
+        preview.showNext();
+        if (!sheet()) return false;
+    }
+    return true;
 }
 
 }  // namespace
@@ -83,30 +103,6 @@ std::vector<QRectF> gridPlacement(const std::vector<QSizeF>& pictures, const QSi
     }
     return places;
 }
-
-namespace {
-
-// Prints the views of one copy, each on its own sheet; false when the printer failed.
-bool printViews(QPainter& painter, QPrinter& printer, frmPreview& preview, bool allPages, const QString& header,
-                bool& firstSheet) {
-    auto sheet = [&] {
-        if (!firstSheet && !printer.newPage()) return false;
-        firstSheet = false;
-        printSheet(painter, printer, preview, header);
-        return true;
-    };
-    if (!allPages) return sheet();
-    // From the first view to the last through the preview's own Previous and Next.
-    while (preview.view().hasPrevious) preview.showPrevious();
-    if (!sheet()) return false;
-    while (preview.view().hasNext) {
-        preview.showNext();
-        if (!sheet()) return false;
-    }
-    return true;
-}
-
-}  // namespace
 
 bool printPreview(frmPreview& preview, bool allPages, bool toFile) {
     const PrintServices& services = preview.services();
