@@ -6,6 +6,9 @@ set(KESTRIN_WINEPREFIX ${CMAKE_BINARY_DIR}/wineprefix)
 # No Mono or Gecko: they are not needed and would ask to be downloaded. The C locale gives
 # Windows-1252 as the ANSI code page, whatever the developer's own locale.
 set(KESTRIN_WINE_ENV WINEPREFIX=${KESTRIN_WINEPREFIX} WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml= LC_ALL=C.UTF-8)
+if(KESTRIN_WINE_PATH)
+  list(APPEND KESTRIN_WINE_ENV WINEPATH=${KESTRIN_WINE_PATH})
+endif()
 
 if(NOT EXISTS ${KESTRIN_WINEPREFIX}/system.reg)
   message(STATUS "Creating the Wine prefix ${KESTRIN_WINEPREFIX}")

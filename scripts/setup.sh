@@ -6,7 +6,8 @@ set -euo pipefail
 
 packages=(g++ cmake ninja-build pkg-config libgtest-dev libgmock-dev libbenchmark-dev
           qt6-base-dev qt6-tools-dev libqt6opengl6-dev libxkbcommon-dev libgl-dev fonts-dejavu-core poppler-utils
-          g++-mingw-w64-x86-64-posix wine wine64 libinih-dev python3)
+          g++-mingw-w64-x86-64-posix wine wine64 libinih-dev python3
+          mingw-w64-tools libwine-dev xvfb xauth xz-utils)
 missing=()
 for p in "${packages[@]}"; do
     dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
