@@ -12,16 +12,16 @@ const char* usageText() {
            "       kestrin fields PROJECT [--json]\n";
 }
 
-std::optional<CliOptions> parseCommandLine(int argc, char** argv, std::string& error) {
+std::optional<CliOptions> parseCommandLine(const std::vector<std::string>& arguments, std::string& error) {
     CliOptions o;
-    for (int i = 1; i < argc; ++i) {
-        const std::string_view a = argv[i];
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string_view a = arguments[i];
         auto value = [&](std::string& target) {
-            if (i + 1 >= argc) {
+            if (i + 1 >= arguments.size()) {
                 error = std::string(a) + " needs a value";
                 return false;
             }
-            target = argv[++i];
+            target = arguments[++i];
             return true;
         };
         if (a == "--json") {

@@ -5,7 +5,8 @@
 
 namespace kestrin::cli {
 
-// The command line: a command word, its positional arguments and the options.
+// The command line: a command word, its positional arguments and the options, all UTF-8
+// (pathFromText turns a file name into the path it names).
 struct CliOptions {
     std::string command;
     std::vector<std::string> arguments;
@@ -19,8 +20,8 @@ struct CliOptions {
     std::string png;         // map --png
 };
 
-// Parses argv; nothing (with a message in error) on wrong usage.
-std::optional<CliOptions> parseCommandLine(int argc, char** argv, std::string& error);
+// Parses the arguments after the program's name; nothing (with a message in error) on wrong usage.
+std::optional<CliOptions> parseCommandLine(const std::vector<std::string>& arguments, std::string& error);
 const char* usageText();
 
 }  // namespace kestrin::cli

@@ -3,15 +3,16 @@
 
 #include "Commands.h"
 #include "JsonText.h"
+#include "base/PathText.h"
 #include "persist/HostFields.h"
 
 namespace kestrin::cli {
 
 int runFields(const CliOptions& o, std::ostream& out, std::ostream& err) {
-    const std::string& project = o.arguments.front();
+    const std::filesystem::path project = pathFromText(o.arguments.front());
     std::error_code ec;
     if (!std::filesystem::is_regular_file(project, ec)) {
-        err << "kestrin: no project file " << project << '\n';
+        err << "kestrin: no project file " << o.arguments.front() << '\n';
         return kExitRefused;
     }
     HostFieldList list;

@@ -3,14 +3,15 @@
 #include <ostream>
 
 #include "base/KestrinError.h"
+#include "base/PathText.h"
 
 namespace kestrin::cli {
 
 bool LayoutSession::setUp(const CliOptions& o, std::ostream& err) {
-    auto load = [&](const std::string& file, void (Translator::*set)(int32_t)) {
+    auto load = [&](const std::string& file, void (Translator::*set)(LanguageHandle)) {
         if (file.empty()) return true;
         std::string error;
-        const int32_t handle = registry.open(file, &error);
+        const LanguageHandle handle = registry.open(pathFromText(file), &error);
         if (handle == 0) {
             err << "kestrin: language library " << file << ": " << error << '\n';
             return false;
@@ -22,7 +23,7 @@ bool LayoutSession::setUp(const CliOptions& o, std::ostream& err) {
         return false;
     if (!o.project.empty()) {
         std::vector<std::string> warnings;
-        doc.fields().fetch(o.project, &warnings);
+        doc.fields().fetch(pathFromText(o.project), &warnings);
         for (const auto& w : warnings) err << "warning: " << w << '\n';
     }
     return true;
@@ -30,7 +31,7 @@ bool LayoutSession::setUp(const CliOptions& o, std::ostream& err) {
 
 bool LayoutSession::open(const std::string& file, std::ostream& err) {
     try {
-        read = doc.open(file);
+        read = doc.open(pathFromText(file));
     } catch (const KestrinError& e) {
         err << "kestrin: " << e.source() << ": " << e.description() << '\n';
         return false;

@@ -21,7 +21,7 @@ struct LayoutSession {
 
     // Loads --lang, --custom-lang and --project; false (with messages on err) when a library fails.
     bool setUp(const CliOptions& o, std::ostream& err);
-    // Opens the layout; false when it was refused. Warnings go to err.
+    // Opens the layout named by UTF-8 text; false when it was refused. Warnings go to err.
     bool open(const std::string& file, std::ostream& err);
 };
 

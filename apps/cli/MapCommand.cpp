@@ -6,6 +6,7 @@
 
 #include "Commands.h"
 #include "LayoutSession.h"
+#include "base/PathText.h"
 #include "preview/PreviewPrinting.h"
 #include "preview/frmPreview.h"
 
@@ -46,7 +47,7 @@ int runMap(const CliOptions& o, std::ostream& out, std::ostream& err) {
 
     GivenFile pdf(QString::fromStdString(o.pdf));
     frmPreview preview(*session.doc.card(), session.doc.records(), session.doc.translator(),
-                       QString::fromStdString(std::filesystem::absolute(layout).string()), PrintServices{nullptr, &pdf});
+                       QString::fromStdString(pathText(std::filesystem::absolute(pathFromText(layout)))), PrintServices{nullptr, &pdf});
     preview.resize(preview.sizeHint());  // the pictures show the whole grids, whatever the screen
     if (!o.pdf.empty()) {
         if (!printPreview(preview, true, true)) {

@@ -1,13 +1,19 @@
 // Windows-1252 and the language libraries' string tables, against Windows' own code page
-// conversions and LoadStringA/LoadStringW.
+// conversions and LoadStringA/LoadStringW; the translator given the module handles of
+// libraries a host loaded itself.
 #include <windows.h>
 
+#include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <numeric>
 
 #include "Differential.h"
 #include "persist/Cp1252.h"
+#include "text/CatalogRegistry.h"
 #include "text/PeStringTable.h"
+#include "text/Translator.h"
 #include "text/UtfConvert.h"
 
 using namespace kestrin;
@@ -90,5 +96,132 @@ INSTANTIATE_TEST_SUITE_P(Fixtures, LanguageLibrary,
                          [](const auto& param) {
                              return std::string(param.param).substr(0, std::string(param.param).find('.'));
                          });
+
+std::filesystem::path fixture(const char* name) { return std::filesystem::path(KESTRIN_FIXTURES) / "lang" / name; }
+
+template <class T>
+LanguageHandle handleOf(T* pointer) {
+    return reinterpret_cast<LanguageHandle>(pointer);
+}
+
+// How a host loads its two libraries itself: LoadLibraryExW with these flags, or LoadLibraryW (0).
+struct HostLoad {
+    const char* name;
+    const char* standard;
+    DWORD standardFlags;
+    const char* custom;
+    DWORD customFlags;
+};
+
+class ModuleHandles : public ::testing::TestWithParam<HostLoad> {};
+
+// For every id (and ids beyond 16 bits), the translator given the module handles a host loaded
+// gives what it gives with registry handles of the same files: the custom library before the
+// standard one, an empty custom text passed over, texts cut at 255 units, the default and the
+// marker. The low two bits of a handle only say how the library was loaded, so the handles
+// with them cleared or set give the same texts.
+TEST_P(ModuleHandles, GiveTheTextsTheRegistryGivesForTheSameFiles) {
+    const HostLoad& load = GetParam();
+    auto loaded = [&](const char* name, DWORD flags) {
+        const std::wstring path = fixture(name).wstring();
+        const HMODULE module = flags ? LoadLibraryExW(path.c_str(), nullptr, flags) : LoadLibraryW(path.c_str());
+        EXPECT_NE(module, nullptr) << name << ": error " << GetLastError();
+        return handleOf(module);
+    };
+    const LanguageHandle standard = loaded(load.standard, load.standardFlags), custom = loaded(load.custom, load.customFlags);
+    ASSERT_TRUE(standard && custom);
+    CatalogRegistry registry;
+    const LanguageHandle standardFile = registry.open(fixture(load.standard)), customFile = registry.open(fixture(load.custom));
+    ASSERT_TRUE(standardFile && customFile);
+    const LanguageHandle low = 3;
+    // {custom, standard} as modules (or registry handles) against the same files in the registry.
+    const std::pair<LanguageHandle, LanguageHandle> given[][2] = {
+        {{custom, standard}, {customFile, standardFile}},
+        {{0, standard}, {0, standardFile}},
+        {{custom, 0}, {customFile, 0}},
+        {{custom, standardFile}, {customFile, standardFile}},
+        {{custom & ~low, standard & ~low}, {customFile, standardFile}},
+        {{custom | low, standard | low}, {customFile, standardFile}}};
+    std::vector<int32_t> ids(0x10000);
+    std::iota(ids.begin(), ids.end(), 0);
+    ids.insert(ids.end(), {3104 + 0x10000, 3105 - 0x20000, 1 + 0x7FFF0000, INT32_MIN + 2});
+    Tally tally(load.name);
+    std::size_t texts = 0;
+    for (const auto& [modules, files] : given) {
+        Translator fromModules(&registry), fromFiles(&registry);
+        fromModules.setCustomLanguageDLL(modules.first);
+        fromModules.setLanguageDLL(modules.second);
+        fromFiles.setCustomLanguageDLL(files.first);
+        fromFiles.setLanguageDLL(files.second);
+        for (const int32_t id : ids) {
+            const std::string_view fallback = id % 2 ? "<Default>" : "";
+            const std::string expected = fromFiles.text(id, fallback);
+            texts += expected != fallback && expected != Translator::NotFoundText;
+            tally.same(fromModules.text(id, fallback), expected,
+                       "id " + std::to_string(id) + ", handles " + std::to_string(modules.first) + " and " +
+                           std::to_string(modules.second));
+        }
+    }
+    FreeLibrary(reinterpret_cast<HMODULE>(custom));
+    FreeLibrary(reinterpret_cast<HMODULE>(standard));
+    EXPECT_GT(texts, 0u);
+}
+
+// The 64-bit fixtures share one preferred base and cannot be relocated: one is loaded as a library.
+constexpr DWORD DataFile = LOAD_LIBRARY_AS_DATAFILE, ImageResource = LOAD_LIBRARY_AS_IMAGE_RESOURCE;
+INSTANTIATE_TEST_SUITE_P(Loaded, ModuleHandles,
+                         ::testing::Values(HostLoad{"DataFile", "standard.dll", DataFile, "custom.dll", DataFile},
+                                           HostLoad{"DataFileStrings", "strings32.dll", DataFile, "custom.dll", DataFile},
+                                           HostLoad{"ImageResource", "standard.dll", ImageResource, "custom.dll", ImageResource},
+                                           HostLoad{"ImageResourceStrings", "strings64.dll", ImageResource, "custom.dll",
+                                                    ImageResource},
+                                           HostLoad{"Library", "strings64.dll", 0, "custom.dll", DataFile}),
+                         [](const auto& param) { return std::string(param.param.name); });
+
+// A number that is no loaded library is passed over without being read through: the default
+// or the marker, or the registry's library given beside it. Among them copies of a library in
+// memory of the program's own, which LoadString would read as the library.
+TEST(NumbersThatAreNoModule, GiveTheFallbacksWithoutBeingReadThrough) {
+    const std::wstring path = fixture("strings64.dll").wstring();
+    std::ifstream in(fixture("strings64.dll"), std::ios::binary);
+    const std::string file{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    const HMODULE freed = LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+    ASSERT_NE(freed, nullptr);
+    FreeLibrary(freed);
+    const HMODULE loaded = LoadLibraryW(path.c_str());
+    ASSERT_NE(loaded, nullptr);
+    // Copies of the file and of the loaded image in memory the program allocated itself.
+    const auto* headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(
+        reinterpret_cast<const char*>(loaded) + reinterpret_cast<const IMAGE_DOS_HEADER*>(loaded)->e_lfanew);
+    const std::string_view originals[] = {file, {reinterpret_cast<const char*>(loaded), headers->OptionalHeader.SizeOfImage}};
+    void* copies[2] = {};
+    for (std::size_t i = 0; i < 2; ++i) {
+        copies[i] = VirtualAlloc(nullptr, originals[i].size(), MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
+        ASSERT_NE(copies[i], nullptr);
+        std::memcpy(copies[i], originals[i].data(), originals[i].size());
+    }
+    int onStack = 0;
+    CatalogRegistry registry;
+    const LanguageHandle standard = registry.open(fixture("strings32.dll"));
+    const std::pair<const char*, LanguageHandle> handles[] = {
+        {"a made-up number", 0x12345678}, {"-1", -1}, {"the largest", INTPTR_MAX}, {"the smallest", INTPTR_MIN},
+        {"a heap address", handleOf(file.data())}, {"a stack address", handleOf(&onStack)},
+        {"a copy of a library file", handleOf(copies[0]) | 1}, {"a copy of a loaded library", handleOf(copies[1])},
+        {"a freed library", handleOf(freed)}, {"a place inside a library", handleOf(loaded) + 0x1000},
+        {"a registry handle never given", standard + 1}, {"the program's own module", handleOf(GetModuleHandleW(nullptr))}};
+    for (const auto& [what, handle] : handles) {
+        Translator translator(&registry);
+        translator.setCustomLanguageDLL(handle);
+        translator.setLanguageDLL(handle);
+        EXPECT_EQ(std::tuple(translator.text(0, "<Zero>"), translator.text(1), translator.text(3104, "")),
+                  std::tuple("<Zero>", Translator::NotFoundText, Translator::NotFoundText))
+            << what;
+        translator.setLanguageDLL(standard);
+        EXPECT_EQ(std::tuple(translator.text(0, "<Zero>"), translator.text(15)), std::tuple("Zero", "Fifteen"))
+            << what;
+    }
+    FreeLibrary(loaded);
+    for (void* copy : copies) VirtualFree(copy, 0, MEM_RELEASE);
+}
 
 }  // namespace

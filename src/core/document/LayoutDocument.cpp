@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/NumberText.h"
+#include "base/PathText.h"
 #include "base/ProductInfo.h"
 #include "base/Prompter.h"
 #include "items/GridRows.h"
@@ -27,7 +28,7 @@ constexpr int32_t kTextCloseLayout = 3124;
 constexpr int32_t kTextSaveChanges = 3125;
 
 bool hasLayoutExtension(const std::filesystem::path& file) {
-    std::string extension = file.extension().string();
+    std::string extension = pathText(file.extension());
     std::transform(extension.begin(), extension.end(), extension.begin(),
                    [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
     return extension == ".IIF";

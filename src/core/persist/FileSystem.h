@@ -6,6 +6,8 @@
 #include <system_error>
 #include <vector>
 
+#include "base/PathText.h"
+
 namespace kestrin {
 
 // What a save needs to know of a path before it writes.
@@ -50,8 +52,5 @@ public:
 
 // The operating system's file system, which saves use unless told otherwise.
 FileSystem& systemFileSystem();
-
-// A path as UTF-8 text for messages and for comparing names (on Linux its bytes as they are).
-std::string pathText(const std::filesystem::path& path);
 
 }  // namespace kestrin

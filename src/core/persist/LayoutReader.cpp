@@ -12,6 +12,7 @@
 #include "ProfileDocument.h"
 #include "ProfileStrings.h"
 #include "base/KestrinError.h"
+#include "base/PathText.h"
 #include "base/ProductInfo.h"
 #include "card/CIClass.h"
 #include "card/PageAddress.h"
@@ -446,7 +447,7 @@ LayoutReadResult readLayout(const fs::path& file, CIClass& card, RecordArray& re
     std::string error;
     auto doc = ProfileDocument::load(file, &error, kMaxLayoutFileBytes);
     if (!doc) {
-        result.message = "The layout " + file.string() + " could not be opened: " + error;
+        result.message = "The layout " + pathText(file) + " could not be opened: " + error;
         prompter.tell(Icon::Exclamation, result.message, kProductTitle);
         return result;
     }

@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "Cp1252.h"
+#include "base/PathText.h"
 
 namespace kestrin {
 
@@ -151,12 +152,12 @@ std::optional<ProfileDocument> ProfileDocument::load(const std::filesystem::path
         return std::nullopt;
     };
     std::error_code ec;
-    if (!std::filesystem::is_regular_file(file, ec)) return fail("not a readable file: " + file.string());
+    if (!std::filesystem::is_regular_file(file, ec)) return fail("not a readable file: " + pathText(file));
     const uintmax_t size = std::filesystem::file_size(file, ec);
-    if (ec) return fail("cannot read " + file.string() + ": " + ec.message());
-    if (size > maxBytes) return fail("file too large (" + std::to_string(size) + " bytes): " + file.string());
+    if (ec) return fail("cannot read " + pathText(file) + ": " + ec.message());
+    if (size > maxBytes) return fail("file too large (" + std::to_string(size) + " bytes): " + pathText(file));
     std::ifstream in(file, std::ios::binary);
-    if (!in) return fail("cannot open " + file.string());
+    if (!in) return fail("cannot open " + pathText(file));
     std::string bytes(static_cast<size_t>(size), '\0');
     in.read(bytes.data(), static_cast<std::streamsize>(size));
     bytes.resize(static_cast<size_t>(in.gcount()));

@@ -4,6 +4,7 @@
 #include <limits>
 #include <optional>
 
+#include "base/PathText.h"
 #include "text/PeStringTable.h"
 #include "text/TextCatalog.h"
 
@@ -72,7 +73,7 @@ int32_t CatalogRegistry::open(const std::filesystem::path& path, std::string* er
     }
     if (!catalog) {
         if (error)
-            *error = "Cannot open the language library \"" + path.string() + "\": " + reason + ".";
+            *error = "Cannot open the language library \"" + pathText(path) + "\": " + reason + ".";
         return 0;
     }
     const int32_t handle = ++m_lastHandle;
@@ -80,12 +81,12 @@ int32_t CatalogRegistry::open(const std::filesystem::path& path, std::string* er
     return handle;
 }
 
-bool CatalogRegistry::close(int32_t handle)
+bool CatalogRegistry::close(LanguageHandle handle)
 {
     return m_catalogs.erase(handle) != 0;
 }
 
-const Catalog* CatalogRegistry::find(int32_t handle) const
+const Catalog* CatalogRegistry::find(LanguageHandle handle) const
 {
     const auto found = m_catalogs.find(handle);
     return found == m_catalogs.end() ? nullptr : found->second.get();

@@ -6,11 +6,14 @@
 #include <string>
 
 #include "text/Catalog.h"
+#include "text/LanguageHandle.h"
 
 namespace kestrin {
 
-// The language libraries a host has opened, each under a nonzero 32-bit handle that the
-// host puts into LanguageDLL / CustomLanguageDLL. One registry per host process (or test).
+// The language libraries a host has opened, each under a small positive handle that the
+// host puts into LanguageDLL / CustomLanguageDLL. The handles it gives fit 32 bits, what a
+// 32-bit host keeps in such a property; any LanguageHandle may be looked up, so a module
+// handle is never cut to one of them. One registry per host process (or test).
 class CatalogRegistry {
 public:
     // Larger files are refused before they are read.
@@ -26,16 +29,16 @@ public:
     int32_t open(const std::filesystem::path& path, std::string* error = nullptr);
 
     // Forgets the library; false when the handle is not open.
-    bool close(int32_t handle);
+    bool close(LanguageHandle handle);
 
     // The library behind handle, or nullptr for 0 or a handle that is not open.
-    const Catalog* find(int32_t handle) const;
+    const Catalog* find(LanguageHandle handle) const;
 
     // How many libraries are open.
     std::size_t size() const { return m_catalogs.size(); }
 
 private:
-    std::map<int32_t, std::unique_ptr<Catalog>> m_catalogs;
+    std::map<LanguageHandle, std::unique_ptr<Catalog>> m_catalogs;
     int32_t m_lastHandle = 0;
 };
 

@@ -4,14 +4,17 @@
 #include <string_view>
 
 #include "TextIds.h"
+#include "text/LanguageHandle.h"
 
 namespace kestrin {
 
 class CatalogRegistry;
 
 // Finds the text a host shows for a text number: the custom library first, then the
-// standard library, then the caller's default, then a fixed marker. Keeps nothing but
-// the two handles, so a library opened or closed later is seen at once.
+// standard library, then the caller's default, then a fixed marker. A handle is looked up
+// in the registry first; one the registry does not know may be a library the host loaded
+// itself (a module handle on Windows). Keeps nothing but the two handles, so a library
+// opened, loaded or freed later is seen at once.
 class Translator {
 public:
     // What text() gives when no library has the number and there is no default.
@@ -19,19 +22,19 @@ public:
 
     explicit Translator(const CatalogRegistry* registry = nullptr);
 
-    int32_t LanguageDLL() const { return m_languageDll; }
-    void setLanguageDLL(int32_t handle) { m_languageDll = handle; }
-    int32_t CustomLanguageDLL() const { return m_customLanguageDll; }
-    void setCustomLanguageDLL(int32_t handle) { m_customLanguageDll = handle; }
+    LanguageHandle LanguageDLL() const { return m_languageDll; }
+    void setLanguageDLL(LanguageHandle handle) { m_languageDll = handle; }
+    LanguageHandle CustomLanguageDLL() const { return m_customLanguageDll; }
+    void setCustomLanguageDLL(LanguageHandle handle) { m_customLanguageDll = handle; }
 
-    // A zero or unknown handle is skipped; the default is returned as it stands.
+    // A zero handle, or one that names no library, is skipped; the default is returned as it stands.
     std::string text(int32_t id, std::string_view defaultText = {}) const;
     std::string text(const TextRef& ref) const { return text(ref.id, ref.defaultText); }
 
 private:
     const CatalogRegistry* m_registry;
-    int32_t m_languageDll = 0;
-    int32_t m_customLanguageDll = 0;
+    LanguageHandle m_languageDll = 0;
+    LanguageHandle m_customLanguageDll = 0;
 };
 
 }  // namespace kestrin
