@@ -46,8 +46,9 @@ int runMap(const CliOptions& o, std::ostream& out, std::ostream& err) {
     if (!session.open(layout, err)) return kExitRefused;
 
     GivenFile pdf(QString::fromStdString(o.pdf));
-    frmPreview preview(*session.doc.card(), session.doc.records(), session.doc.translator(),
-                       QString::fromStdString(pathText(std::filesystem::absolute(pathFromText(layout)))), PrintServices{nullptr, &pdf});
+    const QString layoutName = QString::fromStdString(pathText(std::filesystem::absolute(pathFromText(layout))));
+    frmPreview preview(*session.doc.card(), session.doc.records(), session.doc.translator(), layoutName,
+                       PrintServices{nullptr, &pdf});
     preview.resize(preview.sizeHint());  // the pictures show the whole grids, whatever the screen
     if (!o.pdf.empty()) {
         if (!printPreview(preview, true, true)) {
