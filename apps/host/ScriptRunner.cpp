@@ -10,6 +10,7 @@
 #include <QMetaProperty>
 
 #include "control/IClass.h"
+#include "items/ItemColor.h"
 
 namespace kestrin {
 
@@ -35,6 +36,8 @@ QVariant argumentOf(const QString& text, QMetaType type) {
 }
 
 QString shown(const QVariant& value) {
+    // A member declared to return a variant (SaveLayout) shows what the variant holds.
+    if (value.typeId() == QMetaType::QVariant) return shown(*static_cast<const QVariant*>(value.constData()));
     if (value.typeId() == QMetaType::Bool) return value.toBool() ? "True" : "False";
     if (value.canConvert<QObject*>() && value.typeId() == QMetaType::QObjectStar)
         return value.value<QObject*>() ? "object" : "Nothing";
@@ -48,6 +51,8 @@ ScriptRunner::ScriptRunner(IClass& control, std::function<void(const QString&)> 
     control_.setPrompter(&prompter_);
     control_.setFileChooser(&chooser_);
     control_.setDialogRunner([this](QDialog& dialog) { return runDialog(dialog); });
+    // A script saves the same files on every run and every system: new items take the same colours.
+    seedItemColors(1);
     QObject::connect(&control_, &IClass::Changed, [print] { print("event Changed"); });
     QObject::connect(&control_, &IClass::GenericEvent, [print](const QString& name, const QString& params) {
         print("event GenericEvent " + name + " " + params);

@@ -13,9 +13,21 @@ int32_t randomItemColor(std::mt19937& rng) {
     return red | (green << 8) | (blue << 16);
 }
 
-int32_t randomItemColor() {
+namespace {
+
+std::mt19937& threadGenerator() {
     static thread_local std::mt19937 rng{std::random_device{}()};
-    return randomItemColor(rng);
+    return rng;
+}
+
+}  // namespace
+
+int32_t randomItemColor() {
+    return randomItemColor(threadGenerator());
+}
+
+void seedItemColors(uint32_t seed) {
+    threadGenerator().seed(seed);
 }
 
 }  // namespace kestrin
