@@ -225,13 +225,13 @@ void IClass::setEncodePath(const QString& v) {
     doc_.setEncodePath(std::filesystem::path(v.toStdU16String()));
 }
 
-void IClass::setLanguageDLL(int handle) {
+void IClass::setLanguageDLL(LanguageHandle handle) {
     doc_.translator().setLanguageDLL(handle);
     rebuildGrids();
     if (!designMode_) applyToolTips();
 }
 
-void IClass::setCustomLanguageDLL(int handle) {
+void IClass::setCustomLanguageDLL(LanguageHandle handle) {
     doc_.translator().setCustomLanguageDLL(handle);
     // The same library as the standard one changes no text.
     if (handle == LanguageDLL()) return;

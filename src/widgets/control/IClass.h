@@ -10,6 +10,7 @@
 #include "card/IClassType.h"
 #include "document/LayoutDocument.h"
 #include "preview/DialogPrintServices.h"
+#include "text/LanguageHandle.h"
 
 class QDialog;
 class QLabel;
@@ -58,8 +59,15 @@ class IClass : public QWidget {
     Q_PROPERTY(QString LayoutFile READ LayoutFile)
     Q_PROPERTY(QString EncodePath READ EncodePath WRITE setEncodePath)
     Q_PROPERTY(bool Saved READ Saved)
+    // A language handle is a registry handle or, on Windows, a module handle from LoadLibrary: in a
+    // 64-bit Windows build the properties are 64-bit so that a module handle is kept whole.
+#if defined(_WIN64)
+    Q_PROPERTY(qlonglong LanguageDLL READ LanguageDLL WRITE setLanguageDLL)
+    Q_PROPERTY(qlonglong CustomLanguageDLL READ CustomLanguageDLL WRITE setCustomLanguageDLL)
+#else
     Q_PROPERTY(int LanguageDLL READ LanguageDLL WRITE setLanguageDLL)
     Q_PROPERTY(int CustomLanguageDLL READ CustomLanguageDLL WRITE setCustomLanguageDLL)
+#endif
     Q_PROPERTY(QString AppName READ AppName WRITE setAppName)
     Q_PROPERTY(QString SelectedGrid READ SelectedGrid)
 
@@ -124,10 +132,10 @@ public:
     QString EncodePath() const { return encodePath_; }
     void setEncodePath(const QString& v);
     bool Saved() const { return doc_.saved(); }
-    int LanguageDLL() const { return doc_.translator().LanguageDLL(); }
-    void setLanguageDLL(int handle);
-    int CustomLanguageDLL() const { return doc_.translator().CustomLanguageDLL(); }
-    void setCustomLanguageDLL(int handle);
+    LanguageHandle LanguageDLL() const { return doc_.translator().LanguageDLL(); }
+    void setLanguageDLL(LanguageHandle handle);
+    LanguageHandle CustomLanguageDLL() const { return doc_.translator().CustomLanguageDLL(); }
+    void setCustomLanguageDLL(LanguageHandle handle);
     QString AppName() const { return appName_; }
     void setAppName(const QString& v) { appName_ = v; }
     QString SelectedGrid() const { return selectedGrid_; }
