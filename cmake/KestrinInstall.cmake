@@ -2,6 +2,10 @@
 # under include/kestrin (a host writes #include <kestrin/IClass.h>), KestrinConfig.cmake with the
 # targets Kestrin::Core and Kestrin::Widgets, the Designer plugin, the command-line tool and the
 # demo host.
+if(WIN32 AND KESTRIN_WIDGETS)
+  include(${CMAKE_CURRENT_LIST_DIR}/KestrinWindowsPackage.cmake)
+  return()
+endif()
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 

@@ -26,7 +26,17 @@ foreach(dll ${KESTRIN_MINGW_DLLS})
   if(NOT EXISTS "${found}")
     message(FATAL_ERROR "The mingw-w64 run-time library ${dll}.dll was not found (asked ${CMAKE_CXX_COMPILER}).")
   endif()
-  list(APPEND KESTRIN_WINDOWS_RUNTIME_FILES "${found}|.")
+  # Debian's run-time DLLs carry their debug information (libstdc++ is 24 MB with it, 2 without):
+  # the copy in bin/, which is also what gets installed, is stripped.
+  set(stripped ${CMAKE_BINARY_DIR}/mingw-runtime/${dll}.dll)
+  if(NOT EXISTS ${stripped} OR ${found} IS_NEWER_THAN ${stripped})
+    file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/mingw-runtime)
+    execute_process(COMMAND ${CMAKE_STRIP} --strip-debug -o ${stripped} ${found} RESULT_VARIABLE rc)
+    if(NOT rc EQUAL 0)
+      message(FATAL_ERROR "Could not strip ${found} with ${CMAKE_STRIP}.")
+    endif()
+  endif()
+  list(APPEND KESTRIN_WINDOWS_RUNTIME_FILES "${stripped}|.")
 endforeach()
 
 foreach(entry ${KESTRIN_WINDOWS_RUNTIME_FILES})

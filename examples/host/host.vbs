@@ -1,7 +1,8 @@
 ' A badge-design host written in VBScript, run by cscript: it creates the control by its ProgID,
 ' gives it the host's settings, opens a layout of the work folder, fetches the project's fields,
 ' sets the application boundaries, saves, and prints what it reads, one line a step.
-' Usage: cscript //nologo host.vbs WORKFOLDER   (WORKFOLDER holds Visitors16K.IIF, .CHP and Sample.ini)
+' Usage: cscript //nologo host.vbs FOLDER, where FOLDER holds copies of examples\layouts\Visitors16K.IIF
+' and Visitors16K.CHP and of examples\project\Sample.ini; the layout there is saved again.
 Option Explicit
 
 Dim work, control, result
