@@ -156,6 +156,16 @@ std::vector<std::wstring> parameterNames(ITypeInfo* info, const wchar_t* method)
     return result;
 }
 
+// The type library registration names: the control's own DLL, which carries it as a resource.
+std::wstring registeredLibraryFile(ITypeLib* library) {
+    TLIBATTR* attr = nullptr;
+    if (FAILED(library->GetLibAttr(&attr))) return L"";
+    const std::wstring key = L"TypeLib\\" + guidText(attr->guid) + L"\\" + std::to_wstring(attr->wMajorVerNum) + L"." +
+                             std::to_wstring(attr->wMinorVerNum) + L"\\0\\" + (sizeof(void*) == 8 ? L"win64" : L"win32");
+    library->ReleaseTLibAttr(attr);
+    return registryText(key);
+}
+
 // The handles of language libraries are as wide as a module handle of this build.
 const std::wstring kHandle = sizeof(void*) == 8 ? L"I8" : L"I4";
 
@@ -163,6 +173,11 @@ TEST(TypeLibrary, TheRegisteredLibraryHoldsExactlyTheControlsInterface) {
     Ref<ITypeLib> library;
     library.p = registeredLibrary();
     ASSERT_TRUE(library.p) << "the registry names no loadable type library for Kestrin.iClass";
+    const std::filesystem::path file = registeredLibraryFile(library.p);
+    // The library registered is the DLL's own resource.
+    EXPECT_EQ(_wcsicmp(file.filename().c_str(), L"Kestrin.dll"), 0) << file;
+    Ref<ITypeLib> embedded;
+    EXPECT_EQ(LoadTypeLibEx(file.c_str(), REGKIND_NONE, embedded.out()), S_OK);
     Ref<ITypeInfo> coclass;
     ASSERT_EQ(library->GetTypeInfoOfGuid(controlClass(), coclass.out()), S_OK);
     Ref<ITypeInfo> face, events;
@@ -295,6 +310,36 @@ TEST(Events, ChangedAndGenericEventReachASinkConnectedToTheEventSource) {
     sink.received.clear();
     EXPECT_EQ(control.call(L"OpenLayout", {&staff}, &opened).hr, S_OK);
     EXPECT_TRUE(sink.received.empty());
+}
+
+// A module handle set from COM comes back whole, 64 bits in a 64-bit build; a handle that is not a
+// module leaves the control working with its built-in texts.
+TEST(Properties, LanguageHandlesAndTextsRoundTripThroughTheDispatchInterface) {
+    Automation control(L"Kestrin.iClass");
+    ASSERT_TRUE(control.dispatch());
+    const long long module = reinterpret_cast<long long>(GetModuleHandleW(L"kernel32.dll"));
+    for (const wchar_t* property : {L"LanguageDLL", L"CustomLanguageDLL"}) {
+        for (const long long handle : {module, 0x12345678LL, 0LL}) {
+            Variant value(handle), back;
+            EXPECT_EQ(control.put(property, value).hr, S_OK) << property;
+            EXPECT_EQ(control.get(property, &back).hr, S_OK) << property;
+            EXPECT_EQ(VariantChangeType(&back, &back, 0, VT_I8), S_OK);
+            EXPECT_EQ(back.llVal, handle) << property;
+        }
+    }
+    Variant opened, staff(fixture("layouts/Staff.IIF"));
+    EXPECT_EQ(control.call(L"OpenLayout", {&staff}, &opened).hr, S_OK);
+    const std::pair<const wchar_t*, std::wstring> texts[] = {
+        {L"ProjectFile", L"C:\\Badges\\Ünïcode 日本.ini"}, {L"IifDirectory", L"C:\\Badges"},
+        {L"PellmarkINI", L""}, {L"EncodePath", L"D:\\Encode"}, {L"AppName", L"Badge host"}};
+    for (const auto& [property, text] : texts) {
+        Variant value(text), back;
+        EXPECT_EQ(control.put(property, value).hr, S_OK) << property;
+        EXPECT_EQ(control.get(property, &back).hr, S_OK) << property;
+        EXPECT_EQ(back.text(), text) << property;
+    }
+    Variant readOnly(std::wstring(L"X.IIF"));
+    EXPECT_NE(control.put(L"LayoutFile", readOnly).hr, S_OK);
 }
 
 TEST(Errors, RaisedErrorsReachTheCallerAsAutomationErrors) {
