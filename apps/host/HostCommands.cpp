@@ -2,6 +2,7 @@
 // toolbar, the window title with the unsaved mark, the status bar and recent files. Each
 // command calls the control's members by name, as any host does.
 #include <QAction>
+#include <QCoreApplication>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QKeySequence>
@@ -111,18 +112,25 @@ void HostWindow::chooseAndOpen() {
     if (!file.isEmpty()) openLayout(file);
 }
 
-// A library is loaded once for the process; its handle goes to the control like any host's.
+// A library is loaded once for the process; its handle goes to the control like any host's (on
+// Windows a language DLL's module handle). Windows hosts keep their language DLLs beside the
+// program, so there the dialog starts in the program's folder.
 void HostWindow::chooseLanguage(const char* property) {
-    const QString file = QFileDialog::getOpenFileName(this, QStringLiteral("Language Library"), QString(),
+#ifdef _WIN32
+    const QString folder = QCoreApplication::applicationDirPath();
+#else
+    const QString folder;
+#endif
+    const QString file = QFileDialog::getOpenFileName(this, QStringLiteral("Language Library"), folder,
                                                       QStringLiteral("Language libraries (*.dll *.DLL *.txt);;All files (*)"));
     if (file.isEmpty()) return;
     QString why;
-    const int32_t handle = loadLanguageLibrary(file, &why);
+    const LanguageHandle handle = loadLanguageLibrary(file, &why);
     if (handle == 0) {
         QMessageBox::warning(this, QStringLiteral("Language Library"), why);
         return;
     }
-    control_->setProperty(property, handle);
+    control_->setProperty(property, qlonglong{handle});
     statusBar()->showMessage(QFileInfo(file).fileName() + QStringLiteral(" loaded"), 5000);
 }
 

@@ -1,5 +1,6 @@
 #include "HostWindow.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QDockWidget>
 #include <QFile>
@@ -15,13 +16,27 @@
 
 namespace kestrin {
 
+namespace {
+
+// The English texts: on Windows the language DLL beside the program, loaded as a Windows host
+// loads its language library; the bundled text catalog where there is none.
+QString standardLanguageLibrary(const QDir& examples) {
+#ifdef _WIN32
+    const QString dll = QCoreApplication::applicationDirPath() + QStringLiteral("/kestrin-en.dll");
+    if (QFile::exists(dll)) return dll;
+#endif
+    return examples.filePath("lang/kestrin-en.txt");
+}
+
+}  // namespace
+
 void setUpSampleProject(IClass& control, const QString& folder) {
     const QDir examples(KESTRIN_EXAMPLES);
     QDir().mkpath(folder + "/layouts");
     for (const char* name : {"Staff.IIF", "Staff.CHP", "Visitors16K.IIF", "Visitors16K.CHP"})
         if (!QFile::exists(folder + "/layouts/" + QString(name)))
             QFile::copy(examples.filePath(QString("layouts/") + name), folder + "/layouts/" + QString(name));
-    control.setProperty("LanguageDLL", loadLanguageLibrary(examples.filePath("lang/kestrin-en.txt")));
+    control.setProperty("LanguageDLL", qlonglong{loadLanguageLibrary(standardLanguageLibrary(examples))});
     control.setProperty("AppName", "Kestrin demo host");
     control.setProperty("ProjectFile", examples.filePath("project/Sample.ini"));
     control.setProperty("IifDirectory", folder + "/layouts");

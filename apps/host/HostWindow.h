@@ -49,7 +49,8 @@ private:
 };
 
 // Copies the bundled sample project and layouts into folder (once) so saving never touches
-// the bundled files; sets the control's stored properties to them.
+// the bundled files; sets the control's stored properties to them and loads the English texts
+// as its standard language library (on Windows kestrin-en.dll beside the program, if there).
 void setUpSampleProject(IClass& control, const QString& folder);
 
 }  // namespace kestrin
