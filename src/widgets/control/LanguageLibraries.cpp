@@ -43,9 +43,12 @@ LanguageHandle loadModule(const QString& file, QString* error) {
     const HMODULE module = LoadLibraryExW(reinterpret_cast<const wchar_t*>(path.utf16()), nullptr,
                                           LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE);
     if (!module) {
+        const auto code = static_cast<int>(GetLastError());
+        QString reason = qt_error_string(code).trimmed();
+        if (reason.endsWith(u'.')) reason.chop(1);
         if (error)
-            *error = QStringLiteral("Cannot open the language library \"%1\": Windows cannot load it (%2).")
-                         .arg(path, qt_error_string(static_cast<int>(GetLastError())));
+            *error = QStringLiteral("Cannot open the language library \"%1\": Windows cannot load it (error %2: %3).")
+                         .arg(path, QString::number(code), reason);
         return 0;
     }
     const auto handle = reinterpret_cast<LanguageHandle>(module);

@@ -80,14 +80,15 @@ TEST(LanguageDll, TheControlShowsTheTextsOfTheLibrariesItWasHanded) {
     const std::string englishTip =
         TextCatalog::parse(readBytes(KESTRIN_EXAMPLES "/lang/kestrin-en.txt"))->lookup(3195).value_or("?");
     const Shown english{"Field(s) or Function", "Function Properties", englishTip, kSelectFirst};
+    const std::string customText = "Custom: Wählen Sie zuerst ein Element.", standardText = "Standard: select an item first.";
     const struct {
         HMODULE custom, standard;
         Shown want;
     } cases[] = {
         {nullptr, dll.english, english},
-        {dll.custom, dll.english, {english.itemHeader, english.updateHeader, englishTip, "Custom: Wählen Sie zuerst ein Element."}},
-        {nullptr, dll.standard, {kDefaults.itemHeader, kDefaults.updateHeader, "*=*+*", "Standard: select an item first."}},
-        {dll.custom, dll.standard, {kDefaults.itemHeader, kDefaults.updateHeader, "*=*+*", "Custom: Wählen Sie zuerst ein Element."}},
+        {dll.custom, dll.english, {english.itemHeader, english.updateHeader, englishTip, customText}},
+        {nullptr, dll.standard, {kDefaults.itemHeader, kDefaults.updateHeader, "*=*+*", standardText}},
+        {dll.custom, dll.standard, {kDefaults.itemHeader, kDefaults.updateHeader, "*=*+*", customText}},
         {dll.english, dll.custom, english},
         {nullptr, nullptr, kDefaults},
     };
