@@ -39,7 +39,7 @@ struct Libraries {
     }
 };
 
-// What the operator sees of the texts: the two grids' headers and tool tips, and the message a
+// What the operator sees of the texts: the two grids' headers, the item grid's tool tip and the message a
 // command without a selected item shows.
 struct Shown {
     std::string itemHeader, updateHeader, itemTip, message;
