@@ -34,6 +34,11 @@ foreach(program kestrin kestrin-host)
   endif()
 endforeach()
 
+# The demo host's sample project, layouts, catalog and scripts.
+if(TARGET kestrin-host)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${CMAKE_INSTALL_DATADIR}/kestrin/examples)
+endif()
+
 install(TARGETS ${kestrin_exported} EXPORT KestrinTargets
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} INCLUDES DESTINATION ${kestrin_include_dir})

@@ -6,9 +6,7 @@
 install(TARGETS kestrin-activex kestrin kestrin-host RUNTIME DESTINATION .)
 install(FILES ${PROJECT_BINARY_DIR}/src/activex/Kestrin.tlb ${PROJECT_SOURCE_DIR}/src/activex/README-Windows.txt
         DESTINATION .)
-if(TARGET kestrin-lang-en)
-  install(FILES $<TARGET_FILE:kestrin-lang-en> DESTINATION .)
-endif()
+install(FILES $<TARGET_PROPERTY:kestrin-en,KESTRIN_LANGUAGE_DLL> DESTINATION .)
 foreach(entry ${KESTRIN_WINDOWS_RUNTIME_FILES})
   string(REPLACE "|" ";" entry "${entry}")
   list(GET entry 0 file)

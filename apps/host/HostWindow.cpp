@@ -12,6 +12,7 @@
 #include <QPlainTextEdit>
 
 #include "control/IClass.h"
+#include "Examples.h"
 #include "control/LanguageLibraries.h"
 
 namespace kestrin {
@@ -31,7 +32,7 @@ QString standardLanguageLibrary(const QDir& examples) {
 }  // namespace
 
 void setUpSampleProject(IClass& control, const QString& folder) {
-    const QDir examples(KESTRIN_EXAMPLES);
+    const QDir examples(examplesFolder());
     QDir().mkpath(folder + "/layouts");
     for (const char* name : {"Staff.IIF", "Staff.CHP", "Visitors16K.IIF", "Visitors16K.CHP"})
         if (!QFile::exists(folder + "/layouts/" + QString(name)))

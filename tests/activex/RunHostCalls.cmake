@@ -4,7 +4,7 @@ cmake_minimum_required(VERSION 3.25)
 # given) and that the saved layout and chip encode file are the bytes in EXPECTED, with the old
 # layout kept as the backup.
 #   COMMAND: the host's command line, "|"-separated; the text %WORK% in it stands for the work
-#            folder as a Windows path (Z:\...) and %UNIXWORK% for it as it is.
+#            folder as a Windows path (WINWORK, by default Z:\...) and %UNIXWORK% for it as it is.
 #   UPDATE=ON writes the saved files into EXPECTED instead (done with the Linux build only).
 file(REMOVE_RECURSE ${WORK})
 file(MAKE_DIRECTORY ${WORK})
@@ -12,7 +12,11 @@ foreach(file layouts/Visitors16K.IIF layouts/Visitors16K.CHP project/Sample.ini)
   file(COPY ${EXAMPLES}/${file} DESTINATION ${WORK})
 endforeach()
 
-string(REPLACE "/" "\\" windows_work "Z:${WORK}")
+if(WINWORK)
+  set(windows_work "${WINWORK}")
+else()
+  string(REPLACE "/" "\\" windows_work "Z:${WORK}")
+endif()
 string(REPLACE "%WORK%" "${windows_work}" command "${COMMAND}")
 string(REPLACE "%UNIXWORK%" "${WORK}" command "${command}")
 string(REPLACE "|" ";" command "${command}")
