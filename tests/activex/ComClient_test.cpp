@@ -362,6 +362,12 @@ TEST(Errors, RaisedErrorsReachTheCallerAsAutomationErrors) {
                   std::make_tuple(DISP_E_EXCEPTION, c.code, std::wstring(L"iClass UserControl"), c.description))
             << c.argument;
     }
+    // The page collection's lookup error: a one-page card takes no application boundaries.
+    Variant noDialog(false), boundaries(std::wstring(L"10|11|12|13|14|15|16|17"));
+    EXPECT_EQ(control.call(L"NewLayout", {&noDialog}).hr, S_OK);
+    const CallResult lookup = control.call(L"SetAppBoundaries", {&boundaries});
+    EXPECT_EQ(std::make_tuple(lookup.hr, lookup.code), std::make_tuple(DISP_E_EXCEPTION, WORD(9)));
+    EXPECT_FALSE(lookup.description.empty());
     // After an error the control goes on: the next call succeeds.
     Variant opened, staff(fixture("layouts/Staff.IIF"));
     EXPECT_EQ(control.call(L"OpenLayout", {&staff}, &opened).hr, S_OK);
