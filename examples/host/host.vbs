@@ -49,5 +49,8 @@ control.SetAppBoundaries "20|21|22|23|24|25|26|27"
 Show "SaveLayout", control.SaveLayout
 Show "Saved", control.Saved
 Show "SelectedGrid", control.SelectedGrid
+' The bridge's probe name "1" is served silently: an empty text, no object.
 Show "GetPropertyValue(1)", "[" & control.GetPropertyValue("1") & "]"
+Show "GetObjectProperty(1) Is Nothing", control.GetObjectProperty("1") Is Nothing
+control.SetObjectProperty "1", Nothing
 control.CallGenericFunction "1"

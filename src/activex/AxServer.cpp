@@ -37,6 +37,7 @@ bool containerInUserMode(IUnknown* clientSite) {
 }  // namespace
 
 iClass::iClass(QWidget* parent) : kestrin::IClass(parent) {
+    // GetObjectProperty's result reaches the caller as a VARIANT only as a type Qt knows by name.
     qRegisterMetaType<IDispatch*>("IDispatch*");
     // A raised error ends the COM call as an automation error with its number, source and text.
     connect(this, &kestrin::IClass::exception, this,

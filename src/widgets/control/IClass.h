@@ -28,9 +28,9 @@ class MessageBoxPrompter;
 // document, which holds the layout and decides what every command does.
 //
 // A host drives it only by member name through the meta-object (properties and invokable
-// methods below, declared in the host interface's order; ActiveQt turns exactly this into the
-// dispatch interface). Messages go through the Prompter, file names through the FileChooser,
-// so a host or a test can replace both.
+// methods below, declared in the host interface's order); on Windows the ActiveX control iClass
+// (src/activex) gives COM hosts the same members. Messages go through the Prompter, file names
+// through the FileChooser, so a host or a test can replace both.
 //
 // Errors: no C++ exception leaves a member. A run-time error the control raises ("No filename
 // given.", "File doesn't exist", the page collection's lookup errors) is reported through the

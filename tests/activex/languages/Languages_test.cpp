@@ -6,7 +6,6 @@
 #include <QDir>
 #include <QTableView>
 #include <gtest/gtest.h>
-#include <memory>
 
 #include "control/IClass.h"
 #include "control/LanguageLibraries.h"
@@ -112,25 +111,6 @@ TEST(LanguageDll, ThePropertiesKeepAModuleHandleWhole) {
         EXPECT_EQ(host.control.property(property).toLongLong(), handleOf(dll.english)) << property;
         EXPECT_EQ(host.shown().message, kSelectFirst) << property;
     }
-}
-
-// Numbers that are no loaded library give the defaults, whichever property holds them.
-TEST(LanguageDll, HandlesThatAreNoLibraryGiveTheDefaults) {
-    const std::string image = readBytes(wide(kEnglishDll));
-    const auto copy = std::make_unique<char[]>(image.size());  // the library's bytes, not loaded
-    std::copy(image.begin(), image.end(), copy.get());
-    const HMODULE freed = LoadLibraryExW(wide(kEnglishDll).c_str(), nullptr, LOAD_LIBRARY_AS_IMAGE_RESOURCE);
-    ASSERT_NE(freed, nullptr);
-    FreeLibrary(freed);
-    const std::pair<const char*, LanguageHandle> handles[] = {
-        {"made-up number", 0x12345678}, {"heap copy of the library", reinterpret_cast<LanguageHandle>(copy.get())},
-        {"-1", -1}, {"freed library", handleOf(freed)}};
-    for (const auto& [what, handle] : handles)
-        for (const char* property : {"LanguageDLL", "CustomLanguageDLL"}) {
-            Host host;
-            host.set(property, handle);
-            expectShown(host.shown(), kDefaults, std::string(what) + " in " + property);
-        }
 }
 
 // How the demo host loads its libraries, as a Windows host does: a DLL is loaded by Windows and freed
