@@ -11,8 +11,8 @@
 #include <QMetaProperty>
 #include <QPlainTextEdit>
 
-#include "control/IClass.h"
 #include "Examples.h"
+#include "control/IClass.h"
 #include "control/LanguageLibraries.h"
 
 namespace kestrin {

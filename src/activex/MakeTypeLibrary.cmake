@@ -1,6 +1,6 @@
 # Writes the control's interface with ActiveQt's idc (a Windows program, run under Wine through
 # RUN) from the server DLL SERVER, makes it the interface hosts know, and compiles it into the
-# type library TLB with widl.
+# type library TLB with WIDL for a 64-bit (BITS 64) or 32-bit Windows.
 #
 # What changes in idc's text: the interfaces take the names hosts know (_iClass, the events
 # __iClass), ShowAbout the standard about-box identifier, parameters their own names without
@@ -45,10 +45,17 @@ string(REGEX REPLACE "([ *])p_([A-Za-z])" "\\1\\2" idl "${idl}")
 file(WRITE ${IDL} "${idl}")
 
 # widl is mingw-w64's midl; Wine's IDL files and its stdole2.tlb serve the imports.
-find_program(WIDL NAMES x86_64-w64-mingw32-widl widl REQUIRED)
+if(BITS EQUAL 64)
+  set(target --win64)
+  set(wine_libraries x86_64-windows)
+else()
+  set(target --win32)
+  set(wine_libraries i386-windows)
+endif()
 find_path(WINE_IDL_DIR ocidl.idl PATHS /usr/include/wine/wine/windows REQUIRED NO_CACHE)
-find_path(STDOLE_DIR stdole2.tlb PATHS /usr/lib/x86_64-linux-gnu/wine/x86_64-windows REQUIRED NO_CACHE)
-execute_process(COMMAND ${WIDL} --win64 -I ${WINE_IDL_DIR} -L ${STDOLE_DIR} -t -o ${TLB} ${IDL}
+find_path(STDOLE_DIR stdole2.tlb PATHS /usr/lib/x86_64-linux-gnu/wine/${wine_libraries}
+          /usr/lib/i386-linux-gnu/wine/${wine_libraries} REQUIRED NO_CACHE)
+execute_process(COMMAND ${WIDL} ${target} -I ${WINE_IDL_DIR} -L ${STDOLE_DIR} -t -o ${TLB} ${IDL}
                 RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE out)
 if(NOT rc EQUAL 0)
   message(FATAL_ERROR "widl could not compile ${IDL} (${rc}):\n${out}")
