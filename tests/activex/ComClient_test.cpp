@@ -224,6 +224,33 @@ TEST(TypeLibrary, TheRegisteredLibraryHoldsExactlyTheControlsInterface) {
     EXPECT_EQ(parameterNames(events.p, L"GenericEvent"), (std::vector<std::wstring>{L"sEventName", L"sParamList"}));
 }
 
+// What regsvr32 wrote for a container: the control class by both ProgIDs, the server DLL, the
+// control and type library marks, and the toolbox picture in the DLL.
+TEST(Registration, TheRegistryNamesTheControlItsServerAndItsToolboxPicture) {
+    const std::wstring clsid = guidText(controlClass()), key = L"CLSID\\" + clsid;
+    EXPECT_EQ(registryText(L"Kestrin.iClass\\CLSID"), clsid);
+    EXPECT_EQ(registryText(L"Kestrin.iClass\\CurVer"), L"Kestrin.iClass.1");
+    EXPECT_EQ(registryText(L"Kestrin.iClass.1\\CLSID"), clsid);
+    EXPECT_EQ(registryText(key + L"\\ProgID"), L"Kestrin.iClass.1");
+    EXPECT_EQ(registryText(key + L"\\VersionIndependentProgID"), L"Kestrin.iClass");
+    HKEY control = nullptr;
+    EXPECT_EQ(RegOpenKeyW(HKEY_CLASSES_ROOT, (key + L"\\Control").c_str(), &control), ERROR_SUCCESS);
+    if (control) RegCloseKey(control);
+    const std::filesystem::path server = registryText(key + L"\\InprocServer32");
+    EXPECT_EQ(_wcsicmp(server.filename().c_str(), L"Kestrin.dll"), 0) << server;
+    // "path", 101: the bitmap a toolbox shows, 16 by 15 pixels.
+    const std::wstring toolbox = registryText(key + L"\\ToolboxBitmap32");
+    ASSERT_NE(toolbox.rfind(L", 101"), std::wstring::npos) << toolbox;
+    const HMODULE module = LoadLibraryExW(server.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE);
+    ASSERT_NE(module, nullptr);
+    const HBITMAP picture = static_cast<HBITMAP>(LoadImageW(module, MAKEINTRESOURCEW(101), IMAGE_BITMAP, 0, 0, 0));
+    BITMAP size{};
+    EXPECT_TRUE(picture && GetObjectW(picture, sizeof(size), &size));
+    EXPECT_EQ(std::make_pair(size.bmWidth, size.bmHeight), std::make_pair(LONG(16), LONG(15)));
+    if (picture) DeleteObject(picture);
+    FreeLibrary(module);
+}
+
 // A host's event sink for __iClass, writing down each event as it arrives. COM objects end by
 // Release, never by a destructor through an interface, so interfaces have no virtual destructors.
 #pragma GCC diagnostic push
