@@ -7,13 +7,25 @@ namespace kestrin::cli {
 const char* usageText() {
     return "usage: kestrin info LAYOUT.IIF [--json] [--project PROJECT] [--yes] [--lang FILE] [--custom-lang FILE]\n"
            "       kestrin check LAYOUT.IIF [--json] [--project PROJECT] [--yes] [--lang FILE]\n"
-           "       kestrin map LAYOUT.IIF [--pdf OUT.pdf] [--png DIR] [--project PROJECT] [--lang FILE]\n"
+           "       kestrin map LAYOUT.IIF [--pdf OUT.pdf] [--png DIR [--dpi N]] [--project PROJECT] [--lang FILE]\n"
            "       kestrin rewrite LAYOUT.IIF [--to OUT.IIF] [--project PROJECT] [--yes] [--lang FILE]\n"
            "       kestrin fields PROJECT [--json]\n";
 }
 
+namespace {
+
+// A resolution for the pictures: digits only, within what a sheet's picture can take in memory.
+bool parseDpi(const std::string& text, int& dpi) {
+    if (text.empty() || text.size() > 4 || text.find_first_not_of("0123456789") != std::string::npos) return false;
+    dpi = std::stoi(text);
+    return dpi >= CliOptions::kMinDpi && dpi <= CliOptions::kMaxDpi;
+}
+
+}  // namespace
+
 std::optional<CliOptions> parseCommandLine(const std::vector<std::string>& arguments, std::string& error) {
     CliOptions o;
+    bool dpiGiven = false;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string_view a = arguments[i];
         auto value = [&](std::string& target) {
@@ -38,6 +50,15 @@ std::optional<CliOptions> parseCommandLine(const std::vector<std::string>& argum
             if (!value(o.pdf)) return std::nullopt;
         } else if (a == "--png") {
             if (!value(o.png)) return std::nullopt;
+        } else if (a == "--dpi") {
+            std::string dpi;
+            if (!value(dpi)) return std::nullopt;
+            if (!parseDpi(dpi, o.dpi)) {
+                error = "--dpi takes a whole number from " + std::to_string(CliOptions::kMinDpi) + " to " +
+                        std::to_string(CliOptions::kMaxDpi) + ", not " + dpi;
+                return std::nullopt;
+            }
+            dpiGiven = true;
         } else if (a == "--custom-lang") {
             if (!value(o.customLang)) return std::nullopt;
         } else if (a.size() > 1 && a.front() == '-') {
@@ -64,6 +85,10 @@ std::optional<CliOptions> parseCommandLine(const std::vector<std::string>& argum
     }
     if ((!o.pdf.empty() || !o.png.empty()) && o.command != "map") {
         error = "--pdf and --png go with map";
+        return std::nullopt;
+    }
+    if (dpiGiven && o.png.empty()) {
+        error = "--dpi goes with map --png";
         return std::nullopt;
     }
     if (!o.to.empty() && o.command != "rewrite") {

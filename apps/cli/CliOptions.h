@@ -18,6 +18,8 @@ struct CliOptions {
     std::string customLang;  // --custom-lang: the customer's language library
     std::string pdf;         // map --pdf
     std::string png;         // map --png
+    int dpi = kDefaultDpi;   // map --png --dpi: the pictures' resolution
+    static constexpr int kDefaultDpi = 96, kMinDpi = 24, kMaxDpi = 600;
 };
 
 // Parses the arguments after the program's name; nothing (with a message in error) on wrong usage.

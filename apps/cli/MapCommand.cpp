@@ -1,6 +1,6 @@
 #include <QApplication>
 #include <QDir>
-#include <QPixmap>
+#include <QImage>
 #include <filesystem>
 #include <ostream>
 
@@ -66,7 +66,7 @@ int runMap(const CliOptions& o, std::ostream& out, std::ostream& err) {
         for (int view = 0; view < preview.viewCount(); ++view) {
             preview.showView(view);
             const QString file = dir.filePath(QString("view-%1.png").arg(view + 1));
-            if (!preview.grab().save(file)) {
+            if (!sheetImage(preview, o.dpi).save(file)) {
                 err << "kestrin: cannot write " << file.toStdString() << '\n';
                 return kExitRefused;
             }

@@ -63,6 +63,12 @@ TEST(Cli, ExitCodesAndMessages) {
         {"info L --to b", "", 2, "=", "kestrin: --to goes with rewrite\n"},
         {"check L --png x", "", 2, "=", "kestrin: --pdf and --png go with map\n"},
         {"map L", "", 2, "=", "kestrin: map needs --pdf or --png\n"},
+        {"map L --pdf x.pdf --dpi 300", "", 2, "=", "kestrin: --dpi goes with map --png\n"},
+        {"map L --png x --dpi 23", "", 2, "=", "kestrin: --dpi takes a whole number from 24 to 600, not 23\n"},
+        {"map L --png x --dpi 601", "", 2, "=", "kestrin: --dpi takes a whole number from 24 to 600, not 601\n"},
+        {"map L --png x --dpi 99999999999", "", 2, "=", "--dpi takes a whole number from 24 to 600, not 99999999999\n"},
+        {"map L --png x --dpi -96", "", 2, "=", "--dpi takes a whole number from 24 to 600, not -96\n"},
+        {"map L --png x --dpi 1e3", "", 2, "=", "--dpi takes a whole number from 24 to 600, not 1e3\n"},
         {"info /nonexistent/L.IIF", "", 1, "=", "kestrin: iClass UserControl: File doesn't exist"},
         {"info L", kLater, 1, "=", "The file was created with version 9.0.0\n"},
         {"info L", kLater, 1, "=",
@@ -148,7 +154,20 @@ TEST(Cli, DroppedEntriesAreCheckedFirstAndWarnedOf) {
 }
 
 #ifdef KESTRIN_CLI_HAS_MAP
-TEST(Cli, MapWritesAPdfPageAndAPngPerView) {
+// The width and height a PNG file's header gives.
+std::pair<int, int> pngSize(const fs::path& png) {
+    const std::string bytes = fs::exists(png) ? readBytes(png.string()) : std::string();
+    if (bytes.size() < 24 || bytes.compare(12, 4, "IHDR") != 0) return {0, 0};
+    auto number = [&](std::size_t at) {
+        return int(static_cast<unsigned char>(bytes[at])) << 24 | int(static_cast<unsigned char>(bytes[at + 1])) << 16 |
+               int(static_cast<unsigned char>(bytes[at + 2])) << 8 | int(static_cast<unsigned char>(bytes[at + 3]));
+    };
+    return {number(16), number(20)};
+}
+
+// A PDF sheet a view, and a PNG a view drawn at the resolution asked: the same sheet at twice the
+// resolution is twice as wide and high.
+TEST(Cli, MapWritesAPdfPageAndAPngPerViewAtTheResolutionAsked) {
     TempDir dir;
     setenv("ASAN_OPTIONS", "detect_leaks=0", 1);  // Qt's threads upset LeakSanitizer at exit
     const CliRun run = kestrin("map " + kExamples + "/layouts/Visitors16K.IIF --pdf '" + (dir / "map.pdf").string() +
@@ -160,11 +179,15 @@ TEST(Cli, MapWritesAPdfPageAndAPngPerView) {
     const std::string pdfInfo(buf, fread(buf, 1, sizeof buf, pipe));
     pclose(pipe);
     EXPECT_TRUE(std::regex_search(pdfInfo, std::regex("Pages: +4\n"))) << pdfInfo;
+    const auto sheet = pngSize(dir / "png" / "view-1.png");
+    EXPECT_GT(sheet.second, sheet.first);  // a sheet of paper, upright
+    EXPECT_NEAR(sheet.first, 96 * 8.27, 96 * 0.3);  // A4 or Letter, about 8.3 or 8.5 inches wide at 96 dpi
     for (int view = 1; view <= 5; ++view)
-        EXPECT_EQ(fs::exists(dir / "png" / ("view-" + std::to_string(view) + ".png")) &&
-                      fs::file_size(dir / "png" / ("view-" + std::to_string(view) + ".png")) > 1000,
-                  view < 5)
-            << view;
+        EXPECT_EQ(pngSize(dir / "png" / ("view-" + std::to_string(view) + ".png")), view < 5 ? sheet : std::pair(0, 0)) << view;
+    ASSERT_EQ(kestrin("map " + kExamples + "/layouts/Staff.IIF --png '" + (dir / "sharp").string() + "' --dpi 192").exit, 0);
+    const auto sharp = pngSize(dir / "sharp" / "view-1.png");
+    EXPECT_NEAR(sharp.first, 2 * sheet.first, 1);
+    EXPECT_NEAR(sharp.second, 2 * sheet.second, 1);
 }
 #endif
 

@@ -113,6 +113,10 @@ TEST_P(Printing, OptionsDialogDrivesThePrintingAndEnterOnTheFocusedPrintRunsIt) 
     EXPECT_NE(text.find("<Filename>: C:/layouts/Staff.IIF; <Date>: "), std::string::npos) << text;
     EXPECT_NE(text.find("; <Time>: "), std::string::npos);
     EXPECT_EQ(text.find("<PAGES> 6 <and> 7") != std::string::npos, GetParam() == iBigEightPages) << text;
+    // The grids drawn as lines and text, not pictures: the fixed areas, the blocks and the item read.
+    EXPECT_EQ(run("pdfimages", {"-list", file}).find("image"), std::string::npos);
+    for (const char* shown : {"Card Serial Number", "Configuration Data", "Name", " 19 ", " 31"})
+        EXPECT_NE(text.find(shown), std::string::npos) << shown << " in\n" << text;
     preview->show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(preview.get()));
     preview->findChild<QPushButton*>("cmdPrint")->setFocus();
@@ -124,29 +128,28 @@ TEST_P(Printing, OptionsDialogDrivesThePrintingAndEnterOnTheFocusedPrintRunsIt) 
 
 INSTANTIATE_TEST_SUITE_P(Chips, Printing, ::testing::Values(iSmallOnePage, iBigOnePage, iBigEightPages));
 
-// The grid pictures of a sheet: side by side, none over another, all on the paper at one scale;
-// at their screen size where the paper allows, otherwise as large as it allows.
-TEST(PrintedSheet, PlacesTheGridsSideBySideOnThePaper) {
-    struct Case { int pictures; QSizeF paper; bool screenSize; };
-    const QSizeF picture(400, 300), a4(9921, 14031);  // A4's printable area at 1200 dpi
-    for (const auto& [count, paper, screenSize] : {Case{1, a4, true}, Case{2, a4, false}, Case{2, {20000, 3000}, false}}) {
-        const std::vector<QRectF> places = gridPlacement(std::vector<QSizeF>(count, picture), paper, 1200, 96);
+// The grids of a sheet: side by side, none over another, all on the paper at one scale, as large
+// as the paper's width or height allows, whatever their size on the screen.
+TEST(PrintedSheet, PlacesTheGridsSideBySideAsLargeAsThePaperAllows) {
+    struct Case { int grids; QSizeF grid, paper; };
+    const QSizeF a4(9921, 14031), letter(10200, 13200);  // printable areas at 1200 dpi
+    for (const auto& [count, grid, paper] : {Case{1, {400, 300}, a4}, Case{2, {400, 300}, a4}, Case{1, {236, 530}, letter},
+                                             Case{2, {236, 530}, a4}, Case{2, {400, 300}, {20000, 3000}}}) {
+        const std::vector<QRectF> places = gridPlacement(std::vector<QSizeF>(count, grid), paper, 1200);
         ASSERT_EQ(places.size(), std::size_t(count));
-        const double scale = places[0].width() / picture.width();
+        const double scale = places[0].width() / grid.width();
         double reach = 0;
         for (std::size_t i = 0; i < places.size(); ++i) {
-            EXPECT_EQ(places[i].size(), picture * scale) << count << " pictures, picture " << i;
-            EXPECT_TRUE(QRectF(QPointF(), paper + QSizeF(0.01, 0.01)).contains(places[i])) << count << " pictures, " << i;
+            EXPECT_EQ(places[i].size(), grid * scale) << count << " grids, grid " << i;
+            EXPECT_TRUE(QRectF(QPointF(), paper + QSizeF(0.01, 0.01)).contains(places[i])) << count << " grids, " << i;
+            EXPECT_NEAR(places[i].top(), 1000 * 1200 / 1440.0, 1.0);  // 1000 twips from the top
             if (i > 0) {
-                EXPECT_GT(places[i].left(), places[i - 1].right()) << count << " pictures";
+                EXPECT_GT(places[i].left(), places[i - 1].right()) << count << " grids";
             }
             reach = std::max({reach, places[i].right() / paper.width(), places[i].bottom() / paper.height()});
         }
-        if (screenSize) {
-            EXPECT_DOUBLE_EQ(scale, 1200.0 / 96);
-        } else {
-            EXPECT_NEAR(reach, 1.0, 1e-9) << count << " pictures on " << paper.width() << " x " << paper.height();
-        }
+        EXPECT_NEAR(places[0].left(), 500 * 1200 / 1440.0, 1.0);  // 500 twips from the left
+        EXPECT_NEAR(reach, 1.0, 1e-9) << count << " grids on " << paper.width() << " x " << paper.height();
     }
 }
 

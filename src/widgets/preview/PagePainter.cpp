@@ -109,6 +109,10 @@ QTableWidget* createPageGrid(QWidget* parent, const QString& objectName) {
     grid->setSelectionMode(QAbstractItemView::NoSelection);
     grid->setFocusPolicy(Qt::NoFocus);
     grid->setWordWrap(false);
+    // No ligatures, so that a printed map's texts are the letters the layout holds ("fi", not "ﬁ").
+    QFont font = grid->font();
+    font.setStyleStrategy(QFont::PreferNoShaping);
+    grid->setFont(font);
 
     QHeaderView* columns = grid->horizontalHeader();
     const int columnWidth = twipsToPixels(kColumnTwips, grid->logicalDpiX());

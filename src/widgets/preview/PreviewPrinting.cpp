@@ -1,13 +1,14 @@
 #include "PreviewPrinting.h"
 
 #include <QDateTime>
-#include <algorithm>
 #include <QFileInfo>
+#include <QImage>
 #include <QLocale>
 #include <QPainter>
-#include <QPixmap>
+#include <QPicture>
 #include <QPrinter>
 #include <QTableWidget>
+#include <algorithm>
 
 #include "frmPreview.h"
 #include "frmPrintPreview.h"
@@ -35,11 +36,21 @@ QString headerLine(const frmPreview& preview) {
                                                   locale.toString(now.time(), QLocale::ShortFormat).toStdString()));
 }
 
-// One sheet: the header line, the pages heading of an eight-page card, and the pictures of the
-// grids where gridPlacement puts them.
-void printSheet(QPainter& painter, QPrinter& printer, const frmPreview& preview, const QString& header) {
-    const int dpi = printer.resolution();
-    const QRectF page = printer.pageLayout().paintRectPixels(dpi);
+// The grid as the painting commands it draws itself with on the screen. Recorded first, since a
+// widget asked to render onto a printer renders into a bitmap instead.
+QPicture gridPicture(QWidget& grid) {
+    QPicture picture;
+    QPainter recorder(&picture);
+    grid.render(&recorder, QPoint(), QRegion(), QWidget::DrawChildren);
+    recorder.end();
+    return picture;
+}
+
+// One sheet: the header line, the pages heading of an eight-page card, and the grids where
+// gridPlacement puts them. Each grid paints itself onto the sheet's painter, scaled to its place:
+// cells, lines, colours and texts as drawing and text at the device's resolution, with the same
+// painting code that draws it on the screen.
+void paintSheet(QPainter& painter, const QSizeF& printable, int dpi, const frmPreview& preview, const QString& header) {
     QFont font = painter.font();
     font.setPointSizeF(10);
     font.setStyleStrategy(QFont::PreferNoShaping);  // no ligatures: the header stays searchable text
@@ -49,15 +60,24 @@ void printSheet(QPainter& painter, QPrinter& printer, const frmPreview& preview,
     const std::string pages = printPagesHeading(preview.card(), preview.view(), preview.translator());
     if (!pages.empty()) painter.drawText(QPointF(0, 2.5 * lineHeight), QString::fromStdString(pages));
 
-    std::vector<QPixmap> pictures;
     std::vector<QSizeF> sizes;
-    for (int i = 0; i < (preview.usesSecondGrid() ? 2 : 1); ++i) {
-        pictures.push_back(preview.grid(i)->grab());
-        sizes.push_back(pictures.back().deviceIndependentSize());
+    for (int i = 0; i < (preview.usesSecondGrid() ? 2 : 1); ++i) sizes.emplace_back(preview.grid(i)->size());
+    const std::vector<QRectF> places = gridPlacement(sizes, printable, dpi);
+    for (std::size_t i = 0; i < sizes.size(); ++i) {
+        const QPicture picture = gridPicture(*preview.grid(static_cast<int>(i)));
+        // A picture plays at the size it had on its own device: from there to its place.
+        const double played = double(painter.device()->logicalDpiX()) / picture.logicalDpiX();
+        painter.save();
+        painter.translate(places[i].topLeft());
+        painter.scale(places[i].width() / sizes[i].width() / played, places[i].height() / sizes[i].height() / played);
+        painter.drawPicture(QPointF(), picture);
+        painter.restore();
     }
-    const std::vector<QRectF> places = gridPlacement(sizes, page.size(), dpi, preview.grid(0)->logicalDpiX());
-    for (std::size_t i = 0; i < pictures.size(); ++i)
-        painter.drawPixmap(places[i], pictures[i], QRectF(pictures[i].rect()));
+}
+
+void printSheet(QPainter& painter, QPrinter& printer, const frmPreview& preview, const QString& header) {
+    const int dpi = printer.resolution();
+    paintSheet(painter, printer.pageLayout().paintRectPixels(dpi).size(), dpi, preview, header);
 }
 
 // Prints the views of one copy, each on its own sheet; false when the printer failed.
@@ -82,26 +102,40 @@ bool printViews(QPainter& painter, QPrinter& printer, frmPreview& preview, bool 
 
 }  // namespace
 
-std::vector<QRectF> gridPlacement(const std::vector<QSizeF>& pictures, const QSizeF& paper, int printerDpi,
-                                  double screenDpi) {
-    const double left = twipsToPixels(kGridLeftTwips, printerDpi);
-    const double top = twipsToPixels(kGridTopTwips, printerDpi);
-    const double gap = twipsToPixels(kGridGapTwips, printerDpi);
+std::vector<QRectF> gridPlacement(const std::vector<QSizeF>& grids, const QSizeF& paper, int dpi) {
+    const double left = twipsToPixels(kGridLeftTwips, dpi);
+    const double top = twipsToPixels(kGridTopTwips, dpi);
+    const double gap = twipsToPixels(kGridGapTwips, dpi);
     double width = 0, height = 0;
-    for (const QSizeF& p : pictures) {
-        width += p.width();
-        height = std::max(height, p.height());
+    for (const QSizeF& g : grids) {
+        width += g.width();
+        height = std::max(height, g.height());
     }
-    const double roomX = paper.width() - left - gap * static_cast<double>(pictures.size() - 1);
+    const double roomX = paper.width() - left - gap * static_cast<double>(grids.size() - 1);
     const double roomY = paper.height() - top;
-    const double scale = std::min({printerDpi / screenDpi, roomX / width, roomY / height});
+    const double scale = std::min(roomX / width, roomY / height);
     std::vector<QRectF> places;
     double x = left;
-    for (const QSizeF& p : pictures) {
-        places.emplace_back(QPointF(x, top), p * scale);
+    for (const QSizeF& g : grids) {
+        places.emplace_back(QPointF(x, top), g * scale);
         x += places.back().width() + gap;
     }
     return places;
+}
+
+QImage sheetImage(const frmPreview& preview, int dpi) {
+    const QPageLayout layout = QPrinter(QPrinter::HighResolution).pageLayout();
+    QImage sheet(layout.fullRectPixels(dpi).size(), QImage::Format_RGB32);
+    const int dotsPerMeter = qRound(dpi / 0.0254);
+    sheet.setDotsPerMeterX(dotsPerMeter);
+    sheet.setDotsPerMeterY(dotsPerMeter);
+    sheet.fill(Qt::white);
+    QPainter painter(&sheet);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRect printable = layout.paintRectPixels(dpi);
+    painter.translate(printable.topLeft());
+    paintSheet(painter, printable.size(), dpi, preview, headerLine(preview));
+    return sheet;
 }
 
 bool printPreview(frmPreview& preview, bool allPages, bool toFile) {
