@@ -1,5 +1,6 @@
 // The preview's views and page grids, and printing to PDF through the print seams.
 #include <QPrinter>
+#include <QRegularExpression>
 #include "DialogFixture.h"
 #include "items/PageMap.h"
 #include "preview/PreviewPrinting.h"
@@ -51,6 +52,38 @@ int pdfPages(const std::filesystem::path& pdf) {
     return info.find("Pages:") == std::string::npos ? -1 : std::stoi(info.substr(info.find("Pages:") + 6));
 }
 
+// The words pdftotext finds on a PDF's first page, each with its box in points, and the page's size.
+struct Word {
+    std::string text;
+    QRectF box;
+};
+struct PrintedPage {
+    QSizeF size;
+    std::vector<Word> words;
+    const Word* find(const std::string& text) const {
+        for (const Word& w : words)
+            if (w.text == text) return &w;
+        return nullptr;
+    }
+};
+
+PrintedPage printedPage(const QString& pdf) {
+    const QString html = QString::fromStdString(run("pdftotext", {"-bbox", "-f", "1", "-l", "1", pdf, "-"}));
+    PrintedPage page;
+    const auto size = QRegularExpression(R"re(<page width="([\d.]+)" height="([\d.]+)")re").match(html);
+    page.size = QSizeF(size.captured(1).toDouble(), size.captured(2).toDouble());
+    const QRegularExpression word(
+        R"re(<word xMin="([\d.]+)" yMin="([\d.]+)" xMax="([\d.]+)" yMax="([\d.]+)">([^<]*)</word>)re");
+    for (auto m = word.globalMatch(html); m.hasNext();) {
+        const auto w = m.next();
+        QString text = w.captured(5);
+        text.replace("&lt;", "<").replace("&gt;", ">").replace("&quot;", "\"").replace("&amp;", "&");
+        page.words.push_back({text.toStdString(), QRectF(QPointF(w.captured(1).toDouble(), w.captured(2).toDouble()),
+                                                                  QPointF(w.captured(3).toDouble(), w.captured(4).toDouble()))});
+    }
+    return page;
+}
+
 // Answers the modal print options with the given choices once they are shown.
 void answerPrintOptions(bool toFile, bool allPages, bool cancel) {
     QTimer::singleShot(0, [=] {
@@ -71,7 +104,10 @@ protected:
         preview = std::make_unique<frmPreview>(card, records, tr, "C:/layouts/Staff.IIF", PrintServices{this, this});
         preview->adjustSize();
     }
-    QString saveFileName(QWidget*, const QString&, const QString&, const QString&) override { return ++asked, file; }
+    QString saveFileName(QWidget*, const QString& title, const QString&, const QString& filter) override {
+        chooser << title << filter;
+        return ++asked, file;
+    }
     bool setUp(QPrinter& printer, QWidget*) override {
         printer.setOutputFormat(QPrinter::PdfFormat);
         printer.setOutputFileName(QString::fromStdString((dir / "printed.pdf").string()));
@@ -86,6 +122,7 @@ protected:
     const Translator tr;
     std::unique_ptr<frmPreview> preview;
     QString file = QString::fromStdString((dir / "map.pdf").string());  // the chooser's answer
+    QStringList chooser;  // the titles and filters the file chooser was shown
     int asked = 0, copies = 1;
     bool cancel = false;  // the print dialog's answer
 };
@@ -113,10 +150,25 @@ TEST_P(Printing, OptionsDialogDrivesThePrintingAndEnterOnTheFocusedPrintRunsIt) 
     EXPECT_NE(text.find("<Filename>: C:/layouts/Staff.IIF; <Date>: "), std::string::npos) << text;
     EXPECT_NE(text.find("; <Time>: "), std::string::npos);
     EXPECT_EQ(text.find("<PAGES> 6 <and> 7") != std::string::npos, GetParam() == iBigEightPages) << text;
+    EXPECT_EQ(chooser.mid(0, 2), QStringList({"<Print to file>", "PDF (*.pdf)"}));
     // The grids drawn as lines and text, not pictures: the fixed areas, the blocks and the item read.
     EXPECT_EQ(run("pdfimages", {"-list", file}).find("image"), std::string::npos);
     for (const char* shown : {"Card Serial Number", "Configuration Data", "Name", " 19 ", " 31"})
         EXPECT_NE(text.find(shown), std::string::npos) << shown << " in\n" << text;
+    // On the sheet: the pages heading under the header line, the grids as large as the paper
+    // allows and on it whole.
+    const PrintedPage page = printedPage(file);
+    const Word *header = page.find("<Filename>:"), *pages = page.find("<PAGES>");
+    ASSERT_TRUE(header);
+    if (GetParam() == iBigEightPages) {
+        ASSERT_TRUE(pages);
+        EXPECT_GT(pages->box.top(), header->box.bottom());
+    }
+    QRectF reach;
+    for (const Word& w : page.words) reach |= w.box;
+    EXPECT_TRUE(QRectF(QPointF(), page.size).contains(reach)) << reach.right() << " " << reach.bottom();
+    EXPECT_TRUE(reach.right() > 0.75 * page.size.width() || reach.bottom() > 0.75 * page.size.height())
+        << reach.right() << " " << reach.bottom() << " on " << page.size.width() << " x " << page.size.height();
     preview->show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(preview.get()));
     preview->findChild<QPushButton*>("cmdPrint")->setFocus();
@@ -127,6 +179,31 @@ TEST_P(Printing, OptionsDialogDrivesThePrintingAndEnterOnTheFocusedPrintRunsIt) 
 }
 
 INSTANTIATE_TEST_SUITE_P(Chips, Printing, ::testing::Values(iSmallOnePage, iBigOnePage, iBigEightPages));
+
+// The sheet as a picture at a resolution: the paper, white, the header and the grid drawn inside
+// its printable area; at twice the resolution the grid is twice as high.
+TEST(PrintedSheet, PictureAtAResolutionIsTheSheetDrawnAtIt) {
+    CIClass card;
+    RecordArray records;
+    records.add(field("Name", 0, 19, 0, 16));
+    const Translator tr;
+    frmPreview preview(card, records, tr, "C:/layouts/Staff.IIF", PrintServices{});
+    preview.adjustSize();
+    const QPageLayout paper = QPrinter(QPrinter::HighResolution).pageLayout();
+    QRect drawn[2];
+    for (int i : {0, 1}) {
+        const int dpi = 96 * (i + 1);
+        const QImage sheet = sheetImage(preview, dpi);
+        EXPECT_EQ(sheet.size(), paper.fullRectPixels(dpi).size()) << dpi;
+        EXPECT_EQ(sheet.dotsPerMeterY(), qRound(dpi / 0.0254)) << dpi;
+        for (int y = 0; y < sheet.height(); ++y)
+            for (int x = 0; x < sheet.width(); ++x)
+                if (sheet.pixel(x, y) != qRgb(255, 255, 255)) drawn[i] |= QRect(x, y, 1, 1);
+        EXPECT_TRUE(paper.paintRectPixels(dpi).contains(drawn[i])) << dpi;
+    }
+    // The grid, which gives the drawing its height, twice as high (within a pixel's rounding).
+    EXPECT_NEAR(double(drawn[1].height()) / drawn[0].height(), 2.0, 0.01);
+}
 
 // The grids of a sheet: side by side, none over another, all on the paper at one scale, as large
 // as the paper's width or height allows, whatever their size on the screen.
