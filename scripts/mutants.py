@@ -135,13 +135,31 @@ def all_mutants():
     return found
 
 
-def sample(count: int, seed: int):
-    mutants = sorted(all_mutants(), key=lambda m: m.key(seed))[:count]
-    return sorted(mutants, key=lambda m: (m.path, m.line_no, m.kind))
+def sample(count: int, seeds):
+    """The first count mutants of each seed's order, each mutant once, with the seeds that drew it."""
+    found = all_mutants()
+    drawn = {}
+    for seed in seeds:
+        for m in sorted(found, key=lambda m: m.key(seed))[:count]:
+            drawn.setdefault(m.ident, (m, []))[1].append(seed)
+    return sorted(drawn.values(), key=lambda d: (d[0].path, d[0].line_no, d[0].kind))
 
 
 def short_id(m: Mutant, seed: int) -> str:
     return m.key(seed)[:8]
+
+
+def tally(outcomes):
+    """Counts of each outcome and the score: killed and timed out among those that compiled."""
+    count = {k: sum(1 for _, o, _ in outcomes if o == k) for k in ("killed", "timeout", "survived", "not compiled", "stale")}
+    compiled = count["killed"] + count["timeout"] + count["survived"]
+    return count, compiled, 100.0 * (count["killed"] + count["timeout"]) / compiled if compiled else 0.0
+
+
+def tally_line(count, compiled, score):
+    return (f"killed {count['killed']}, timed out {count['timeout']}, survived {count['survived']}, "
+            f"not compiled {count['not compiled']}" + (f", stale {count['stale']}" if count["stale"] else "") +
+            f"; score {score:.1f} % of {compiled} compiled")
 
 
 # --- running them ------------------------------------------------------------------------
@@ -274,10 +292,22 @@ def apply_and_test(suite: Suite, m: Mutant) -> str:
             sys.exit(f"mutants: could not restore {m.path}")
 
 
+def seed_list(text: str):
+    try:
+        seeds = [int(x) for x in text.split(",") if x.strip()]
+    except ValueError:
+        seeds = []
+    if not seeds:
+        raise argparse.ArgumentTypeError(f"not a list of seeds: {text}")
+    return seeds
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--count", type=int, default=200, help="mutants in the sample (200)")
+    parser.add_argument("--count", type=int, default=200, help="mutants in the sample of each seed (200)")
     parser.add_argument("--seed", type=int, default=1, help="the sample's seed (1)")
+    parser.add_argument("--seeds", type=seed_list, help="several seeds, separated by commas: their samples are run "
+                        "together (a mutant two seeds draw runs once) and scored each and in all")
     parser.add_argument("--list", action="store_true", help="print the sample and stop")
     parser.add_argument("--only", help="run only the mutants of these ids, separated by commas (as --list prints them)")
     parser.add_argument("--build", default=str(ROOT / "build/mutants"), help="build folder (build/mutants)")
@@ -286,16 +316,19 @@ def main():
                         help="run every test of each mutant and list those that kill it (slower; shows which tests "
                              "are the only ones to catch a fault)")
     args = parser.parse_args()
+    seeds = args.seeds or [args.seed]
 
-    chosen = sample(args.count, args.seed)
+    drawn = sample(args.count, seeds)
+    ident = {m.ident: short_id(m, by[0]) for m, by in drawn}  # named by the first seed that drew it
     if args.only:
         wanted = set(args.only.split(","))
-        chosen = [m for m in chosen if short_id(m, args.seed) in wanted]
-        if len(chosen) != len(wanted):
+        drawn = [d for d in drawn if ident[d[0].ident] in wanted]
+        if len(drawn) != len(wanted):
             sys.exit(f"mutants: not every one of {args.only} is in the sample")
+    chosen = [m for m, _ in drawn]
     if args.list:
         for m in chosen:
-            print(f"{short_id(m, args.seed)}  {m.path}:{m.line_no}  {m.kind}\n    - {m.original.strip()}\n"
+            print(f"{ident[m.ident]}  {m.path}:{m.line_no}  {m.kind}\n    - {m.original.strip()}\n"
                   f"    + {m.mutated.strip()}")
         return
 
@@ -309,30 +342,31 @@ def main():
     for n, m in enumerate(chosen, 1):
         outcome = apply_and_test(suite, m)
         outcomes.append((m, outcome, " ".join(suite.failed)))
-        print(f"[{n}/{len(chosen)}] {outcome:12} {short_id(m, args.seed)} {m.path}:{m.line_no} {m.kind}", flush=True)
+        print(f"[{n}/{len(chosen)}] {outcome:12} {ident[m.ident]} {m.path}:{m.line_no} {m.kind}", flush=True)
     for family in sorted({suite.family(m.path) for m in chosen}):
         suite.build_family(family)  # leave the build matching the sources
 
-    count = {k: sum(1 for _, o, _ in outcomes if o == k) for k in ("killed", "timeout", "survived", "not compiled", "stale")}
-    compiled = count["killed"] + count["timeout"] + count["survived"]
-    score = 100.0 * (count["killed"] + count["timeout"]) / compiled if compiled else 0.0
-    report = [f"mutants: {len(chosen)} (seed {args.seed}), run in {(time.monotonic() - started) / 60:.0f} min",
-              f"killed {count['killed']}, timed out {count['timeout']}, survived {count['survived']}, "
-              f"not compiled {count['not compiled']}" + (f", stale {count['stale']}" if count["stale"] else ""),
-              f"score {score:.1f} % (killed and timed out of those compiled)", "", "survivors:"]
+    seeds_of = {m.ident: by for m, by in drawn}
+    report = [f"mutants: {len(chosen)} (seed{'s' if len(seeds) > 1 else ''} {','.join(map(str, seeds))}, "
+              f"{args.count} each), run in {(time.monotonic() - started) / 60:.0f} min"]
+    if len(seeds) > 1:
+        for seed in seeds:
+            report.append(f"seed {seed}: " + tally_line(*tally([o for o in outcomes if seed in seeds_of[o[0].ident]])))
+    report += [("in all: " if len(seeds) > 1 else "") + tally_line(*tally(outcomes)),
+               "(the score counts killed and timed out among those that compiled)", "", "survivors:"]
     for m, outcome, _ in outcomes:
         if outcome == "survived":
-            report += [f"{short_id(m, args.seed)}  {m.path}:{m.line_no}  {m.kind}",
+            report += [f"{ident[m.ident]}  {m.path}:{m.line_no}  {m.kind}  (seed {','.join(map(str, seeds_of[m.ident]))})",
                        f"    - {m.original.strip()}", f"    + {m.mutated.strip()}"]
     text = "\n".join(report) + "\n"
     print("\n" + text)
     build.mkdir(parents=True, exist_ok=True)
     (build / "report.txt").write_text(text)
     with open(build / "results.tsv", "w") as out:
-        out.write("id\tfile\tline\tkind\toutcome\toriginal\tmutated\tkilled by\n")
+        out.write("id\tseeds\tfile\tline\tkind\toutcome\toriginal\tmutated\tkilled by\n")
         for m, outcome, killers in outcomes:
-            out.write(f"{short_id(m, args.seed)}\t{m.path}\t{m.line_no}\t{m.kind}\t{outcome}\t"
-                      f"{m.original.strip()}\t{m.mutated.strip()}\t{killers}\n")
+            out.write(f"{ident[m.ident]}\t{','.join(map(str, seeds_of[m.ident]))}\t{m.path}\t{m.line_no}\t{m.kind}\t"
+                      f"{outcome}\t{m.original.strip()}\t{m.mutated.strip()}\t{killers}\n")
 
 
 if __name__ == "__main__":
