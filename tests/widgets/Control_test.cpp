@@ -2,6 +2,7 @@
 // boxes answered through the prompter, the dialogs it runs, the grids, and the Designer plugin.
 #include "DialogFixture.h"
 #include "base/ProductInfo.h"
+#include "base/Twips.h"
 #include "control/IClass.h"
 #include "persist/ProfileDocument.h"
 #include "preview/PrintServices.h"
@@ -42,7 +43,10 @@ struct Host : FileChooser {
         QObject::connect(&control, &IClass::GenericEvent, [this](const QString& name, const QString& params) {
             events.push_back("GenericEvent " + name + " " + params);
         });
-        writeBytes(dir / "texts.txt", "3104=T3104\n3105=T3105\n3121=T3121\n3122=T3122\n3123=T3123\n3124=T3124\n");
+        std::string texts;
+        for (int id : {3104, 3105, 3112, 3113, 3115, 3116, 3117, 3118, 3119, 3120, 3121, 3122, 3123, 3124, 4607, 4642})
+            texts += std::to_string(id) + "=T" + std::to_string(id) + "\n";
+        writeBytes(dir / "texts.txt", texts);
         set("LanguageDLL", registry.open(dir / "texts.txt"));
         writeBytes(dir / "Project.ini", crlf({"[DATABASE]", "NUMCOLUMNS=2", "[COLUMN1]", "DbFIELD=NAME", "NAME=Surname",
                                               "FIELDTYPE=Character", "FIELDSIZE=20", "[COLUMN2]", "DbFIELD=NUMBER",
@@ -142,6 +146,37 @@ TEST(IClassInterface, TheAutomationSurfaceHoldsTheMembersInOrderAndNothingElse) 
         std::vector<int>({0, 1, 2}));
     EXPECT_EQ(mo.method(mo.indexOfMethod("SaveLayout()")).returnType(), QMetaType::QVariant);
     EXPECT_EQ(mo.method(mo.indexOfMethod("OpenLayout(QString)")).parameterNames(), QList<QByteArray>{"sFileName"});
+}
+
+// Before any layout both grids show their headings (by text number; "Page" stays English), the
+// column widths in twips and one empty row, and they share the control's size as it changes.
+TEST(IClassGrids, AControlJustMadeShowsItsGridsAndTheyFollowItsSize) {
+    Host host;
+    host.control.resize(700, 400);
+    host.control.show();
+    const auto shown = [&](const char* name) {
+        QStringList out;
+        const QAbstractItemModel& m = *host.grid(name)->model();
+        for (int c = 0; c < m.columnCount(); ++c)
+            out << m.headerData(c, Qt::Horizontal).toString() + "/" + QString::number(host.grid(name)->columnWidth(c));
+        return out << QString::number(m.rowCount());
+    };
+    const int dpi = host.control.logicalDpiX();
+    const auto px = [dpi](int twips) { return "/" + QString::number(twipsToPixels(twips, dpi)); };
+    EXPECT_EQ(shown("grdItems"), QStringList({px(400), "T3113" + px(3500), "T3118" + px(1000), "Page" + px(1000),
+                                              "T3115" + px(1000), "T3116" + px(1000), "T3117" + px(1000), "T4607" + px(1000),
+                                              "T4642" + px(1000), "1"}));
+    EXPECT_EQ(shown("grdDBUpdateFields"), QStringList({px(400), "T3119" + px(3000), "T3112" + px(3000), "T3120" + px(5000), "1"}));
+    for (const QSize size : {QSize(700, 400), QSize(500, 300), QSize(900, 620)}) {
+        host.control.resize(size);
+        const QRect items = host.grid("grdItems")->geometry(), updates = host.grid("grdDBUpdateFields")->geometry();
+        EXPECT_EQ(std::make_tuple(items.width(), updates.width(), items.top(), updates.top(), updates.bottom() + 1),
+                  std::make_tuple(size.width(), size.width(), 0, items.bottom() + 1, size.height()));
+    }
+    const IClass bare;  // no library handed over: the default texts
+    EXPECT_EQ(std::make_tuple(bare.itemGrid()->model()->headerData(1, Qt::Horizontal).toString(),
+                              bare.itemGrid()->columnWidth(1), bare.itemGrid()->model()->rowCount()),
+              std::make_tuple(QString("<Field(s) or Function>"), twipsToPixels(3500, bare.logicalDpiX()), 1));
 }
 
 // No C++ exception leaves a member: a raised error reaches the host through the exception

@@ -109,7 +109,7 @@ public:
 private:
     // fresh: the key is known to be new in the section, so the writer need not look for it.
     void string(std::string_view section, const std::string& key, std::string_view value, bool fresh = false) {
-        const std::string quoted = !value.empty() && value.front() == '"' ? quoteLayoutValue(value) : std::string();
+        const std::string quoted = needsQuoteGuard(value) ? quoteLayoutValue(value) : std::string();
         if (!quoted.empty()) value = quoted;
         if (fresh)
             w_.writeNew(section, key, value);
@@ -122,7 +122,7 @@ private:
         size_t index = ProfileWriter::kNoSection;
     };
     void string(Run& run, const std::string& key, std::string_view value, bool fresh) {
-        if (!fresh || (!value.empty() && value.front() == '"')) return string(run.section, key, value, fresh);
+        if (!fresh || needsQuoteGuard(value)) return string(run.section, key, value, fresh);
         if (run.index != ProfileWriter::kNoSection)
             w_.writeNew(run.index, key, value);
         else

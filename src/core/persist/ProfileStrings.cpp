@@ -11,9 +11,10 @@ constexpr std::string_view kQuoteGuard = "@#@#";
 constexpr size_t kReadBuffer = kMaxValueChars + 1;
 }  // namespace
 
+bool needsQuoteGuard(std::string_view value) { return !value.empty() && value.front() == '"'; }
+
 std::string quoteLayoutValue(std::string_view value) {
-    std::string out;
-    if (!value.empty() && value.front() == '"') out = kQuoteGuard;
+    std::string out(kQuoteGuard);
     out += value;
     return out;
 }

@@ -9,6 +9,8 @@ class ProfileDocument;
 
 // The layout files' quoting rule: a value that begins with a double quote is written
 // with "@#@#" in front, so that the profile reader does not strip its quotes.
+bool needsQuoteGuard(std::string_view value);
+// The value with "@#@#" in front (for a value that needs it).
 std::string quoteLayoutValue(std::string_view value);
 
 // The shared string-reading rule of layout and project files: read with a buffer of

@@ -43,7 +43,7 @@ frmMultiTrack::frmMultiTrack(LayoutDocument& doc, int32_t editIndex, QWidget* pa
     loading_ = false;
     updateSpinLimits();
     paintPreview();
-    cmdApply_->setEnabled(true);
+    cmdApply_->setEnabled(false);  // nothing entered yet: OK closes at once
 }
 
 void frmMultiTrack::buildControls() {

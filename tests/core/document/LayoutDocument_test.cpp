@@ -195,6 +195,7 @@ TEST(LayoutDocument, NewOpensACardWithTheHidAreaInUseAndSavesIt) {
 TEST(LayoutDocument, OpenTakesTheFileAndItsSwitchesAndTheAuditNamesWhatItDropped) {
     Doc d;
     d.doc.setLayout(CIClass(), {});
+    EXPECT_EQ(d.changes, std::vector<Change>{Change::Records});  // a layout handed over is heard as one
     for (const auto& [name, description] : {std::pair<std::string, std::string>{"", "No filename given."},
                                             {(d.dir / "Missing.IIF").string(), "File doesn't exist"}}) {
         try {

@@ -160,7 +160,7 @@ TEST(BitMap, ShowsBlocksBytesItemsAndTheMark) {
     card.setUseHIDSection(true);
     const CPage& page = *card.page(0);
     const PlaceMark mark{itemSpan(bitField("M", 0, 31, 7, 6, 2)), "M"};
-    const MapGrid map = bitMap(page, recordsOf({bitField("B", 0, 19, 0, 6, 4, kItem)}), &mark);
+    const MapGrid map = bitMap(page, recordsOf({bitField("B", 0, 19, 0, 6, 4, kItem), bitField("C", 0, 20, 1, 0, 2, kItem)}), &mark);
     ASSERT_EQ(std::tuple(map.rows(), map.columns(), bitMapRow(page, 19)), std::tuple(14, 65, 1));
     EXPECT_EQ(std::tuple(map.textAt(1, 0), map.textAt(13, 0), map.at(13, 0).background),
               std::tuple("19", "31", kMapBlockNumberColor));
@@ -172,6 +172,7 @@ TEST(BitMap, ShowsBlocksBytesItemsAndTheMark) {
         EXPECT_EQ(std::tuple(map.at(1, column).background, map.text(map.at(1, column).owner)), std::tuple(kItem, "B")) << column;
     EXPECT_EQ(std::tuple(map.at(1, 6).owner, map.at(1, 11).owner, map.textAt(1, 7), map.columnSpan(1, 8)),
               std::tuple(0, 0, "B", 4));
+    EXPECT_EQ(std::tuple(map.textAt(2, 9), map.columnSpan(2, 10)), std::tuple("C", 2));  // a run of two bits is one cell
     EXPECT_EQ(
         std::tuple(map.text(map.at(1, 10).tip), map.at(13, 63).background, map.at(13, 64).background, map.at(13, 62).background),
         std::tuple("B (1.1)", kMapMarkColor, kMapMarkColor, kByteEdgeColor));

@@ -167,17 +167,17 @@ TEST(LayoutReader, EntriesThatDoNotFitAreDroppedWithTheRuleTheyBreak) {
 // of its own; SETTINGS are handed over as read.
 TEST(LayoutReader, OlderFilesReadAsTheyAlwaysDid) {
     const auto o = openLayout(crlf(
-        {"[CARDDESIGN]", "Size=2K", "[ENCODE]", "Photo(1)=0,19,0,4,0", "Logo(1)=0,21,0,2,0", "[BIGITEM]", "Photo(1)=1,2",
-         "Logo(1)=1,3", "[FieldsMultiTrack]", "Photo(1)=0,19,0,3,4", "Logo(1)=0,22,0,5,2", "Sign(1)=0,25,0,9,8",
+        {"[CARDDESIGN]", "Size=2K", "[ENCODE]", "Photo(1)=0,19,0,4,0", "Logo(1)=0,21,0,2,0", "Card(1)=0,27,0,2,0",
+         "[BIGITEM]", "Photo(1)=1,2", "Logo(1)=1,3", "Card(1)=1,4", "[FieldsMultiTrack]", "Photo(1)=0,19,0,3,4", "Logo(1)=0,22,0,5,2", "Sign(1)=0,25,0,9,8", "Card(1)=0,27",
          "[INITCARD]", "1Value=Checksum(1.1)", "1Place=0,30,0,1", "2Value=Checksum(3.2)", "2Place=0,30,1,1",
          "3Value=Checksum(2.3)", "3Place=0,30,2,1", "[BITINITCARD]", "1Value=Checksum(1.4)", "1Place=0,31,0,0,8",
          "1Mode=1", "[CHECKSUM]", "1Range=0,19,0,8,5", "1Init_=7", "2Range=0,20,0,8", "2Init_=1", "3Range=0,21,0,8",
          "3Poly_=263,9", "3Init_=4", "4Range=0,22,0,0,8,9", "4Init_=6", "[SETTINGS]", "Zoom=2", "Note=@#@#\"x\""}));
-    ASSERT_EQ(o->records.size(), 8);
+    ASSERT_EQ(o->records.size(), 9);
     // fields: name block beginBit numBytes bigItemNumber; checksums: method initValue polynomial last range value
-    const char* expected[] = {"Photo 19 3 4 2", "Logo 21 0 2 3", "1 0 0,0 0", "3 1 0,0 0", "2 0 263,9 0", "1 0 0,0 8",
+    const char* expected[] = {"Photo 19 3 4 2", "Logo 21 0 2 3", "Card 27 0 2 4", "1 0 0,0 0", "3 1 0,0 0", "2 0 263,9 0", "1 0 0,0 8",
                               "Logo 22 5 2 0", "Sign 25 0 8 0"};
-    for (int32_t i = 0; i < 8; ++i) {
+    for (int32_t i = 0; i < 9; ++i) {
         const ItemRecord& r = o->records[i];
         EXPECT_EQ(r.isBinary ? r.name + " " + std::to_string(r.block) + " " + std::to_string(r.beginBit) + " " +
                                    std::to_string(r.numBytes) + " " + std::to_string(r.bigItemNumber)
