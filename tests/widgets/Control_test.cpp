@@ -97,57 +97,6 @@ const std::vector<QString> kRefresh = {"Changed", "GenericEvent Hallo xyz"};
 // Qt's model checker stops the run at the first inconsistency of a grid's model.
 constexpr auto kFatal = QAbstractItemModelTester::FailureReportingMode::Fatal;
 
-// What an ActiveX server makes of the meta-object: from the class named by ToSuperClass on,
-// exactly these properties and methods in their order, and three events.
-TEST(IClassInterface, TheAutomationSurfaceHoldsTheMembersInOrderAndNothingElse) {
-    const QMetaObject& mo = IClass::staticMetaObject;
-    auto info = [&](const char* name) { return QString::fromLatin1(mo.classInfo(mo.indexOfClassInfo(name)).value()); };
-    EXPECT_EQ(info("ToSuperClass"), QString::fromLatin1(mo.className()));
-    const QRegularExpression guid("^\\{[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}\\}$");
-    for (const char* id : {"ClassID", "InterfaceID", "EventsID"}) EXPECT_TRUE(guid.match(info(id)).hasMatch()) << id;
-    const std::tuple<std::string, int, bool> properties[] = {  // name, type, writable
-        {"ProjectFile", QMetaType::QString, true},
-        {"IifDirectory", QMetaType::QString, true},
-        {"PellmarkINI", QMetaType::QString, true},
-        {"CLessLayoutEntered", QMetaType::Bool, true},
-        {"UseBit", QMetaType::Bool, true},
-        {"UseHID", QMetaType::Bool, true},
-        {"LayoutFile", QMetaType::QString, false},
-        {"EncodePath", QMetaType::QString, true},
-        {"Saved", QMetaType::Bool, false},
-        {"LanguageDLL", QMetaType::Int, true},
-        {"CustomLanguageDLL", QMetaType::Int, true},
-        {"AppName", QMetaType::QString, true},
-        {"SelectedGrid", QMetaType::QString, false},
-    };
-    ASSERT_EQ(mo.propertyCount() - mo.propertyOffset(), static_cast<int>(std::size(properties)));
-    for (int i = 0; i < static_cast<int>(std::size(properties)); ++i) {
-        const QMetaProperty p = mo.property(mo.propertyOffset() + i);
-        EXPECT_EQ(std::make_tuple(std::string(p.name()), p.typeId(), p.isWritable()), properties[i]);
-    }
-    const QStringList methods = {"SetChipType", "SetAppBoundaries", "AddField", "AddFunction", "AddBitField", "AddBitFunction",
-                                 "AddDBUpdateItem", "RemoveItem", "ShowPreview", "NewLayout", "SetProperties", "SaveLayout",
-                                 "SaveiClassAs", "OpenLayout", "CloseLayout", "FetchDBFields", "AddItemOverMultipleTracks",
-                                 "RemoveDBUpdateItem", "ShowAbout", "ShowSettings", "EditItem", "CallGenericFunction",
-                                 "SetPropertyValue", "GetPropertyValue", "SetObjectProperty", "GetObjectProperty"};
-    QStringList declared, signalNames;
-    for (int i = mo.methodOffset(); i < mo.methodCount(); ++i) {
-        const QMetaMethod m = mo.method(i);
-        QStringList& list = m.methodType() == QMetaMethod::Signal ? signalNames : declared;
-        if (m.methodType() != QMetaMethod::Slot && (list.isEmpty() || list.back() != m.name())) list << m.name();
-    }
-    EXPECT_EQ(declared, methods);  // the clone moc makes for a default argument counts once
-    EXPECT_EQ(signalNames, QStringList({"Changed", "GenericEvent", "exception"}));
-    EXPECT_EQ(mo.method(mo.indexOfSignal("exception(int,QString,QString,QString)")).parameterNames(),
-              (QList<QByteArray>{"code", "source", "description", "help"}));
-    const QMetaEnum chip = mo.enumerator(mo.indexOfEnumerator("IClassType"));
-    EXPECT_EQ(
-        std::vector<int>({chip.keyToValue("iSmallOnePage"), chip.keyToValue("iBigOnePage"), chip.keyToValue("iBigEightPages")}),
-        std::vector<int>({0, 1, 2}));
-    EXPECT_EQ(mo.method(mo.indexOfMethod("SaveLayout()")).returnType(), QMetaType::QVariant);
-    EXPECT_EQ(mo.method(mo.indexOfMethod("OpenLayout(QString)")).parameterNames(), QList<QByteArray>{"sFileName"});
-}
-
 // Before any layout both grids show their headings (by text number; "Page" stays English), the
 // column widths in twips and one empty row, and they share the control's size as it changes.
 TEST(IClassGrids, AControlJustMadeShowsItsGridsAndTheyFollowItsSize) {

@@ -180,31 +180,6 @@ TEST_P(Printing, OptionsDialogDrivesThePrintingAndEnterOnTheFocusedPrintRunsIt) 
 
 INSTANTIATE_TEST_SUITE_P(Chips, Printing, ::testing::Values(iSmallOnePage, iBigOnePage, iBigEightPages));
 
-// The sheet as a picture at a resolution: the paper, white, the header and the grid drawn inside
-// its printable area; at twice the resolution the grid is twice as high.
-TEST(PrintedSheet, PictureAtAResolutionIsTheSheetDrawnAtIt) {
-    CIClass card;
-    RecordArray records;
-    records.add(field("Name", 0, 19, 0, 16));
-    const Translator tr;
-    frmPreview preview(card, records, tr, "C:/layouts/Staff.IIF", PrintServices{});
-    preview.adjustSize();
-    const QPageLayout paper = QPrinter(QPrinter::HighResolution).pageLayout();
-    QRect drawn[2];
-    for (int i : {0, 1}) {
-        const int dpi = 96 * (i + 1);
-        const QImage sheet = sheetImage(preview, dpi);
-        EXPECT_EQ(sheet.size(), paper.fullRectPixels(dpi).size()) << dpi;
-        EXPECT_EQ(sheet.dotsPerMeterY(), qRound(dpi / 0.0254)) << dpi;
-        for (int y = 0; y < sheet.height(); ++y)
-            for (int x = 0; x < sheet.width(); ++x)
-                if (sheet.pixel(x, y) != qRgb(255, 255, 255)) drawn[i] |= QRect(x, y, 1, 1);
-        EXPECT_TRUE(paper.paintRectPixels(dpi).contains(drawn[i])) << dpi;
-    }
-    // The grid, which gives the drawing its height, twice as high (within a pixel's rounding).
-    EXPECT_NEAR(double(drawn[1].height()) / drawn[0].height(), 2.0, 0.01);
-}
-
 // The grids of a sheet: side by side, none over another, all on the paper at one scale, as large
 // as the paper's width or height allows, whatever their size on the screen.
 TEST(PrintedSheet, PlacesTheGridsSideBySideAsLargeAsThePaperAllows) {

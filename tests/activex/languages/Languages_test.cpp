@@ -100,19 +100,6 @@ TEST(LanguageDll, TheControlShowsTheTextsOfTheLibrariesItWasHanded) {
     }
 }
 
-// A module handle above 4 GiB comes back whole from either property, read by name.
-TEST(LanguageDll, ThePropertiesKeepAModuleHandleWhole) {
-    const Libraries dll;
-    ASSERT_GT(handleOf(dll.english), LanguageHandle{0xFFFFFFFF}) << "kestrin-en.dll was loaded below 4 GiB";
-    for (const char* property : {"LanguageDLL", "CustomLanguageDLL"}) {
-        Host host;
-        EXPECT_EQ(host.control.property(property).metaType(), QMetaType::fromType<qlonglong>()) << property;
-        host.set(property, handleOf(dll.english));
-        EXPECT_EQ(host.control.property(property).toLongLong(), handleOf(dll.english)) << property;
-        EXPECT_EQ(host.shown().message, kSelectFirst) << property;
-    }
-}
-
 // How the demo host loads its libraries, as a Windows host does: a DLL is loaded by Windows and freed
 // again, a text catalog opened in the registry; a file Windows refuses is named in the reason.
 TEST(LanguageDll, LoadLanguageLibraryGivesModuleHandlesForDllsAndRegistryHandlesForCatalogs) {
