@@ -128,6 +128,45 @@ TEST(IClassGrids, AControlJustMadeShowsItsGridsAndTheyFollowItsSize) {
               std::make_tuple(QString("<Field(s) or Function>"), twipsToPixels(3500, bare.logicalDpiX()), 1));
 }
 
+// A press in a grid makes it the grid worked in; there Delete asks and removes the current row and
+// Enter opens its dialog. The strip between the grids drags their boundary.
+TEST(IClassGrids, KeysActOnTheGridWorkedInAndTheStripDragsTheBoundary) {
+    Host host;
+    host.set("ProjectFile", QString(KESTRIN_WIDGET_EXAMPLES "/project/Sample.ini"));
+    ASSERT_TRUE(host.callFor<bool>("OpenLayout", QString(KESTRIN_WIDGET_EXAMPLES "/layouts/Visitors16K.IIF")));
+    ASSERT_TRUE(host.callFor<bool>("FetchDBFields"));  // names the updates' fields
+    host.control.resize(600, 400);
+    host.control.show();
+    const int items = host.control.document().records().size();
+    for (const auto& [gridName, selected, dialog] : {std::tuple{"grdDBUpdateFields", "DBUpdates", "frmDBUpdate"},
+                                                     std::tuple{"grdItems", "FieldsFunctions", "frmEditiClass"}}) {
+        QTableView* grid = host.grid(gridName);
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->visualRect(grid->model()->index(0, 1)).center());
+        EXPECT_EQ(host.get("SelectedGrid").toString(), selected);
+        host.dialogs.clear();
+        QTest::keyClick(grid, Qt::Key_Return);
+        EXPECT_EQ(host.dialogs, std::vector<QString>{dialog});
+        QTest::keyClick(grid, Qt::Key_Delete);
+    }
+    EXPECT_EQ(host.control.document().records().size(), items - 2);
+    EXPECT_EQ(host.messageTexts(), (std::vector<std::string>{"T3104\r\nT3105", "T3104\r\nT3105"}));
+
+    QWidget* strip = host.control.childAt(300, host.grid("grdItems")->geometry().bottom());
+    ASSERT_TRUE(strip && strip != host.grid("grdItems") && strip != host.grid("grdDBUpdateFields"));
+    const auto mouse = [&](QEvent::Type type, int y, Qt::MouseButtons buttons) {
+        const QPointF at = strip->mapFrom(&host.control, QPoint(300, y));
+        QMouseEvent event(type, at, strip->mapToGlobal(at), Qt::LeftButton, buttons, Qt::NoModifier);
+        QApplication::sendEvent(strip, &event);
+    };
+    mouse(QEvent::MouseButtonPress, 200, Qt::LeftButton);
+    mouse(QEvent::MouseMove, 120, Qt::LeftButton);
+    mouse(QEvent::MouseButtonRelease, 120, Qt::NoButton);
+    mouse(QEvent::MouseMove, 300, Qt::NoButton);  // released: the boundary stays
+    EXPECT_EQ(std::make_tuple(host.grid("grdItems")->height(), host.grid("grdDBUpdateFields")->geometry().top(),
+                              host.grid("grdDBUpdateFields")->height(), host.grid("grdDBUpdateFields")->isVisible()),
+              std::make_tuple(120, 120, 280, true));
+}
+
 // No C++ exception leaves a member: a raised error reaches the host through the exception
 // signal before the member returns.
 TEST(IClassInterface, RaisedErrorsArriveThroughTheExceptionSignal) {

@@ -4,6 +4,7 @@
 // boxes and spin controls, and that a dialog opens with nothing to apply.
 #include "DialogFixture.h"
 #include "editor/frmEditiClass.h"
+#include "items/frmDBUpdate.h"
 #include "items/frmMultiTrack.h"
 #include "rules/PlacementValidation.h"
 
@@ -99,6 +100,16 @@ TEST(DialogCaptions, EveryCaptionIsTheLibrarysTextOfItsNumber) {
         EXPECT_EQ(d.caption(name), text) << name.toStdString();
     auto* fields = d.child<QTableWidget>("grdFields");
     EXPECT_EQ(fields->horizontalHeaderItem(0)->text() + "|" + fields->horizontalHeaderItem(1)->text(), "T3154|T3184");
+    // The database-update dialog speaks with the item editor's words.
+    Rules u;
+    u.numberedTexts();
+    EXPECT_EQ(u.open<frmDBUpdate>().windowTitle(), "T4700");
+    for (const auto& [name, text] : Captions{{"fraFields", "T3137"}, {"lblSelectedField", "T3111"}, {"fraFunction", "T3112"},
+                                            {"optFunction(0)", "T3142"}, {"optFunction(1)", "T3143"},
+                                            {"optFunction(2)", "T3144"}, {"fraProperties", "T3120"},
+                                            {"lblConstantValue", "T3106"}, {"lblCountNumber", "T3147"},
+                                            {"lblCountStep", "T3107"}})
+        EXPECT_EQ(u.caption(name), text) << name.toStdString();
 }
 
 // The encodings a field offers follow its type; option 0 is chosen whenever the options are
@@ -173,6 +184,51 @@ TEST(DialogFunctions, EachFunctionOffersItsPropertiesAndStartsWithTheFirst) {
             EXPECT_EQ(d.shown(boxes), c.shownBoxes);
             EXPECT_EQ(d.text("txtSelectedField"), QStringList({"Constant", "Count", "CardSnNr", "Checksum"})[c.function]);
         }
+}
+
+// A counter's first value comes from the number box or from a field of the list.
+TEST(DialogFunctions, ACountersFirstValueComesFromTheNumberOrAField) {
+    Rules d;
+    d.open<frmEditiClass>(kModeFunction);
+    d.click("optFunction(1)");
+    const QStringList boxes = {"txtCountNumber", "cboFieldList"};
+    QStringList seen;
+    for (const char* option : {"optCountFirstValue(1)", "optCountFirstValue(0)"}) {
+        d.click(option);
+        seen << d.shown(boxes).join("+");
+    }
+    EXPECT_EQ(seen, QStringList({"cboFieldList", "txtCountNumber"}));
+    EXPECT_TRUE(d.applyEnabled());
+}
+
+// The database-update dialog starts with "Constant" and its value box; each function shows its own
+// boxes; an update being edited comes back with its field, function and values.
+TEST(DialogFunctions, TheUpdateDialogShowsTheChosenFunctionsBoxes) {
+    const QStringList boxes = {"txtConstantValue", "txtCountNumber", "txtCountStep", "optProperty(0)", "optProperty(1)"};
+    Rules d;
+    d.doc.setLayout(CIClass(), recordsOf({dbUpdate("NUMBER", "CardSnNr", "1"), dbUpdate("NAME", "Count", "7", "3")}));
+    d.open<frmDBUpdate>();
+    const std::pair<const char*, QStringList> shownFor[] = {{"", {"txtConstantValue"}},
+                                                            {"optFunction(2)", {"optProperty(0)", "optProperty(1)"}},
+                                                            {"optFunction(1)", {"txtCountNumber", "txtCountStep"}},
+                                                            {"optFunction(0)", {"txtConstantValue"}}};
+    for (const auto& [click, shown] : shownFor) {
+        if (*click) d.click(click);
+        EXPECT_EQ(d.shown(boxes), shown) << click;
+    }
+    EXPECT_TRUE(d.child<QRadioButton>("optFunction(0)")->isChecked() && d.child<QRadioButton>("optProperty(0)")->isChecked());
+    const std::tuple<int, const char*, const char*, QStringList> edited[] = {
+        {0, "NUMBER", "optFunction(2)", {"", "", "", "optProperty(1)"}},
+        {1, "NAME", "optFunction(1)", {"", "7", "3", "optProperty(0)"}}};
+    for (const auto& [index, field, function, values] : edited) {
+        Rules e;
+        e.doc.setLayout(CIClass(), recordsOf({dbUpdate("NUMBER", "CardSnNr", "1"), dbUpdate("NAME", "Count", "7", "3")}));
+        e.open<frmDBUpdate>(index);
+        const QString checked = e.child<QRadioButton>("optProperty(0)")->isChecked() ? "optProperty(0)" : "optProperty(1)";
+        EXPECT_EQ(QStringList({e.text("txtConstantValue"), e.text("txtCountNumber"), e.text("txtCountStep"), checked}), values);
+        EXPECT_TRUE(e.child<QRadioButton>(function)->isChecked()) << function;
+        EXPECT_EQ(e.text("txtSelectedField"), field);
+    }
 }
 
 // The lists of place: every page of the card, the blocks from the first free one (chosen first),

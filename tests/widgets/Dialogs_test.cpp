@@ -324,5 +324,81 @@ TEST(MultiTrack, ApplyStoresABinaryFieldAndRefusesAnOverlapWithAnotherItem) {
     EXPECT_EQ(edit.records().records(), (std::vector<ItemRecord>{r, other}));
 }
 
+// New clears the begin bit, the size and, for fields, the chosen field, keeping the function of a
+// function item; Cancel afterwards keeps what Apply wrote.
+TEST(EditiClassFields, NewClearsTheEntriesForTheNextItemAndCancelKeepsWhatWasApplied) {
+    for (const int32_t mode : {kModeBitField, kModeBitFunction}) {
+        SCOPED_TRACE("mode " + std::to_string(mode));
+        Dialog ed;
+        frmEditiClass& form = ed.editor(mode);
+        if (mode == kModeBitField) ed.clickField(0);
+        else ed.click("optFunction(1)"), ed.type("txtCountNumber", "1"), ed.type("txtCountStep", "1");
+        ed.place(20, 0, "4");
+        ed.choose("cboBeginBit", "3");
+        ed.click("cmdApply");
+        ed.click("cmdNew");
+        EXPECT_EQ(QStringList({ed.text("txtSelectedField"), ed.text("txtNrBytes"),
+                               ed.child<QComboBox>("cboBeginBit")->currentText()}),
+                  QStringList({mode == kModeBitField ? "" : "Count", "", "0"}));
+        if (mode == kModeBitField) ed.clickField(1);
+        ed.place(22, 0, "2");
+        ed.click("cmdApply");
+        ed.click("cmdCancel");
+        EXPECT_EQ(std::make_tuple(ed.records().size(), form.appliedCount(), form.Cancelled, ed.messageTexts().size()),
+                  std::make_tuple(2, 2, true, 0u));
+    }
+}
+
+// OK is refused while no field is chosen or a box the function needs is empty; the box to mend
+// gets the focus. Cancel writes nothing; an update of a field the project no longer lists keeps it.
+TEST(DBUpdate, OkNamesWhatIsMissingAndCancelWritesNothing) {
+    Dialog d;
+    frmDBUpdate& u = d.open<frmDBUpdate>(-1);
+    d.activate();
+    const std::pair<std::function<void()>, const char*> steps[] = {
+        {[] {}, "grdFields"}, {[&] { d.clickField(0); }, "txtConstantValue"},
+        {[&] { d.click("optFunction(1)"), d.type("txtCountNumber", "4"); }, "txtCountStep"}};
+    for (const auto& [step, focus] : steps) {
+        step();
+        d.prompter.messages.clear();
+        d.click("cmdOK");
+        EXPECT_EQ(std::make_tuple(d.messageTexts().size(), u.isVisible(), QApplication::focusWidget() == d.child(focus)),
+                  std::make_tuple(1u, true, true)) << focus;
+    }
+    d.click("cmdCancel");
+    EXPECT_EQ(std::make_tuple(u.Cancelled, u.isVisible(), d.records().size()), std::make_tuple(true, false, 0));
+
+    Dialog kept({dbUpdate("GONE", "Constant", "9")});
+    kept.open<frmDBUpdate>(0);
+    EXPECT_EQ(kept.text("txtSelectedField"), "GONE");
+    kept.click("cmdOK");
+    EXPECT_EQ(std::make_pair(kept.records()[0].dbFieldName, kept.records()[0].param1), std::make_pair(std::string("GONE"), std::string("9")));
+}
+
+// A boundary box takes digits only, drops the blanks around them when it is left and refuses
+// anything but 5 to 31 with the focus kept; Escape cancels the dialog.
+TEST(Properties, BoundaryBoxesTakeFiveToThirtyOneAndEscapeCancels) {
+    const std::tuple<QString, QString, bool> cases[] = {{"05", "05", true}, {" 7 ", "7", true}, {"5", "5", true},
+                                                        {"31", "31", true}, {"4", "4", false}, {"32", "32", false},
+                                                        {"a1b", "1", false}, {"", "", false}};
+    for (const auto& [typed, kept, accepted] : cases) {
+        Dialog d;
+        frmProperties& p = d.properties(iBigEightPages);
+        d.bound(1)->setFocus();
+        d.bound(1)->clear();
+        QTest::keyClicks(d.bound(1), typed);
+        d.bound(2)->setFocus(Qt::TabFocusReason);
+        QApplication::processEvents();
+        EXPECT_EQ(d.bound(1)->text(), kept) << typed.toStdString();
+        EXPECT_EQ(d.messageTexts(), accepted ? std::vector<std::string>{} : std::vector<std::string>{"T3189 5 & 31!"})
+            << typed.toStdString();
+        EXPECT_EQ(p.focusWidget() == d.bound(1), !accepted) << typed.toStdString();
+    }
+    Dialog d;
+    frmProperties& p = d.properties(iSmallOnePage);
+    QTest::keyClick(&p, Qt::Key_Escape);
+    EXPECT_TRUE(p.Cancelled && !p.isVisible());
+}
+
 }  // namespace
 }  // namespace kestrin::test
