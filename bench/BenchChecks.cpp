@@ -1,5 +1,7 @@
 #include "BenchChecks.h"
 
+#include <fstream>
+#include <iterator>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -91,10 +93,10 @@ std::string checkSavedFiles(const fs::path& layoutFile, const BenchLayout& layou
     for (const auto& entry : fs::directory_iterator(layoutFile.parent_path(), ec))
         if (entry.path().extension() == ".tmp") return "a staged file was left behind: " + entry.path().string();
 
-    std::string error;
-    const auto encodeBytes = readWholeFile(encodeFile, UINTMAX_MAX, &error);
-    if (!encodeBytes) return error;
-    if (std::string why = checkChipEncodeBytes(*encodeBytes, layout); !why.empty()) return why;
+    std::ifstream in(encodeFile, std::ios::binary);
+    const std::string encodeBytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    if (!in) return "the chip encode file could not be read";
+    if (std::string why = checkChipEncodeBytes(encodeBytes, layout); !why.empty()) return why;
 
     SilentPrompter prompter;
     CIClass card;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <fstream>
 #include <random>
 #include <system_error>
 #include <utility>
@@ -155,26 +154,6 @@ void removeLeftoverStagedFiles(FileSystem& files, const std::vector<fs::path>& t
                     break;
                 }
     }
-}
-
-std::optional<std::string> readWholeFile(const fs::path& file, uintmax_t maxBytes, std::string* error) {
-    std::error_code ec;
-    const uintmax_t size = fs::file_size(file, ec);
-    if (ec) {
-        if (error) *error = "cannot read " + pathText(file) + ": " + ec.message();
-        return std::nullopt;
-    }
-    if (size > maxBytes) {
-        if (error) *error = pathText(file) + " is too large";
-        return std::nullopt;
-    }
-    std::ifstream in(file, std::ios::binary);
-    std::string bytes(static_cast<size_t>(size), '\0');
-    if (!in.read(bytes.data(), static_cast<std::streamsize>(size))) {
-        if (error) *error = "cannot read " + pathText(file);
-        return std::nullopt;
-    }
-    return bytes;
 }
 
 }  // namespace kestrin

@@ -51,7 +51,5 @@ bool keepAs(FileSystem& files, const std::filesystem::path& source, const std::f
 void removeLeftoverStagedFiles(FileSystem& files, const std::vector<std::filesystem::path>& targets);
 // Whether name is one of the temporary names StagedFile uses for target.
 bool isStagedNameOf(std::string_view name, const std::filesystem::path& target);
-// Reads a whole file of at most maxBytes.
-std::optional<std::string> readWholeFile(const std::filesystem::path& file, uintmax_t maxBytes, std::string* error);
 
 }  // namespace kestrin

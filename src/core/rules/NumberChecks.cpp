@@ -53,9 +53,4 @@ bool CheckNumberInRange(int64_t min, int64_t max, std::string_view text, const s
     return show(checkNumberInRange(min, max, text, translator), title, prompter);
 }
 
-bool CheckNumberEquals(int64_t required, std::string_view text, const std::string& title, Prompter& prompter,
-                       const Translator& translator) {
-    return !show(checkNumberEquals(required, text, translator), title, prompter);
-}
-
 }  // namespace kestrin

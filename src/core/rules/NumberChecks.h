@@ -28,8 +28,5 @@ NumberCheck checkNumberEquals(int64_t required, std::string_view text, const Tra
 // control's message title when it is empty.
 bool CheckNumberInRange(int64_t min, int64_t max, std::string_view text, const std::string& title, Prompter& prompter,
                         const Translator& translator);
-// True when the value is wrong (the opposite sense); a failure is shown as above.
-bool CheckNumberEquals(int64_t required, std::string_view text, const std::string& title, Prompter& prompter,
-                       const Translator& translator);
 
 }  // namespace kestrin

@@ -238,7 +238,7 @@ PlacementResult ValidatePlacement(const PlacementRequest& request, const CIClass
                                   Prompter& prompter, const Translator& translator, const std::string& title,
                                   int32_t skip) {
     const std::string boxTitle = title.empty() ? kProductTitle : title;
-    const auto violations = placementViolations(request, card, records, translator, true, -1, skip);
+    const auto violations = placementViolations(request, card, records, translator, true, records.size(), skip);
     if (violations.empty()) return {kPlacementAccepted, EditorBox::None};
     const PlacementViolation& v = violations.front();
     if (v.overlappedIndex < 0) {

@@ -103,7 +103,7 @@ void frmEditiClass::fillRangeLists() {
     if (page)
         for (int b = page->BeginFreeSpace; b < page->blockCount(); ++b) cboRangeBeginRow_->addItem(QString::number(b));
     const int keep = cboRangeBeginRow_->findText(row);
-    cboRangeBeginRow_->setCurrentIndex(keep >= 0 ? keep : (cboRangeBeginRow_->count() > 0 ? 0 : -1));
+    cboRangeBeginRow_->setCurrentIndex(std::max(keep, 0));  // an empty list takes none
     if (cboRangeBeginByte_->count() == 0) {
         for (int i = 0; i < 8; ++i) cboRangeBeginByte_->addItem(QString::number(i));
         cboRangeBeginByte_->setCurrentIndex(0);

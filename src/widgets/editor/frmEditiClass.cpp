@@ -57,8 +57,7 @@ frmEditiClass::frmEditiClass(LayoutDocument& doc, int32_t mode, int32_t editInde
     }
     fillPages();
     if (editIndex_ >= 0) presetFromRecord();
-    changed_ = false;
-    refreshApply();
+    refreshApply();  // nothing is changed yet: the filling above marked nothing
     repaintPreview();
 }
 

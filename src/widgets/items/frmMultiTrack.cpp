@@ -160,7 +160,7 @@ void frmMultiTrack::fillRows(int keepBlock) {
     }
     const int wanted = keepBlock >= 0 ? keepBlock : previous;
     const int index = cboRow_->findData(wanted);
-    cboRow_->setCurrentIndex(index >= 0 ? index : (cboRow_->count() > 0 ? 0 : -1));
+    cboRow_->setCurrentIndex(std::max(index, 0));  // an empty list takes none
 }
 
 void frmMultiTrack::selectComboData(QComboBox& box, int value) {

@@ -65,6 +65,13 @@ TEST(CIClass, SetBoundariesTakesExactlyEightNumbersGetBoundaryHasItsOwnLimits) {
     copy.SetBoundary(2, 30);
     EXPECT_EQ(std::tuple(card.GetBoundary(2), copy.GetBoundary(2)), std::tuple(18, 30));
     EXPECT_EQ(copy.Pages().Item(3).Parent, &copy);
+    CIClass assigned = chip(iSmallOnePage);  // an assigned card takes everything and owns its pages
+    assigned.setUseHIDSection(true);
+    assigned = copy;
+    assigned.SetBoundary(2, 25);
+    EXPECT_EQ(std::tuple(assigned.ChipSize(), assigned.PagesCount(), assigned.UseHIDSection(), assigned.EnableBitwise(),
+                         assigned.GetBoundary(2), copy.GetBoundary(2), assigned.Pages().Item(3).Parent),
+              std::tuple(copy.ChipSize(), 8, copy.UseHIDSection(), copy.EnableBitwise(), 25, 30, &assigned));
 }
 
 TEST(Pages, LookupErrorsAndRemoval) {

@@ -162,6 +162,19 @@ TEST(LayoutReader, EntriesThatDoNotFitAreDroppedWithTheRuleTheyBreak) {
     EXPECT_TRUE(o->prompter.messages.empty());
 }
 
+// A layout that an editor saved as UTF-16 with its byte-order mark reads as Windows reads it:
+// the same card and items as the single-byte file.
+TEST(LayoutReader, AUtf16FileReadsAsTheSingleByteOne) {
+    const std::string ansi = crlf({"[CARDDESIGN]", "Size=2K", "UseHID=0", "[ENCODE]", "Stra\xDF" "e(1)=0,20,0,4,0"});
+    std::string utf16 = "\xFF\xFE";
+    for (char c : ansi) utf16 += std::string{c, '\0'};  // these bytes are their own code points
+    const auto single = openLayout(ansi), wide = openLayout(utf16);
+    ASSERT_EQ(wide->records.size(), 1);
+    EXPECT_EQ(std::tuple(wide->records[0].name, wide->card.ChipSize(), wide->card.UseHIDSection()),
+              std::tuple(std::string("Stra\xC3\x9F" "e"), iSmallOnePage, false));
+    EXPECT_EQ(wide->records.records(), single->records.records());
+}
+
 // Older files: a checksum's start value (Init_) is read for a parity only; a FieldsMultiTrack
 // entry under a big item's own key at its place gives it its begin bit, any other is an item
 // of its own; SETTINGS are handed over as read.

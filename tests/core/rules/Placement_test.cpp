@@ -164,6 +164,30 @@ const std::vector<OverlapCase> kOverlaps{
 INSTANTIATE_TEST_SUITE_P(Outcomes, OverlapQuestion, ::testing::ValuesIn(kOverlaps),
                          [](const auto& p) { return std::string(p.param.name); });
 
+// An item placed again where it stands, in the mode of its own kind, replaces itself without a
+// question; the same name of another kind there is asked about.
+TEST_F(Overlap, TheSameItemPlacedAgainInItsOwnModeReplacesItselfUnasked) {
+    const std::tuple<ItemRecord, PlacementRequest, bool> cases[] = {
+        {field("Name", 0, 20, 0, 4), at(20, 0, 4), false},
+        {function("Count", "1", "0", "0", 0, 20, 0, 4), at(20, 0, 4, kModeFunction, "Count"), false},
+        {bitField("Flag", 0, 20, 0, 0, 3), bits(20, 0, 0, 3), false},
+        {bitFunction("Constant", "5", 0, 20, 0, 0, 3),
+         at(20, 0, 3, kModeBitFunction, "Constant", 0, [](auto& q) { q.constantText = "5"; }), false},
+        {bitField("Name", 0, 20, 0, 0, 32), at(20, 0, 4), true},
+        {field("Count", 0, 20, 0, 4), at(20, 0, 4, kModeFunction, "Count"), true}};
+    for (const auto& [existing, request, asked] : cases) {
+        records = recordsOf({existing});
+        prompter = RecordingPrompter(Answer::Ok);
+        const std::vector<PlacementViolation> found = violations(request);  // what a check of the layout lists
+        ASSERT_EQ(found.size(), 1u);
+        EXPECT_EQ(found[0].message, tr.text(asked ? kTextOverlapOther : kTextOverlapSameName) + ": " + existing.name + ".");
+        const int32_t code = place(request).code;
+        EXPECT_EQ(std::tuple(code, prompter.messages.size(), records.size()),
+                  std::tuple(kPlacementReplaced, asked ? 1u : 0u, 0))
+            << existing.name << " mode " << request.mode;
+    }
+}
+
 TEST_F(Overlap, ChecksumRangeRulesCompareWithinAPageOnlyAndTheAuditCollectsEveryRule) {
     card.setChipSize(iBigEightPages);
     ItemRecord other = function("Checksum", "1", "", "", 3, 22, 0, 1);  // another page, block 22
