@@ -218,9 +218,13 @@ class Suite:
 
     # The widgets, the demo host and the tool are built on the core, and their tests see a fault
     # in it too; the tool draws and prints maps through the widgets; the host's tour runs the tool.
+    # The fuzz targets' replays of their corpora check the readers and the layout round trip.
+    FUZZ_TARGETS = ["profile", "layout", "project", "langdll", "catalog"]
+
     def targets(self, family):
         widgets = ["kestrin-widget-tests", "kestrin-host-tests", "kestrin-cli-tests", "kestrin-host", "kestrin"]
-        return {"core": ["kestrin-core-tests", *widgets], "widgets": widgets}[family]
+        fuzz = [f"kestrin-fuzz-{t}" for t in self.FUZZ_TARGETS]
+        return {"core": ["kestrin-core-tests", *widgets, *fuzz], "widgets": widgets}[family]
 
     def test_commands(self, family):
         fail_fast = "--gtest_fail_fast"
@@ -229,7 +233,7 @@ class Suite:
                    [str(self.build / "tests/cli/kestrin-cli-tests"), fail_fast]]
         if family == "core":
             return [[str(self.build / "tests/kestrin-core-tests"), fail_fast], *widgets,
-                    ["ctest", "--test-dir", str(self.build), "-R", r"^(cli\.(examples|generated)|host\..*)$",
+                    ["ctest", "--test-dir", str(self.build), "-R", r"^(cli\.(examples|generated)|host\..*|fuzz\.replay\..*)$",
                      "--stop-on-failure"]]
         return [*widgets, ["ctest", "--test-dir", str(self.build), "-R", r"^host\.", "--stop-on-failure"]]
 
