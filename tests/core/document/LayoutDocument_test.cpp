@@ -47,11 +47,9 @@ struct Doc {
         std::string out;
         for (const ItemRecord& r : doc.records()) {
             const bool light = ((r.color >> 16) & 0xFF) >= 127 && ((r.color >> 8) & 0xFF) >= 127 && (r.color & 0xFF) >= 127;
-            out += (out.empty() ? "" : " ") + (r.isDbUpdate ? r.dbFieldName + ":" + r.name
-                                                            : r.name + "@" + std::to_string(r.block) + "/" +
-                                                                  (r.color < 1000 ? std::to_string(r.color)
-                                                                   : light        ? "light"
-                                                                                  : "dark"));
+            const std::string color = r.color < 1000 ? std::to_string(r.color) : light ? "light" : "dark";
+            out += (out.empty() ? "" : " ") +
+                   (r.isDbUpdate ? r.dbFieldName + ":" + r.name : r.name + "@" + std::to_string(r.block) + "/" + color);
         }
         return out;
     }
@@ -107,13 +105,8 @@ TEST(LayoutDocument, ItemChangesTable) {
         {"the same item placed again", {}, apply("B", 22, 2), "2 at 3", "NAME:Constant A@20/111 C@24/333 B@22/light", {}, once},
         {"edit over its own old place", {}, apply("A", 21, 2, 1), "1 at 1", "NAME:Constant A@21/111 B@22/222 C@24/333", {}, once},
         {"edit onto another, cancelled", {Answer::Cancel}, apply("A", 22, 2, 1), "0 at -1", start, {"T3166: B."}, none},
-        {"edit of the last onto another, OK",
-         {Answer::Ok},
-         apply("C", 22, 2, 3),
-         "2 at 2",
-         "NAME:Constant A@20/111 C@22/333",
-         {"T3166: B."},
-         once},
+        {"edit of the last onto another, OK", {Answer::Ok}, apply("C", 22, 2, 3), "2 at 2", "NAME:Constant A@20/111 C@22/333",
+         {"T3166: B."}, once},
         {"edit of a record that is not there", {}, apply("N", 26, 1, 4), "1 at 4", start + " N@26/light", {}, once},
         {"remove an empty row", {}, remove(false, 3), "no", start, {"T3104"}, none},
         {"remove a row, answered no", {Answer::No}, remove(false, 0), "no", start, {asked}, none},
@@ -121,53 +114,28 @@ TEST(LayoutDocument, ItemChangesTable) {
         {"remove the last row", {}, remove(false, 2), "yes", "NAME:Constant A@20/111 B@22/222", {asked}, once},
         {"remove a database update", {}, remove(true, 0), "yes", "C@24/333 A@20/111 B@22/222", {asked}, once},
         {"remove an empty database update row", {}, remove(true, 1), "no", start, {"T3104"}, none},
-        {"database update edited in place",
-         {},
-         update({"Count", "NUMBER", 1, "", "5", "2", false}, 0),
-         "yes",
-         "NUMBER:Count A@20/111 B@22/222 C@24/333",
-         {},
-         once},
-        {"database update onto an item's slot is new",
-         {},
-         update({"CardSnNr", "NR", 1, "", "", "", false}, 1),
-         "yes",
-         start + " NR:CardSnNr",
-         {},
-         once},
-        {"database update with a step of 256",
-         {},
-         update({"Count", "NUMBER", 1, "", "5", "256", false}, 0),
-         "no",
-         start,
-         {"<Please enter a value between> 0 & 255!"},
-         none},
-        {"dialog session with two items",
-         {},
-         session({fieldAt("N", 26, 1), fieldAt("M", 27, 1)}),
-         "no",
-         start + " N@26/light M@27/light",
-         {},
-         once},
+        {"database update edited in place", {}, update({"Count", "NUMBER", 1, "", "5", "2", false}, 0), "yes",
+         "NUMBER:Count A@20/111 B@22/222 C@24/333", {}, once},
+        {"database update onto an item's slot is new", {}, update({"CardSnNr", "NR", 1, "", "", "", false}, 1), "yes",
+         start + " NR:CardSnNr", {}, once},
+        {"database update with a step of 256", {}, update({"Count", "NUMBER", 1, "", "5", "256", false}, 0), "no", start,
+         {"<Please enter a value between> 0 & 255!"}, none},
+        {"dialog session with two items", {}, session({fieldAt("N", 26, 1), fieldAt("M", 27, 1)}), "no",
+         start + " N@26/light M@27/light", {}, once},
         {"dialog session with only refusals", {}, session({fieldAt("N", 31, 9)}), "yes", start, {"T4600"}, none},
     };
     for (const ItemCase& c : cases) {
         SCOPED_TRACE(c.what);
         Doc d;
-        RecordArray records;
-        for (const ItemRecord& r : {dbUpdate("NAME", "Constant", "1"), field("A", 0, 20, 0, 2, 0, 111),
-                                    field("B", 0, 22, 0, 2, 0, 222), field("C", 0, 24, 0, 2, 0, 333)})
-            records.add(r);
-        d.doc.setLayout(CIClass(), records);
+        d.doc.setLayout(CIClass(), recordsOf({dbUpdate("NAME", "Constant", "1"), field("A", 0, 20, 0, 2, 0, 111),
+                                              field("B", 0, 22, 0, 2, 0, 222), field("C", 0, 24, 0, 2, 0, 333)}));
         ASSERT_TRUE(d.doc.saveTo(d.dir / "Start.IIF"));
         d.changes.clear();
         d.prompter.messages.clear();
         for (Answer a : c.answers) d.prompter.answerNext(a);
-        EXPECT_EQ(c.change(d.doc), c.result);
-        EXPECT_EQ(d.shape(), c.after);
-        EXPECT_EQ(d.told(), c.told);
-        EXPECT_EQ(d.changes, c.changes);
-        EXPECT_EQ(d.doc.saved(), c.changes.empty());
+        const std::string result = c.change(d.doc);
+        EXPECT_EQ(std::tuple(result, d.shape(), d.told(), d.changes, d.doc.saved()),
+                  std::tuple(c.result, c.after, c.told, c.changes, c.changes.empty()));
     }
 }
 
@@ -190,6 +158,9 @@ TEST(LayoutDocument, NewOpensACardWithTheHidAreaInUseAndSavesIt) {
     const ProfileDocument file = ProfileDocument::parse(readBytes(d.dir / "New.IIF"));
     EXPECT_EQ(std::tuple(file.getInt("CARDDESIGN", "UseHID", -1), file.getInt("CARDDESIGN", "UseBit", -1),
                          file.getInt("CARDDESIGN", "Pages", -1)), std::tuple(1, 0, 8));
+    d.doc.setUseHID(false);  // switched with the layout open: the card gives the HID blocks free
+    EXPECT_EQ(std::tuple(d.doc.useHID(), d.doc.card()->UseHIDSection(), d.doc.card()->page(0)->BeginFreeSpace),
+              std::tuple(false, false, 6));
 }
 
 TEST(LayoutDocument, OpenTakesTheFileAndItsSwitchesAndTheAuditNamesWhatItDropped) {
@@ -236,13 +207,9 @@ TEST(LayoutDocument, OpenTakesTheFileAndItsSwitchesAndTheAuditNamesWhatItDropped
 // Close asks whether to close and, with unsaved changes, whether to save first. Yes saves to
 // the layout's file or through the host's callback when it has none.
 TEST(LayoutDocument, CloseTable) {
-    struct CloseCase {
-        bool edited, named;
-        std::vector<Answer> answers;
-        bool callbackSaves, closed;
-        std::vector<std::string> questions;
-        int itemsInFile;  // -1: no file
-    };
+    // itemsInFile -1: no file
+    struct CloseCase { bool edited, named; std::vector<Answer> answers; bool callbackSaves, closed;
+                       std::vector<std::string> questions; int itemsInFile; };
     const std::vector<std::string> both = {"T3124", "T3125"};
     for (const CloseCase& c : {CloseCase{true, true, {Answer::No}, false, false, {"T3124"}, 0},
                                CloseCase{true, true, {Answer::Yes, Answer::Cancel}, false, false, both, 0},
@@ -258,11 +225,9 @@ TEST(LayoutDocument, CloseTable) {
         d.prompter.messages.clear();
         for (Answer a : c.answers) d.prompter.answerNext(a);
         int called = 0;
-        EXPECT_EQ(d.doc.close([&] { ++called;
-            return c.callbackSaves; }), c.closed);
-        EXPECT_EQ(std::tuple(called, d.told()), std::tuple(c.named ? 0 : 1, c.questions));
-        EXPECT_EQ(std::tuple(d.doc.layoutEntered(), d.doc.records().size(), d.doc.card() == nullptr),
-                  std::tuple(!c.closed, c.closed ? 0 : 1, c.closed));
+        EXPECT_EQ(d.doc.close([&] { return ++called, c.callbackSaves; }), c.closed);
+        EXPECT_EQ(std::tuple(called, d.told(), d.doc.layoutEntered(), d.doc.records().size(), d.doc.card() == nullptr),
+                  std::tuple(c.named ? 0 : 1, c.questions, !c.closed, c.closed ? 0 : 1, c.closed));
         EXPECT_FALSE(c.closed && (d.doc.saved() || d.doc.changed()));
         if (c.itemsInFile < 0) continue;
         Doc reader;

@@ -3,8 +3,11 @@
 // boundary greys and the bytes items touch, and the editor's bit map.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "card/CIClass.h"
 #include "items/BitMap.h"
+#include "items/GridRows.h"
 #include "items/ItemSpan.h"
 #include "items/PageMap.h"
 #include "items/PreviewViews.h"
@@ -24,41 +27,66 @@ TEST(RecordArray, RefusesRecordsBeyondTheSixteenBitIndex) {
     EXPECT_EQ(a.highestIndex(), 32766);
 }
 
+// Each kind as the item grid hands it to the editor (a kind without a code keeps code 0 there),
+// and the editor's record finds its item again only by the same place, bits included.
+TEST(RecordArray, EachKindReachesTheEditorAndIsFoundAgainByItsPlace) {
+    ItemRecord simple = bitFunction("Checksum", "1", 0, 23, 0, 3, 8), binary = field("Photo", 0, 24, 0, 16);
+    simple.isBitFunction = false, simple.isSimpleBitFunction = true, binary.isBinary = true;
+    const std::pair<ItemRecord, int> kinds[] = {{field("F", 0, 20, 0, 2), 0}, {function("Count", "1", "0", "0", 0, 21, 0, 1), 1},
+                                                {bitField("B", 0, 22, 0, 3, 4), 2}, {bitFunction("Constant", "5", 0, 22, 1, 2, 3), 3},
+                                                {simple, 1}, {binary, -1}};
+    RecordArray records;
+    for (const auto& [r, code] : kinds) records.add(r);
+    for (uint16_t i = 0; i < records.size(); ++i) {
+        const auto& [r, code] = kinds[i];
+        const EditorRecord e = editorRecordOf(itemRowOf(r));
+        SCOPED_TRACE(e.kindWord);
+        EXPECT_EQ(std::tuple(kindCode(kindWord(r)), e.kindCode, e.kindWord, e.editing, e.fieldsAndFunctions),
+                  std::tuple(code, std::max(code, 0), kindWord(r), true, true));
+        ItemPosition at{e.page, e.block, e.beginByte, e.numBytes, e.beginBit, e.numBits};
+        EXPECT_EQ(records.findByPosition(at, e.name, e.kindWord), i);
+        if (!kindShowsBits(e.kindWord)) continue;
+        for (int16_t* other : {&at.beginBit, &at.numBits}) {  // the same start with another count, and the reverse
+            ++*other;
+            EXPECT_EQ(records.findByPosition(at, e.name, e.kindWord), RecordArray::kNone);
+            --*other;
+        }
+    }
+}
 
-// parts: each grid page's VirtualPage
+// parts: each grid page's VirtualPage and whether it holds the HID area (the first part only)
 struct ViewCase {
     IClassType chip;
     int view;
     std::vector<std::string> titles;
     std::string position;
-    std::vector<int32_t> pageNumbers, parts;
+    std::vector<int32_t> pageNumbers;
+    std::vector<std::pair<int32_t, bool>> parts;
     std::string pagesHeading;
 };
 
-class PreviewViews : public ::testing::TestWithParam<ViewCase> {};
-
-TEST_P(PreviewViews, TitlesPositionPagesAndHeading) {
-    const ViewCase& c = GetParam();
-    CIClass card;
-    card.setChipSize(c.chip);
-    const PreviewView v = previewView(card, c.view, tr);
-    EXPECT_EQ(std::tuple(v.index, v.titles, v.position, v.pageNumbers), std::tuple(c.view, c.titles, c.position, c.pageNumbers));
-    std::vector<int32_t> parts;
-    for (const auto& page : v.pages) parts.push_back(page.VirtualPage);
-    EXPECT_EQ(parts, c.parts);
-    EXPECT_EQ(std::tuple(v.hasPrevious, v.hasNext), std::tuple(c.view > 0, c.view < previewViewCount(c.chip) - 1));
-    EXPECT_EQ(printPagesHeading(card, v, tr), c.pagesHeading);
+TEST(PreviewViews, TitlesPositionPagesAndHeading) {
+    for (const ViewCase& c :
+         {ViewCase{iSmallOnePage, 0, {"<Card Layout>"}, "", {0}, {{0, true}}, ""},
+          ViewCase{iBigOnePage, 0, {"Blocks 0 - 31", "Blocks 32 - 63"}, "Blocks 0 - 63 of 255", {0}, {{0, true}, {1, false}}, ""},
+          ViewCase{iBigOnePage, 1, {"Blocks 64 - 95 ", "Blocks 96 - 127"}, "Blocks 64 - 127 of 255", {0}, {{2, false}, {3, false}},
+                   ""},
+          ViewCase{iBigOnePage, 3, {"Blocks 192 - 223", "Blocks 224 - 255"}, "Blocks 192 - 255 of 255", {0},
+                   {{6, false}, {7, false}}, ""},
+          ViewCase{iBigEightPages, 0, {"Page 0", "Page 1"}, "Pages 0/1 of 7", {0, 1}, {{0, true}, {0, false}}, "<PAGES> 0 <and> 1"},
+          ViewCase{iBigEightPages, 3, {"Page 6", "Page 7"}, "Pages 6/7 of 7", {6, 7}, {{0, false}, {0, false}},
+                   "<PAGES> 6 <and> 7"}}) {
+        CIClass card;
+        card.setChipSize(c.chip);
+        const PreviewView v = previewView(card, c.view, tr);
+        std::vector<std::pair<int32_t, bool>> parts;
+        for (const auto& page : v.pages) parts.emplace_back(page.VirtualPage, page.HasHIDSpace);
+        EXPECT_EQ(std::tuple(v.index, v.titles, v.position, v.pageNumbers, parts, v.hasPrevious, v.hasNext,
+                             printPagesHeading(card, v, tr)),
+                  std::tuple(c.view, c.titles, c.position, c.pageNumbers, c.parts, c.view > 0,
+                             c.view < previewViewCount(c.chip) - 1, c.pagesHeading));
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Chips, PreviewViews,
-    ::testing::Values(ViewCase{iSmallOnePage, 0, {"<Card Layout>"}, "", {0}, {0}, ""},
-                      ViewCase{iBigOnePage, 0, {"Blocks 0 - 31", "Blocks 32 - 63"}, "Blocks 0 - 63 of 255", {0}, {0, 1}, ""},
-                      ViewCase{iBigOnePage, 1, {"Blocks 64 - 95 ", "Blocks 96 - 127"}, "Blocks 64 - 127 of 255", {0}, {2, 3}, ""},
-                      ViewCase{
-                          iBigOnePage, 3, {"Blocks 192 - 223", "Blocks 224 - 255"}, "Blocks 192 - 255 of 255", {0}, {6, 7}, ""},
-                      ViewCase{iBigEightPages, 0, {"Page 0", "Page 1"}, "Pages 0/1 of 7", {0, 1}, {0, 0}, "<PAGES> 0 <and> 1"},
-                      ViewCase{iBigEightPages, 3, {"Page 6", "Page 7"}, "Pages 6/7 of 7", {6, 7}, {0, 0}, "<PAGES> 6 <and> 7"}));
 
 constexpr int32_t kGreen = 0x00C000, kBlue = 0xFF0000, kYellow = 0x00FFFF, kWhite = 0xFFFFFF;
 constexpr int32_t kInside = 0xEBEBEB, kBeyond = 0xD7D7D7, kItem = 0x3366CC;
@@ -170,12 +198,15 @@ TEST(BitMap, ShowsBlocksBytesItemsAndTheMark) {
               std::tuple(kMapFreeColor, kByteEdgeColor, kMapFreeColor));
     for (int column : {7, 8, 9, 10})
         EXPECT_EQ(std::tuple(map.at(1, column).background, map.text(map.at(1, column).owner)), std::tuple(kItem, "B")) << column;
-    EXPECT_EQ(std::tuple(map.at(1, 6).owner, map.at(1, 11).owner, map.textAt(1, 7), map.columnSpan(1, 8)),
-              std::tuple(0, 0, "B", 4));
+    EXPECT_EQ(std::tuple(map.at(1, 6).owner, map.at(1, 11).owner, map.textAt(1, 7), map.columnSpan(1, 8), map.columnSpan(1, 11)),
+              std::tuple(0, 0, "B", 4, 1));
     EXPECT_EQ(std::tuple(map.textAt(2, 9), map.columnSpan(2, 10)), std::tuple("C", 2));  // a run of two bits is one cell
     EXPECT_EQ(
         std::tuple(map.text(map.at(1, 10).tip), map.at(13, 63).background, map.at(13, 64).background, map.at(13, 62).background),
         std::tuple("B (1.1)", kMapMarkColor, kMapMarkColor, kByteEdgeColor));
+    CPage full = page;  // no free block left: the map has its heading and no bits
+    full.BeginFreeSpace = full.blockCount();
+    EXPECT_EQ(bitMap(full, RecordArray()).rows(), 1);
 }
 
 }  // namespace

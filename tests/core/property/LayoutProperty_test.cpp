@@ -77,11 +77,7 @@ RecordArray inReadingOrder(const RecordArray& records) {
     return out;
 }
 
-struct RandomLayout {
-    CIClass card;
-    RecordArray records;
-    HostFieldList fields;
-};
+struct RandomLayout { CIClass card; RecordArray records; HostFieldList fields; };
 
 // A layout as an operator builds one: host fields with names a project can hold (quotes,
 // brackets, Windows-1252 letters), a card with random properties, and candidate items of every
@@ -117,24 +113,21 @@ public:
         }
         // The layout check must pass in the order of placing and in the reader's order.
         for (;;) {
-            if (auto v = auditLayout(l.card, l.records, kTranslator); !v.empty()) {
+            const RecordArray read = inReadingOrder(l.records);
+            if (auto v = auditLayout(l.card, l.records, kTranslator); !v.empty())
                 l.records.removeAt(v.front().recordIndex);
-            } else if (const RecordArray read = inReadingOrder(l.records);
-                       !(v = auditLayout(l.card, read, kTranslator)).empty()) {
+            else if (!(v = auditLayout(l.card, read, kTranslator)).empty())
                 l.records.removeAt(static_cast<int32_t>(
                     std::find(l.records.begin(), l.records.end(), read[v.front().recordIndex]) - l.records.begin()));
-            } else {
+            else
                 return l;
-            }
         }
     }
 
     Rng rng;
     RandomLayout l;
 
-    std::string fieldName() {
-        return name(rng.pick(l.fields.fields()));
-    }
+    std::string fieldName() { return name(rng.pick(l.fields.fields())); }
     // The database name mostly, as the field list shows it, the other name now and then.
     std::string name(const HostField& f) { return rng.chance(4, 5) ? f.dbField : f.name; }
     int64_t size(bool bits) {
@@ -295,8 +288,7 @@ TEST(PlacementProperty, InvalidPlacementsNeverCorruptTheRecords) {
             if (rng.chance(1, 3)) q.mode = static_cast<int32_t>(rng.between(kModeField, kModeBitFunction));
             for (int64_t breaks = rng.chance(1, 6) ? 0 : rng.between(1, 3); breaks > 0; --breaks) {
                 const auto big = [&](int64_t lo, int64_t hi) {
-                    return static_cast<int16_t>(rng.chance(1, 2) ? -1 : rng.between(lo, hi));
-                };
+                    return static_cast<int16_t>(rng.chance(1, 2) ? -1 : rng.between(lo, hi)); };
                 switch (rng.between(0, 8)) {
                     case 0: q.page = big(pages, 12); break;
                     case 1: q.row = static_cast<int16_t>(rng.between(-5, 300)); break;

@@ -99,8 +99,9 @@ TEST(EditorEntries, DatabaseUpdateAndItemEntriesAreCheckedAndBecomeOneRecord) {
         e.function.countNumberText = e.function.countStepText = "1";
         const ItemRecord r = itemRecordOf(e, 0x123456);
         EXPECT_EQ(std::tuple(kindWord(r), r.name, r.page, r.block, r.beginByte, r.color, isBitMode(mode) ? r.numBits : r.numBytes,
-                             r.beginBit),
-                  std::tuple(kind, isFunctionMode(mode) ? "Count" : "NAME", 0, 20, 3, 0x123456, 4, isBitMode(mode) ? 2 : 0));
+                             r.beginBit, placementRequestOf(e).beginBit),
+                  std::tuple(kind, isFunctionMode(mode) ? "Count" : "NAME", 0, 20, 3, 0x123456, 4, isBitMode(mode) ? 2 : 0,
+                             isBitMode(mode) ? 2 : 0));
     }
 }
 
@@ -185,7 +186,7 @@ TEST(FunctionProperties, TheBoxesSizesAndValueLimitsFollowTheChoiceAndMode) {
         {ValueBox::Polynom, 3, K::Checksum, 2, 8, {257, 511}}, {ValueBox::Polynom, 3, K::Checksum, 2, 0, {3, 3}},
         {ValueBox::Polynom, 3, K::Checksum, 2, 100, {(int64_t{1} << 62) + 1, INT64_MAX}},
         {ValueBox::StartValue, 3, K::Checksum, 2, 4, {0, 15}}, {ValueBox::StartValue, 1, K::Checksum, 3, 8, {0, 1}},
-        {ValueBox::StartValue, 3, K::Checksum, 1, 8, {0, 255}}};
+        {ValueBox::StartValue, 3, K::Checksum, 1, 4, {0, 255}}, {ValueBox::StartValue, 1, K::Checksum, 2, 4, {0, 255}}};
     for (const auto& [box, mode, kind, option, bits, want] : limits)
         EXPECT_EQ(boxLimits(box, mode, kind, option, bits), want) << int(box) << " mode " << mode << " bits " << bits;
     // The size box: room left in the page, the begin bit counted.

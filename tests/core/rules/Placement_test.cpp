@@ -37,9 +37,19 @@ PlacementRequest bits(int row, int byte, int bit, int count) {
 PlacementRequest fn(const std::string& word, int mode, int option, int size, const Change& change = {}) {
     return at(20, 0, size, mode, word, option, change);
 }
-const Change kCrc = [](auto& q) { q.polynomText = "263", q.startValueText = "0"; };
-const Change kBitCrc = [](auto& q) { q.polynomText = "17", q.startValueText = "15"; };
-Change crcAnd(const Change& base, const Change& more) { return [=](auto& q) { base(q), more(q); }; }
+PlacementRequest onPage(int page, int row, int byte, int size) {
+    return at(row, byte, size, kModeField, "Name", -1, [page](auto& q) { q.page = static_cast<int16_t>(page); });
+}
+PlacementRequest sized(const std::string& text) {
+    return at(19, 0, 1, kModeField, "Name", -1, [text](auto& q) { q.nrBytesText = text; });
+}
+PlacementRequest check(int mode, int option, int size, const char* polynom = "", const char* start = "") {
+    return fn("Checksum", mode, option, size, [=](auto& q) { q.polynomText = polynom, q.startValueText = start; });
+}
+PlacementRequest constant(int mode, int size, const char* value, bool fromField = false) {
+    return fn("Constant", mode, 0, size, [=](auto& q) { q.constantText = value, q.valueFromField = fromField; });
+}
+PlacementRequest snr(int option, int size) { return fn("CardSnNr", kModeFunction, option, size); }
 CIClass chipOf(IClassType type) {
     CIClass card;
     card.setChipSize(type);
@@ -48,11 +58,11 @@ CIClass chipOf(IClassType type) {
 
 struct RuleCase {
     const char* name;
-    IClassType chip;
     PlacementRequest request;
-    int32_t textId;
+    int32_t textId;  // 0: accepted
     EditorBox focus = EditorBox::None;
-};  // textId 0: accepted
+    IClassType chip = iSmallOnePage;
+};
 
 class Placement : public ::testing::TestWithParam<RuleCase> {};
 
@@ -72,63 +82,41 @@ TEST_P(Placement, FirstBrokenRuleIsReported) {
 }
 
 using B = EditorBox;
+constexpr int kF = kModeFunction, kBF = kModeBitFunction, kCrc = kChecksumCrc;
 const std::vector<RuleCase> kRules{
-    {"EndsAtPageEnd", iSmallOnePage, at(30, 0, 16), 0}, {"OneBytePastPageEnd", iSmallOnePage, at(30, 1, 16), kTextPageFit},
-    {"BitsEndingAtTheEnd", iSmallOnePage, bits(31, 7, 5, 3), 0},
-    {"BitsSpanningTwoBytesAtTheEnd", iSmallOnePage, bits(31, 7, 6, 3), kTextPageFit},
-    {"HidRow19", iSmallOnePage, at(19, 0, 1), 0}, {"HidRow18", iSmallOnePage, at(18, 0, 1), kTextHeaderOrHid},
-    {"NothingChosen", iSmallOnePage, at(19, 0, 1, kModeField, ""), kTextIncomplete},
-    {"NegativeRow", iSmallOnePage, at(-1, 0, 1), kTextIncomplete}, {"ZeroSize", iSmallOnePage, at(19, 0, 0), kTextIncomplete},
-    {"SizeNotANumber", iSmallOnePage, at(19, 0, 1, kModeField, "Name", -1, [](auto& q) { q.nrBytesText = "x"; }),
-     kTextIncomplete},
-    {"AbsurdSize", iSmallOnePage, at(19, 0, 1, kModeField, "Name", -1, [](auto& q) { q.nrBytesText = std::string(32, '9'); }),
-     kTextPageFit},
-    {"PageNotOnCard", iSmallOnePage, at(19, 0, 1, kModeField, "Name", -1, [](auto& q) { q.page = 3; }), kTextIncomplete},
+    {"EndsAtPageEnd", at(30, 0, 16), 0}, {"OneBytePastPageEnd", at(30, 1, 16), kTextPageFit},
+    {"BitsEndingAtTheEnd", bits(31, 7, 5, 3), 0}, {"BitsSpanningTwoBytesAtTheEnd", bits(31, 7, 6, 3), kTextPageFit},
+    {"HidRow19", at(19, 0, 1), 0}, {"HidRow18", at(18, 0, 1), kTextHeaderOrHid},
+    {"NothingChosen", at(19, 0, 1, kModeField, ""), kTextIncomplete}, {"NegativeRow", at(-1, 0, 1), kTextIncomplete},
+    {"ZeroSize", at(19, 0, 0), kTextIncomplete}, {"SizeNotANumber", sized("x"), kTextIncomplete},
+    {"AbsurdSize", sized(std::string(32, '9')), kTextPageFit}, {"PageNotOnCard", onPage(3, 19, 0, 1), kTextIncomplete},
     // Boundary 18: bytes 151 and 152 straddle block 19's start on the paged chip only.
-    {"EndsBeforeBoundaryBlock19", iBigEightPages, at(18, 6, 2, kModeField, "Name", -1, [](auto& q) { q.page = 1; }), 0},
-    {"AcrossBoundary", iBigEightPages, at(18, 7, 2, kModeField, "Name", -1, [](auto& q) { q.page = 1; }), kTextBoundary},
-    {"NoBoundaryOnOnePageFreeRow", iBigOnePage, at(19, 7, 2), 0},
-    {"CardSnNrDecimal10", iSmallOnePage, fn("CardSnNr", kModeFunction, 0, 10), 0},
-    {"CardSnNrDecimal9", iSmallOnePage, fn("CardSnNr", kModeFunction, 0, 9), kTextCardSnNrDecimal},
-    {"CardSnNrHex", iSmallOnePage, fn("CardSnNr", kModeFunction, 1, 10), kTextCardSnNrHex},
-    {"CardSnNrMotorola", iSmallOnePage, fn("CardSnNr", kModeFunction, 2, 8), kTextCardSnNrMotorola},
-    {"CardSnNrIntel4", iSmallOnePage, fn("CardSnNr", kModeFunction, 3, 4), 0},
-    {"CardSnNrIntel5", iSmallOnePage, fn("CardSnNr", kModeFunction, 3, 5), kTextCardSnNrIntel},
-    {"CardSnNrNoRepresentationNoSizeRule", iSmallOnePage, fn("CardSnNr", kModeFunction, 4, 3), 0},
-    {"ChecksumTwoBytes", iSmallOnePage, fn("Checksum", kModeFunction, kChecksumCrc, 2), kTextChecksumOneByte},
-    {"ByteCrcOk", iSmallOnePage, fn("Checksum", kModeFunction, kChecksumCrc, 1, kCrc), 0},
-    {"ByteCrcPolynomial256", iSmallOnePage,
-     fn("Checksum", kModeFunction, kChecksumCrc, 1, crcAnd(kCrc, [](auto& q) { q.polynomText = "256"; })), kTextOutOfRange,
-     B::Polynom},
-    {"ByteCrcStart256", iSmallOnePage,
-     fn("Checksum", kModeFunction, kChecksumCrc, 1, crcAnd(kCrc, [](auto& q) { q.startValueText = "256"; })), kTextOutOfRange,
-     B::StartValue},
-    {"ByteParityStart2", iSmallOnePage,
-     fn("Checksum", kModeFunction, kChecksumParity, 1, [](auto& q) { q.startValueText = "2"; }), kTextOutOfRange, B::StartValue},
-    {"BitAdd8", iSmallOnePage, fn("Checksum", kModeBitFunction, kChecksumAdd, 8), 0},
-    {"BitAdd7", iSmallOnePage, fn("Checksum", kModeBitFunction, kChecksumAdd, 7), kTextNotExactly, B::NrBytes},
-    {"BitParity2", iSmallOnePage, fn("Checksum", kModeBitFunction, kChecksumParity, 2), kTextNotExactly, B::NrBytes},
-    {"BitCrcOk", iSmallOnePage, fn("Checksum", kModeBitFunction, kChecksumCrc, 4, kBitCrc), 0},
-    {"BitCrcStartZero", iSmallOnePage,
-     fn("Checksum", kModeBitFunction, kChecksumCrc, 4, crcAnd(kBitCrc, [](auto& q) { q.startValueText = "0"; })), 0},
-    {"BitCrc9Bits", iSmallOnePage, fn("Checksum", kModeBitFunction, kChecksumCrc, 9, kBitCrc), kTextOutOfRange, B::NrBytes},
-    {"BitCrcPolynomialTooSmall", iSmallOnePage,
-     fn("Checksum", kModeBitFunction, kChecksumCrc, 4, crcAnd(kBitCrc, [](auto& q) { q.polynomText = "16"; })), kTextOutOfRange,
-     B::Polynom},
-    {"BitCrcStartTooBig", iSmallOnePage,
-     fn("Checksum", kModeBitFunction, kChecksumCrc, 4, crcAnd(kBitCrc, [](auto& q) { q.startValueText = "16"; })),
-     kTextOutOfRange, B::StartValue},
-    {"BitConstantFits9Bits", iSmallOnePage, fn("Constant", kModeBitFunction, 0, 9, [](auto& q) { q.constantText = "511"; }), 0},
-    {"BitConstantTooBig", iSmallOnePage, fn("Constant", kModeBitFunction, 0, 9, [](auto& q) { q.constantText = "512"; }),
-     kTextOutOfRange, B::ConstantValue},
-    {"ConstantFromFieldWithoutField", iSmallOnePage,
-     fn("Constant", kModeFunction, 1, 1, [](auto& q) { q.valueFromField = true; }), kTextIncomplete},
-    {"CountFromField", iSmallOnePage,
-     fn("Count", kModeFunction, 0, 4, [](auto& q) { q.valueFromField = true, q.fieldChosen = "Name"; }), 0},
-    {"ChecksumCoversItself", iSmallOnePage,
-     at(19, 0, 1, kModeFunction, "Checksum", kChecksumCrc,
-        crcAnd(kCrc, [](auto& q) { q.rangeRow = 19, q.rangeCountText = "16"; })),
-     kTextChecksumCoversItself}};
+    {"EndsBeforeBoundaryBlock19", onPage(1, 18, 6, 2), 0, B::None, iBigEightPages},
+    {"AcrossBoundary", onPage(1, 18, 7, 2), kTextBoundary, B::None, iBigEightPages},
+    {"NoBoundaryOnOnePageFreeRow", at(19, 7, 2), 0, B::None, iBigOnePage},
+    {"CardSnNrDecimal10", snr(0, 10), 0}, {"CardSnNrDecimal9", snr(0, 9), kTextCardSnNrDecimal},
+    {"CardSnNrHex", snr(1, 10), kTextCardSnNrHex}, {"CardSnNrMotorola", snr(2, 8), kTextCardSnNrMotorola},
+    {"CardSnNrIntel4", snr(3, 4), 0}, {"CardSnNrIntel5", snr(3, 5), kTextCardSnNrIntel},
+    {"CardSnNrNoRepresentationNoSizeRule", snr(4, 3), 0}, {"ChecksumTwoBytes", check(kF, kCrc, 2), kTextChecksumOneByte},
+    {"ByteCrcOk", check(kF, kCrc, 1, "263", "0"), 0},
+    {"ByteCrcPolynomial256", check(kF, kCrc, 1, "256", "0"), kTextOutOfRange, B::Polynom},
+    {"ByteCrcStart256", check(kF, kCrc, 1, "263", "256"), kTextOutOfRange, B::StartValue},
+    {"ByteParityStart2", check(kF, kChecksumParity, 1, "", "2"), kTextOutOfRange, B::StartValue},
+    {"BitAdd8", check(kBF, kChecksumAdd, 8), 0}, {"BitAdd7", check(kBF, kChecksumAdd, 7), kTextNotExactly, B::NrBytes},
+    {"BitParity2", check(kBF, kChecksumParity, 2), kTextNotExactly, B::NrBytes},
+    {"BitCrcOk", check(kBF, kCrc, 4, "17", "15"), 0}, {"BitCrcStartZero", check(kBF, kCrc, 4, "17", "0"), 0},
+    {"BitCrc9Bits", check(kBF, kCrc, 9, "17", "15"), kTextOutOfRange, B::NrBytes},
+    {"BitCrcPolynomialTooSmall", check(kBF, kCrc, 4, "16", "15"), kTextOutOfRange, B::Polynom},
+    {"BitCrcStartTooBig", check(kBF, kCrc, 4, "17", "16"), kTextOutOfRange, B::StartValue},
+    {"BitConstantFits9Bits", constant(kBF, 9, "511"), 0},
+    {"BitConstantTooBig", constant(kBF, 9, "512"), kTextOutOfRange, B::ConstantValue},
+    // 64 bits: a constant near the top of the 64-bit integers still fits.
+    {"BitConstant64BitsNearTheTop", constant(kBF, 64, "4611686018427387902"), 0},
+    {"ConstantFromFieldWithoutField", constant(kF, 1, "", true), kTextIncomplete},
+    {"CountFromField", fn("Count", kF, 0, 4, [](auto& q) { q.valueFromField = true, q.fieldChosen = "Name"; }), 0},
+    {"ChecksumCoversItself", at(19, 0, 1, kF, "Checksum", kCrc, [](auto& q) {
+         q.polynomText = "263", q.startValueText = "0", q.rangeRow = 19, q.rangeCountText = "16";
+     }), kTextChecksumCoversItself}};
 INSTANTIATE_TEST_SUITE_P(Cases, Placement, ::testing::ValuesIn(kRules), [](const auto& p) { return std::string(p.param.name); });
 
 class Overlap : public ::testing::Test {
@@ -141,40 +129,34 @@ protected:
     RecordingPrompter prompter{Answer::Ok};
 };
 
-struct OverlapCase { const char* name; ItemRecord existing; int32_t textId; Answer answer; int32_t code; };
-
-class OverlapQuestion : public Overlap, public ::testing::WithParamInterface<OverlapCase> {};
-
-TEST_P(OverlapQuestion, AsksAndReplacesOnOk) {
-    const auto& c = GetParam();
-    records = recordsOf({field("Keep", 0, 25, 0, 1), c.existing});
-    prompter = RecordingPrompter(c.answer);
-    EXPECT_EQ(place(at(20, 0, 4)).code, c.code);
-    ASSERT_EQ(prompter.messages.size(), 1u);
-    EXPECT_EQ(std::tuple(prompter.messages[0].buttons, prompter.messages[0].text),
-              std::tuple(Buttons::OkCancel, tr.text(c.textId) + ": " + c.existing.name + "."));
-    EXPECT_EQ(std::tuple(records.size(), records[0].name), std::tuple(c.code == kPlacementReplaced ? 1 : 2, "Keep"));
+// An overlap asks OK or Cancel, naming the item in the way: OK replaces it and names its slot,
+// Cancel refuses with no box to go back to.
+TEST_F(Overlap, AsksAndReplacesOnOk) {
+    const std::tuple<ItemRecord, int32_t, Answer> cases[] = {
+        {field("Name", 0, 20, 1, 2), kTextOverlapSameName, Answer::Ok}, {field("Other", 0, 20, 0, 4), kTextOverlapOther, Answer::Ok},
+        {bitField("Name", 0, 20, 0, 0, 8), kTextOverlapOther, Answer::Ok},
+        {field("Other", 0, 20, 0, 4), kTextOverlapOther, Answer::Cancel}};
+    for (const auto& [existing, textId, answer] : cases) {
+        records = recordsOf({field("Keep", 0, 25, 0, 1), existing});
+        prompter = RecordingPrompter(answer);
+        const PlacementResult result = place(at(20, 0, 4));
+        const bool ok = answer == Answer::Ok;
+        EXPECT_EQ(std::tuple(result.code, result.focus, result.removedIndex),
+                  std::tuple(ok ? kPlacementReplaced : kPlacementRejected, B::None, ok ? 1 : -1));
+        ASSERT_EQ(prompter.messages.size(), 1u);
+        EXPECT_EQ(std::tuple(prompter.messages[0].buttons, prompter.messages[0].text, records.size(), records[0].name),
+                  std::tuple(Buttons::OkCancel, tr.text(textId) + ": " + existing.name + ".", ok ? 1 : 2, "Keep"));
+    }
 }
-
-const std::vector<OverlapCase> kOverlaps{
-    {"SameNameElsewhere", field("Name", 0, 20, 1, 2), kTextOverlapSameName, Answer::Ok, kPlacementReplaced},
-    {"OtherName", field("Other", 0, 20, 0, 4), kTextOverlapOther, Answer::Ok, kPlacementReplaced},
-    {"SameNameOtherKind", bitField("Name", 0, 20, 0, 0, 8), kTextOverlapOther, Answer::Ok, kPlacementReplaced},
-    {"Cancelled", field("Other", 0, 20, 0, 4), kTextOverlapOther, Answer::Cancel, kPlacementRejected}};
-INSTANTIATE_TEST_SUITE_P(Outcomes, OverlapQuestion, ::testing::ValuesIn(kOverlaps),
-                         [](const auto& p) { return std::string(p.param.name); });
 
 // An item placed again where it stands, in the mode of its own kind, replaces itself without a
 // question; the same name of another kind there is asked about.
 TEST_F(Overlap, TheSameItemPlacedAgainInItsOwnModeReplacesItselfUnasked) {
     const std::tuple<ItemRecord, PlacementRequest, bool> cases[] = {
-        {field("Name", 0, 20, 0, 4), at(20, 0, 4), false},
-        {function("Count", "1", "0", "0", 0, 20, 0, 4), at(20, 0, 4, kModeFunction, "Count"), false},
+        {field("Name", 0, 20, 0, 4), at(20, 0, 4), false}, {function("Count", "1", "0", "0", 0, 20, 0, 4), fn("Count", kF, -1, 4), false},
         {bitField("Flag", 0, 20, 0, 0, 3), bits(20, 0, 0, 3), false},
-        {bitFunction("Constant", "5", 0, 20, 0, 0, 3),
-         at(20, 0, 3, kModeBitFunction, "Constant", 0, [](auto& q) { q.constantText = "5"; }), false},
-        {bitField("Name", 0, 20, 0, 0, 32), at(20, 0, 4), true},
-        {field("Count", 0, 20, 0, 4), at(20, 0, 4, kModeFunction, "Count"), true}};
+        {bitFunction("Constant", "5", 0, 20, 0, 0, 3), constant(kBF, 3, "5"), false},
+        {bitField("Name", 0, 20, 0, 0, 32), at(20, 0, 4), true}, {field("Count", 0, 20, 0, 4), fn("Count", kF, -1, 4), true}};
     for (const auto& [existing, request, asked] : cases) {
         records = recordsOf({existing});
         prompter = RecordingPrompter(Answer::Ok);
