@@ -22,6 +22,14 @@ inline std::vector<std::string> texts(const RecordingPrompter& prompter) {
     return shown;
 }
 
+// Opens a language library in which each of the given text numbers reads "T<number>".
+inline int32_t numberedLibrary(CatalogRegistry& registry, const std::filesystem::path& file, const std::vector<int>& ids) {
+    std::string lines;
+    for (int id : ids) lines += std::to_string(id) + "=T" + std::to_string(id) + "\n";
+    writeBytes(file, lines);
+    return registry.open(file);
+}
+
 // Drives the real controls of a window by their names.
 struct Controls {
     QWidget* root = nullptr;
@@ -33,14 +41,38 @@ struct Controls {
         return w;
     }
     void click(const QString& name) const { child<QAbstractButton>(name)->click(); }
+    bool checked(const QString& name) const { return child<QAbstractButton>(name)->isChecked(); }
     void type(const QString& box, const QString& text) const {
         child<QLineEdit>(box)->clear();
         QTest::keyClicks(child<QLineEdit>(box), text);
     }
     QString text(const QString& box) const { return child<QLineEdit>(box)->text(); }
+    QString current(const QString& combo) const { return child<QComboBox>(combo)->currentText(); }
     void choose(const QString& combo, const QString& entry) const {
         EXPECT_GE(child<QComboBox>(combo)->findText(entry), 0) << combo.toStdString() << " has no " << entry.toStdString();
         child<QComboBox>(combo)->setCurrentIndex(child<QComboBox>(combo)->findText(entry));
+    }
+    QStringList entries(const QString& combo) const {
+        QStringList out;
+        for (int i = 0; i < child<QComboBox>(combo)->count(); ++i) out << child<QComboBox>(combo)->itemText(i);
+        return out;
+    }
+    // The options of a frame ("optEncode", "optProperty") as the operator sees them: the caption
+    // of each one shown, "*" after the checked one and "-" after one that cannot be chosen.
+    QStringList options(const QString& frame) const {
+        QStringList out;
+        for (int i = 0; i < 4; ++i) {
+            auto* o = child<QRadioButton>(QStringLiteral("%1(%2)").arg(frame).arg(i));
+            if (o->isVisible()) out << o->text() + (o->isChecked() ? "*" : "") + (o->isEnabled() ? "" : "-");
+        }
+        return out;
+    }
+    // Those of the named controls that show.
+    QStringList shown(const QStringList& names) const {
+        QStringList out;
+        for (const QString& n : names)
+            if (child(n)->isVisible()) out << n;
+        return out;
     }
     // Clicks a row of the field grid, as the operator picks a field.
     void clickField(int row, Qt::KeyboardModifiers modifiers = {}) const {
@@ -82,19 +114,14 @@ struct DialogFixture : Controls {
     std::unique_ptr<QWidget> form;
 
     explicit DialogFixture(std::vector<ItemRecord> items = {}, IClassType chip = iSmallOnePage) {
-        std::string catalog;
-        for (int id : {3166, 3189, 4600, 4610, 4611, 4643, 4644})
-            catalog += std::to_string(id) + "=T" + std::to_string(id) + "\n";
-        writeBytes(dir / "lang.txt", catalog);
-        doc.translator().setLanguageDLL(registry.open(dir / "lang.txt"));
+        doc.translator().setLanguageDLL(
+            numberedLibrary(registry, dir / "lang.txt", {3166, 3189, 4600, 4609, 4610, 4611, 4643, 4644}));
         doc.fields().setFields({{"Surname", "NAME", "Character", 20, 0, true},
                                 {"Number", "NUMBER", "Number", 6, 1, true},
                                 {"Birthday", "BIRTH", "Date", 8, 2, true}});
         CIClass card;
         card.setChipSize(chip);
-        RecordArray records;
-        for (const ItemRecord& r : items) records.add(r);
-        doc.setLayout(card, std::move(records));
+        doc.setLayout(card, recordsOf(items));
     }
 
     // Opens dialog D on the document, as the control does, and shows it.

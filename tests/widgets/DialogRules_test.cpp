@@ -2,6 +2,7 @@
 // them: every caption fetched by its text number, the entry or option each list and frame
 // starts with, the options each field type and function offers, the limits of the lists, size
 // boxes and spin controls, and that a dialog opens with nothing to apply.
+#include <numeric>
 #include "DialogFixture.h"
 #include "editor/frmEditiClass.h"
 #include "items/frmDBUpdate.h"
@@ -19,10 +20,9 @@ struct Rules : DialogFixture {
     }
     // A language library in which every text reads "T<number>".
     void numberedTexts() {
-        std::string lines;
-        for (int id = 3000; id < 5000; ++id) lines += std::to_string(id) + "=T" + std::to_string(id) + "\n";
-        writeBytes(dir / "numbered.txt", lines);
-        doc.translator().setLanguageDLL(registry.open(dir / "numbered.txt"));
+        std::vector<int> ids(2000);
+        std::iota(ids.begin(), ids.end(), 3000);
+        doc.translator().setLanguageDLL(numberedLibrary(registry, dir / "numbered.txt", ids));
     }
     QString caption(const QString& name) const {
         QWidget* w = child(name);
@@ -30,27 +30,6 @@ struct Rules : DialogFixture {
         if (auto* l = qobject_cast<QLabel*>(w)) return l->text();
         if (auto* g = qobject_cast<QGroupBox*>(w)) return g->title();
         return w ? w->windowTitle() : QString();
-    }
-    QStringList entries(const QString& combo) const {
-        QStringList out;
-        for (int i = 0; i < child<QComboBox>(combo)->count(); ++i) out << child<QComboBox>(combo)->itemText(i);
-        return out;
-    }
-    // The options of a frame ("optEncode", "optProperty") as the operator sees them: the caption
-    // of each one shown, "*" after the checked one and "-" after one that cannot be chosen.
-    QStringList options(const QString& frame) const {
-        QStringList out;
-        for (int i = 0; i < 4; ++i) {
-            auto* o = child<QRadioButton>(QStringLiteral("%1(%2)").arg(frame).arg(i));
-            if (o->isVisible()) out << o->text() + (o->isChecked() ? "*" : "") + (o->isEnabled() ? "" : "-");
-        }
-        return out;
-    }
-    QStringList shown(const QStringList& names) const {
-        QStringList out;
-        for (const QString& n : names)
-            if (child(n)->isVisible()) out << n;
-        return out;
     }
 };
 
@@ -60,9 +39,14 @@ QStringList range(int from, int to) {
     return out;
 }
 
-// Captions by text number, in every mode of the editor; "" names a caption with no text number.
+using Captions = std::vector<std::pair<QString, QString>>;
+
+// Captions by text number, in every mode of the editor and in the multi-track and update dialogs.
 TEST(DialogCaptions, EveryCaptionIsTheLibrarysTextOfItsNumber) {
-    using Captions = std::vector<std::pair<QString, QString>>;
+    const auto check = [](const Rules& d, const QString& title, const Captions& captions) {
+        EXPECT_EQ(d.root->windowTitle(), title);
+        for (const auto& [name, text] : captions) EXPECT_EQ(d.caption(name), text) << name.toStdString();
+    };
     const Captions everyMode = {{"fraAddTo", "T3138"}, {"lblPage", "T4606"}, {"lblRow", "T3115"},
                                 {"lblBeginByte", "T3116"}, {"cmdNew", "T3152"}, {"cmdApply", "T3153"},
                                 {"cmdRemove", "T3092"}, {"cmdCancel", "<Cancel>"}};
@@ -81,35 +65,27 @@ TEST(DialogCaptions, EveryCaptionIsTheLibrarysTextOfItsNumber) {
         SCOPED_TRACE("mode " + std::to_string(mode));
         Rules d;
         d.numberedTexts();
-        frmEditiClass& ed = d.open<frmEditiClass>(mode);
-        EXPECT_EQ(ed.windowTitle(), title);
-        EXPECT_EQ(d.caption("lblNrOfBytes"), sizeLabel);
+        d.open<frmEditiClass>(mode);
         Captions all = everyMode;
         const Captions& own = mode == kModeField || mode == kModeBitField ? fieldModes : functionModes;
         all.insert(all.end(), own.begin(), own.end());
+        all.push_back({"lblNrOfBytes", sizeLabel});
         if (mode == kModeBitField || mode == kModeBitFunction) all.push_back({"lblBeginBit", "T4607"});
-        for (const auto& [name, text] : all) EXPECT_EQ(d.caption(name), text) << name.toStdString();
+        check(d, title, all);
     }
     Rules d;
     d.numberedTexts();
-    frmMultiTrack& m = d.open<frmMultiTrack>();
-    EXPECT_EQ(m.windowTitle(), "T3192");
-    for (const auto& [name, text] : Captions{{"lblFieldFunction", "T3111"}, {"fraAddTo", "T3138"}, {"lblPage", "T4606"},
-                                            {"lblRow", "T3115"}, {"lblBeginByte", "T3116"}, {"lblBeginBit", "T4607"},
-                                            {"lblNrOfBytes", "T4608"}, {"cmdApply", "T3153"}})
-        EXPECT_EQ(d.caption(name), text) << name.toStdString();
+    d.open<frmMultiTrack>();
+    check(d, "T3192", {{"lblFieldFunction", "T3111"}, {"fraAddTo", "T3138"}, {"lblPage", "T4606"}, {"lblRow", "T3115"},
+                       {"lblBeginByte", "T3116"}, {"lblBeginBit", "T4607"}, {"lblNrOfBytes", "T4608"}, {"cmdApply", "T3153"}});
     auto* fields = d.child<QTableWidget>("grdFields");
     EXPECT_EQ(fields->horizontalHeaderItem(0)->text() + "|" + fields->horizontalHeaderItem(1)->text(), "T3154|T3184");
     // The database-update dialog speaks with the item editor's words.
-    Rules u;
-    u.numberedTexts();
-    EXPECT_EQ(u.open<frmDBUpdate>().windowTitle(), "T4700");
-    for (const auto& [name, text] : Captions{{"fraFields", "T3137"}, {"lblSelectedField", "T3111"}, {"fraFunction", "T3112"},
-                                            {"optFunction(0)", "T3142"}, {"optFunction(1)", "T3143"},
-                                            {"optFunction(2)", "T3144"}, {"fraProperties", "T3120"},
-                                            {"lblConstantValue", "T3106"}, {"lblCountNumber", "T3147"},
-                                            {"lblCountStep", "T3107"}})
-        EXPECT_EQ(u.caption(name), text) << name.toStdString();
+    d.open<frmDBUpdate>();
+    check(d, "T4700", {{"fraFields", "T3137"}, {"lblSelectedField", "T3111"}, {"fraFunction", "T3112"},
+                       {"optFunction(0)", "T3142"}, {"optFunction(1)", "T3143"}, {"optFunction(2)", "T3144"},
+                       {"fraProperties", "T3120"}, {"lblConstantValue", "T3106"}, {"lblCountNumber", "T3147"},
+                       {"lblCountStep", "T3107"}});
 }
 
 // The encodings a field offers follow its type; option 0 is chosen whenever the options are
@@ -118,33 +94,30 @@ TEST(DialogEncodings, EachFieldTypeOffersItsOptionsAndFormats) {
     const QStringList number = {"T3167*", "T3168", "T3169", "T3203"};
     const QStringList dateStrings = {"DD/MM/CCYY", "DDMMCCYY", "MMDDCCYY", "CCYYMMDD"};
     const QStringList dateNumbers = {"DD MM CC YY", "MM DD CC YY", "CC YY MM DD"};
-    struct Case {
-        int row;  // the field: Character, Number, Numeric, Date, Binary
-        QStringList options;
-        std::vector<QStringList> formats;  // the format list with each offered option chosen; empty: hidden
-    };
-    const Case cases[] = {
+    // The field (Character, Number, Numeric, Date, Binary), its options and the format list with
+    // each offered option chosen (empty: hidden).
+    const std::tuple<int, QStringList, std::vector<QStringList>> cases[] = {
         {0, {"T3167*-"}, {{}}},
         {1, number, {{}, {}, {}, {"Prefix 0", "Postfix F"}}},
         {2, number, {{}, {}, {}, {"Prefix 0", "Postfix F"}}},
         {3, {"T3202*", "T3108", "T3203"}, {dateStrings, dateNumbers, dateNumbers}},
         {4, {"T3175*-"}, {{}}},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE("field row " + std::to_string(c.row));
+    for (const auto& [row, options, formats] : cases) {
+        SCOPED_TRACE("field row " + std::to_string(row));
         Rules d;
         d.numberedTexts();
         d.open<frmEditiClass>(kModeField);
-        d.clickField(4 - c.row);  // another type first, so the options are built again
-        d.clickField(c.row);
-        EXPECT_EQ(d.options("optEncode"), c.options);
-        for (int option = static_cast<int>(c.formats.size()) - 1; option >= 0; --option) {
+        d.clickField(4 - row);  // another type first, so the options are built again
+        d.clickField(row);
+        EXPECT_EQ(d.options("optEncode"), options);
+        for (int option = static_cast<int>(formats.size()) - 1; option >= 0; --option) {
             d.click(QStringLiteral("optEncode(%1)").arg(option));
-            EXPECT_EQ(d.entries("cboFormat"), c.formats[option]) << option;
-            EXPECT_EQ(d.shown({"cboFormat", "lblFormat"}).size(), c.formats[option].isEmpty() ? 0 : 2) << option;
-            if (c.formats[option].isEmpty()) continue;
-            EXPECT_EQ(d.child<QComboBox>("cboFormat")->currentIndex(), 0) << option;
-            d.child<QComboBox>("cboFormat")->setCurrentIndex(d.child<QComboBox>("cboFormat")->count() - 1);
+            auto* list = d.child<QComboBox>("cboFormat");
+            EXPECT_EQ(std::make_tuple(d.entries("cboFormat"), d.shown({"cboFormat", "lblFormat"}).size(), list->currentIndex()),
+                      std::make_tuple(formats[option], formats[option].isEmpty() ? 0 : 2, formats[option].isEmpty() ? -1 : 0))
+                << option;
+            list->setCurrentIndex(list->count() - 1);
         }
     }
     // A bit field is always a binary number written high byte first, whatever the field.
@@ -162,51 +135,40 @@ TEST(DialogEncodings, EachFieldTypeOffersItsOptionsAndFormats) {
 TEST(DialogFunctions, EachFunctionOffersItsPropertiesAndStartsWithTheFirst) {
     const QStringList boxes = {"txtConstantValue", "fraCountFirstValue", "txtCountNumber", "txtCountStep",
                                "fraRange", "txtPolynom", "txtStartValue"};
-    struct Case {
-        int function;
-        QStringList options, shownBoxes;
-    };
-    const Case cases[] = {
+    const std::tuple<int, QStringList, QStringList> cases[] = {
         {0, {"<Value>*", "<Field>"}, {"txtConstantValue"}},
         {1, {"<Write before increment>*", "<Increment before Write>"}, {"fraCountFirstValue", "txtCountNumber", "txtCountStep"}},
         {2, {"<String decimal>*", "<String hexadecimal>", "<Motorola dec.(HiByte-LoByte)>", "<Intel dec.(LoByte-HiByte)>"}, {}},
         {3, {"<ADD>*", "<Polynomial CRC>", "<Parity (0: Even, 1: Odd)>"}, {"fraRange", "txtStartValue"}},
     };
     for (int32_t mode : {kModeFunction, kModeBitFunction})
-        for (const Case& c : cases) {
-            SCOPED_TRACE("mode " + std::to_string(mode) + ", function " + std::to_string(c.function));
+        for (const auto& [function, options, shownBoxes] : cases) {
+            SCOPED_TRACE("mode " + std::to_string(mode) + ", function " + std::to_string(function));
             Rules d;
             d.open<frmEditiClass>(mode);
-            d.click(QStringLiteral("optFunction(%1)").arg(3 - c.function));  // another function first
-            d.click(QStringLiteral("optProperty(%1)").arg(c.function == 3 ? 1 : 3));
-            d.click(QStringLiteral("optFunction(%1)").arg(c.function));
-            EXPECT_EQ(d.options("optProperty"), c.options);
-            EXPECT_EQ(d.shown(boxes), c.shownBoxes);
-            EXPECT_EQ(d.text("txtSelectedField"), QStringList({"Constant", "Count", "CardSnNr", "Checksum"})[c.function]);
+            d.click(QStringLiteral("optFunction(%1)").arg(3 - function));  // another function first
+            d.click(QStringLiteral("optProperty(%1)").arg(function == 3 ? 1 : 3));
+            d.click(QStringLiteral("optFunction(%1)").arg(function));
+            EXPECT_EQ(std::make_tuple(d.options("optProperty"), d.shown(boxes), d.text("txtSelectedField")),
+                      std::make_tuple(options, shownBoxes, QStringList({"Constant", "Count", "CardSnNr", "Checksum"})[function]));
         }
-}
-
-// A counter's first value comes from the number box or from a field of the list.
-TEST(DialogFunctions, ACountersFirstValueComesFromTheNumberOrAField) {
+    // A counter's first value comes from the number box or from a field of the list.
     Rules d;
     d.open<frmEditiClass>(kModeFunction);
     d.click("optFunction(1)");
-    const QStringList boxes = {"txtCountNumber", "cboFieldList"};
     QStringList seen;
-    for (const char* option : {"optCountFirstValue(1)", "optCountFirstValue(0)"}) {
-        d.click(option);
-        seen << d.shown(boxes).join("+");
-    }
-    EXPECT_EQ(seen, QStringList({"cboFieldList", "txtCountNumber"}));
-    EXPECT_TRUE(d.applyEnabled());
+    for (const char* option : {"optCountFirstValue(1)", "optCountFirstValue(0)"})
+        d.click(option), seen << d.shown({"txtCountNumber", "cboFieldList"}).join("+");
+    EXPECT_EQ(std::make_pair(seen, d.applyEnabled()), std::make_pair(QStringList({"cboFieldList", "txtCountNumber"}), true));
 }
 
 // The database-update dialog starts with "Constant" and its value box; each function shows its own
 // boxes; an update being edited comes back with its field, function and values.
 TEST(DialogFunctions, TheUpdateDialogShowsTheChosenFunctionsBoxes) {
     const QStringList boxes = {"txtConstantValue", "txtCountNumber", "txtCountStep", "optProperty(0)", "optProperty(1)"};
+    const std::vector<ItemRecord> updates = {dbUpdate("NUMBER", "CardSnNr", "1"), dbUpdate("NAME", "Count", "7", "3")};
     Rules d;
-    d.doc.setLayout(CIClass(), recordsOf({dbUpdate("NUMBER", "CardSnNr", "1"), dbUpdate("NAME", "Count", "7", "3")}));
+    d.doc.setLayout(CIClass(), recordsOf(updates));
     d.open<frmDBUpdate>();
     const std::pair<const char*, QStringList> shownFor[] = {{"", {"txtConstantValue"}},
                                                             {"optFunction(2)", {"optProperty(0)", "optProperty(1)"}},
@@ -216,39 +178,34 @@ TEST(DialogFunctions, TheUpdateDialogShowsTheChosenFunctionsBoxes) {
         if (*click) d.click(click);
         EXPECT_EQ(d.shown(boxes), shown) << click;
     }
-    EXPECT_TRUE(d.child<QRadioButton>("optFunction(0)")->isChecked() && d.child<QRadioButton>("optProperty(0)")->isChecked());
+    EXPECT_TRUE(d.checked("optFunction(0)") && d.checked("optProperty(0)"));
     const std::tuple<int, const char*, const char*, QStringList> edited[] = {
         {0, "NUMBER", "optFunction(2)", {"", "", "", "optProperty(1)"}},
         {1, "NAME", "optFunction(1)", {"", "7", "3", "optProperty(0)"}}};
     for (const auto& [index, field, function, values] : edited) {
         Rules e;
-        e.doc.setLayout(CIClass(), recordsOf({dbUpdate("NUMBER", "CardSnNr", "1"), dbUpdate("NAME", "Count", "7", "3")}));
+        e.doc.setLayout(CIClass(), recordsOf(updates));
         e.open<frmDBUpdate>(index);
-        const QString checked = e.child<QRadioButton>("optProperty(0)")->isChecked() ? "optProperty(0)" : "optProperty(1)";
+        const QString checked = e.checked("optProperty(0)") ? "optProperty(0)" : "optProperty(1)";
         EXPECT_EQ(QStringList({e.text("txtConstantValue"), e.text("txtCountNumber"), e.text("txtCountStep"), checked}), values);
-        EXPECT_TRUE(e.child<QRadioButton>(function)->isChecked()) << function;
-        EXPECT_EQ(e.text("txtSelectedField"), field);
+        EXPECT_EQ(std::make_pair(e.checked(function), e.text("txtSelectedField")), std::make_pair(true, QString(field)));
     }
 }
 
 // The lists of place: every page of the card, the blocks from the first free one (chosen first),
 // bytes and bits 0 to 7 starting at 0.
 TEST(DialogLimits, ThePlaceListsOfferThePagesFreeBlocksBytesAndBits) {
-    for (const auto& [chip, pages, firstFree] : {std::tuple{iSmallOnePage, 1, 19}, std::tuple{iBigEightPages, 8, 19}}) {
+    for (const auto& [chip, pages] : {std::pair{iSmallOnePage, 1}, std::pair{iBigEightPages, 8}}) {
         for (int which = 0; which < 3; ++which) {
             SCOPED_TRACE(std::to_string(pages) + " pages, dialog " + std::to_string(which));
             Rules d(chip);
-            if (which < 2)
-                d.open<frmEditiClass>(which == 0 ? kModeField : kModeBitFunction);
-            else
-                d.open<frmMultiTrack>();
-            EXPECT_EQ(d.entries("cboPage"), range(0, pages - 1));
-            EXPECT_EQ(d.entries("cboRow"), range(firstFree, 31));
-            for (const char* list : {"cboPage", "cboRow", "cboBeginByte", "cboBeginBit"}) {
-                if (which == 0 && std::string(list) == "cboBeginBit") continue;  // byte items have no begin bit
-                EXPECT_EQ(d.child<QComboBox>(list)->currentIndex(), 0) << list;
-            }
-            EXPECT_EQ(d.entries("cboBeginByte"), range(0, 7));
+            if (which < 2) d.open<frmEditiClass>(which == 0 ? kModeField : kModeBitFunction);
+            else d.open<frmMultiTrack>();
+            EXPECT_EQ(std::make_tuple(d.entries("cboPage"), d.entries("cboRow"), d.entries("cboBeginByte")),
+                      std::make_tuple(range(0, pages - 1), range(19, 31), range(0, 7)));
+            QStringList lists = {"cboPage", "cboRow", "cboBeginByte"};
+            if (which > 0) lists << "cboBeginBit";  // byte items have no begin bit
+            for (const QString& list : lists) EXPECT_EQ(d.child<QComboBox>(list)->currentIndex(), 0) << list.toStdString();
             if (which > 0) {
                 EXPECT_EQ(d.entries("cboBeginBit"), range(0, 7));
             }
@@ -259,48 +216,38 @@ TEST(DialogLimits, ThePlaceListsOfferThePagesFreeBlocksBytesAndBits) {
 // Typing cuts the size to the mode's limit; leaving the box checks the room left from the chosen
 // place (bytes, or bits with the begin bit added); the arrows step by one and stay at one or above.
 TEST(DialogLimits, TheSizeBoxCutsChecksTheRoomLeftAndSteps) {
-    struct Typed {
-        int32_t mode;
-        const char* function;  // "" for fields, else the optFunction and optProperty to click
-        const char* property;
-        QString typed, kept;
-    };
-    for (const Typed& c : {Typed{kModeField, "", "", "300", "256"}, Typed{kModeFunction, "optFunction(1)", "", "257", "256"},
-                           Typed{kModeBitField, "", "", "400", "384"},
-                           Typed{kModeBitFunction, "optFunction(3)", "optProperty(2)", "9", "8"},
-                           Typed{kModeBitFunction, "optFunction(0)", "", "500", "500"}}) {
+    // The mode, the optFunction and optProperty to click ("" for none), what is typed and kept.
+    const std::tuple<int32_t, const char*, const char*, QString, QString> typed[] = {
+        {kModeField, "", "", "300", "256"}, {kModeFunction, "optFunction(1)", "", "257", "256"},
+        {kModeBitField, "", "", "400", "384"}, {kModeBitFunction, "optFunction(3)", "optProperty(2)", "9", "8"},
+        {kModeBitFunction, "optFunction(0)", "", "500", "500"}};
+    for (const auto& [mode, function, property, text, kept] : typed) {
         Rules d;
-        d.open<frmEditiClass>(c.mode);
-        if (*c.function) d.click(c.function);
-        if (*c.property) d.click(c.property);
-        d.type("txtNrBytes", c.typed);
-        EXPECT_EQ(d.text("txtNrBytes"), c.kept) << "mode " << c.mode << " " << c.function << " " << c.property;
+        d.open<frmEditiClass>(mode);
+        if (*function) d.click(function);
+        if (*property) d.click(property);
+        d.type("txtNrBytes", text);
+        EXPECT_EQ(d.text("txtNrBytes"), kept) << "mode " << mode << " " << function << " " << property;
     }
-    struct Room {
-        int32_t mode;
-        int block, byte, bit;
-        int room;  // the largest size the box takes on leaving
-    };
-    for (const Room& c : {Room{kModeField, 30, 1, 0, 15}, Room{kModeBitField, 30, 1, 5, 125}, Room{kModeField, 19, 0, 0, 104}}) {
-        for (int size : {c.room, c.room + 1}) {
-            SCOPED_TRACE("mode " + std::to_string(c.mode) + ", size " + std::to_string(size));
+    // The mode, the place (block, byte, bit) and the largest size the box takes on leaving.
+    for (const auto& [mode, block, byte, bit, room] : {std::tuple{kModeField, 30, 1, 0, 15}, std::tuple{kModeBitField, 30, 1, 5, 125},
+                                                      std::tuple{kModeField, 19, 0, 0, 104}}) {
+        for (int size : {room, room + 1}) {
+            SCOPED_TRACE("mode " + std::to_string(mode) + ", size " + std::to_string(size));
             Rules d;
-            d.open<frmEditiClass>(c.mode);
-            d.place(c.block, c.byte, QString::number(size));
-            if (c.mode == kModeBitField) d.choose("cboBeginBit", QString::number(c.bit));
+            d.open<frmEditiClass>(mode);
+            d.place(block, byte, QString::number(size));
+            if (mode == kModeBitField) d.choose("cboBeginBit", QString::number(bit));
             d.leave("txtNrBytes");
-            EXPECT_EQ(d.messageTexts().size(), size > c.room ? 1u : 0u);
-            if (size > c.room) {
-                EXPECT_NE(d.messageTexts()[0].find(" 1 & " + std::to_string(c.room) + "!"), std::string::npos)
-                    << d.messageTexts()[0];
-            }
+            const std::string told = d.messageTexts().empty() ? "" : d.messageTexts()[0];
+            EXPECT_EQ(std::make_pair(d.messageTexts().size(), told.find(" 1 & " + std::to_string(room) + "!") != std::string::npos),
+                      std::make_pair(std::size_t(size > room), size > room)) << told;
         }
     }
     Rules d;
     d.open<frmEditiClass>(kModeField);
-    auto* arrows = d.child<QAbstractSpinBox>("spinBytes");
     QStringList stepped;
-    for (int steps : {1, -1, -1, 1, 1}) arrows->stepBy(steps), stepped << d.text("txtNrBytes");
+    for (int steps : {1, -1, -1, 1, 1}) d.child<QAbstractSpinBox>("spinBytes")->stepBy(steps), stepped << d.text("txtNrBytes");
     EXPECT_EQ(stepped, QStringList({"2", "1", "1", "2", "3"}));  // an empty box counts as 1 first
 }
 
@@ -310,17 +257,30 @@ TEST(DialogLimits, TheMultiTrackArrowsStopAtTheRoomLeft) {
         Rules d;
         d.open<frmMultiTrack>();
         d.place(block, byte, "1");
-        auto* spin = d.child<QSpinBox>("spinBytes");
-        for (int i = 0; i < room + 3; ++i) spin->stepUp();
-        EXPECT_EQ(d.text("txtNrBytes"), QString::number(room)) << block << "/" << byte;
-        for (int i = 0; i < room + 3; ++i) spin->stepDown();
-        EXPECT_EQ(d.text("txtNrBytes"), "1") << block << "/" << byte;
+        QStringList ends;
+        for (const int step : {1, -1}) {
+            for (int i = 0; i < room + 3; ++i) d.child<QSpinBox>("spinBytes")->stepBy(step);
+            ends << d.text("txtNrBytes");
+        }
+        EXPECT_EQ(ends, QStringList({QString::number(room), "1"})) << block << "/" << byte;
     }
 }
 
 // A dialog opens with nothing to apply, for a new item or one being edited, and OK then closes
-// it at once without a message.
-TEST(DialogState, ADialogOpensWithNothingToApply) {
+// it at once without a message. Cancelled tells how it ended: false after OK, true after Cancel,
+// also when the host shows the same dialog again.
+template <class D>
+void okThenCancel(const Rules& d, D& form) {
+    EXPECT_FALSE(d.applyEnabled());
+    d.click("cmdOK");
+    EXPECT_EQ(std::make_tuple(form.isVisible(), form.Cancelled, d.messageTexts().size(), d.records().size()),
+              std::make_tuple(false, false, 0u, 3));
+    form.show();
+    d.click("cmdCancel");
+    EXPECT_EQ(std::make_pair(form.isVisible(), form.Cancelled), std::make_pair(false, true));
+}
+
+TEST(DialogState, ADialogOpensWithNothingToApplyAndTellsHowItEnded) {
     const std::vector<ItemRecord> items = {field("NAME", 0, 20, 0, 4), bitField("NUMBER", 0, 22, 0, 3, 5),
                                            function("Count", "1", "0", "0", 0, 24, 0, 2)};
     const std::tuple<int32_t, int32_t> editors[] = {{kModeField, -1},    {kModeFunction, -1}, {kModeBitField, -1},
@@ -330,17 +290,11 @@ TEST(DialogState, ADialogOpensWithNothingToApply) {
         SCOPED_TRACE("mode " + std::to_string(mode) + ", editing " + std::to_string(edit));
         Rules d;
         d.doc.setLayout(CIClass(), recordsOf(items));
-        frmEditiClass& ed = d.open<frmEditiClass>(mode, edit);
-        EXPECT_FALSE(d.applyEnabled());
-        d.click("cmdOK");
-        EXPECT_EQ(std::make_tuple(ed.isVisible(), ed.Cancelled, d.messageTexts().size(), d.records().size()),
-                  std::make_tuple(false, false, 0u, 3));
+        okThenCancel(d, d.open<frmEditiClass>(mode, edit));
     }
     Rules d;
-    frmMultiTrack& m = d.open<frmMultiTrack>();
-    EXPECT_FALSE(d.applyEnabled());
-    d.click("cmdOK");
-    EXPECT_FALSE(m.isVisible() || m.Cancelled);
+    d.doc.setLayout(CIClass(), recordsOf(items));
+    okThenCancel(d, d.open<frmMultiTrack>());
 }
 
 }  // namespace

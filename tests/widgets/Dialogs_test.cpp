@@ -46,13 +46,11 @@ bool lightColour(int32_t bgr) {
 TEST(EditiClassFields, APlaceBeyondThePageIsRefusedAndOneOnItIsAppliedByOk) {
     Dialog ed;
     frmEditiClass& form = ed.editor(kModeField);
-    ed.clickField(0);
-    EXPECT_EQ(ed.text("txtSelectedField"), "NAME");
-    EXPECT_TRUE(ed.applyEnabled());  // choosing a field is a change to apply
+    ed.clickField(0);  // choosing a field is a change to apply
+    EXPECT_EQ(std::make_pair(ed.text("txtSelectedField"), ed.applyEnabled()), std::make_pair(QString("NAME"), true));
     ed.place(31, 1, "8");
     ed.click("cmdApply");
-    EXPECT_EQ(ed.messageTexts(), std::vector<std::string>{"T4600"});
-    EXPECT_TRUE(ed.applyEnabled());
+    EXPECT_EQ(std::make_pair(ed.messageTexts(), ed.applyEnabled()), std::make_pair(std::vector<std::string>{"T4600"}, true));
     ed.click("cmdOK");
     EXPECT_EQ(std::make_tuple(ed.records().size(), form.isVisible()), std::make_tuple(0, true));
     ed.prompter.messages.clear();
@@ -61,9 +59,9 @@ TEST(EditiClassFields, APlaceBeyondThePageIsRefusedAndOneOnItIsAppliedByOk) {
     EXPECT_EQ(std::make_tuple(ed.mapColour(21, 2) == mark, ed.mapColour(21, 3), ed.mapColour(21, 6), ed.mapColour(21, 7) == mark),
               std::make_tuple(false, mark, mark, false));
     ed.click("cmdOK");
-    EXPECT_EQ(std::make_tuple(form.isVisible(), form.Cancelled, form.result(), form.appliedCount(), ed.applyEnabled()),
-              std::make_tuple(false, false, int(QDialog::Accepted), 1, false));
-    EXPECT_TRUE(ed.prompter.messages.empty());
+    EXPECT_EQ(std::make_tuple(form.isVisible(), form.Cancelled, form.result(), form.appliedCount(), ed.applyEnabled(),
+                              ed.prompter.messages.size()),
+              std::make_tuple(false, false, int(QDialog::Accepted), 1, false, 0u));
     ASSERT_EQ(ed.records().size(), 1);
     const ItemRecord& r = ed.records()[0];
     EXPECT_EQ(
@@ -79,11 +77,10 @@ TEST(EditiClassFields, EditingPresetsTheControlsAndReplacesTheItemOrPutsItBackWh
     old.fieldType = kFieldTypeNumber;
     Dialog ed({field("OTHER", 0, 25, 0, 2), old});
     ed.editor(kModeField, 1);
-    EXPECT_EQ(QStringList({ed.text("txtSelectedField"), ed.child<QComboBox>("cboRow")->currentText(), ed.text("txtNrBytes"),
-                           ed.child<QComboBox>("cboBeginByte")->currentText(), ed.child<QComboBox>("cboFormat")->currentText()}),
+    EXPECT_EQ(QStringList({ed.text("txtSelectedField"), ed.current("cboRow"), ed.text("txtNrBytes"), ed.current("cboBeginByte"),
+                           ed.current("cboFormat")}),
               QStringList({"NUMBER", "20", "6", "1", "Postfix F"}));
-    EXPECT_EQ(std::make_pair(ed.child<QRadioButton>("optEncode(3)")->isChecked(), ed.applyEnabled()),
-              std::make_pair(true, false));
+    EXPECT_EQ(std::make_pair(ed.checked("optEncode(3)"), ed.applyEnabled()), std::make_pair(true, false));
     ed.place(31, 6, "6");
     ed.click("cmdApply");
     EXPECT_EQ(ed.messageTexts(), std::vector<std::string>{"T4600"});
@@ -106,49 +103,38 @@ TEST(EditiClassFunctions, ANewFunctionIsWrittenWithWhatWasTypedAndChosen) {
     ed.click("optProperty(2)");
     const Boxes typed = {{"txtNrBytes", "4"}, {"txtPolynom", "19"}, {"txtStartValue", "3"}, {"txtRangeBytesCount", "2"}};
     for (const auto& [box, text] : typed) ed.type(box, text);
-    ed.choose("cboRow", "23");
-    ed.choose("cboBeginByte", "2");
-    ed.choose("cboBeginBit", "4");
+    for (const auto& [list, entry] : Boxes{{"cboRow", "23"}, {"cboBeginByte", "2"}, {"cboBeginBit", "4"}}) ed.choose(list, entry);
     ed.click("cmdApply");
-    EXPECT_EQ(ed.messageTexts(), std::vector<std::string>{});
-    ASSERT_EQ(ed.records().size(), 1);
+    ASSERT_EQ(std::make_pair(ed.messageTexts(), ed.records().size()), std::make_pair(std::vector<std::string>{}, 1));
     const ItemRecord& r = ed.records()[0];
     const FunctionInput in = functionInputOf(r);
     EXPECT_EQ(std::tuple(std::string(kindWord(r)), r.block, r.beginByte, r.beginBit, r.numBits, in.option, in.polynomText,
-                         in.startValueText, in.rangeCountText),
-              std::tuple(std::string(kKindBitFunction), 23, 2, 4, 4, 2, "19", "3", "2"));
-    EXPECT_TRUE(lightColour(r.color));
+                         in.startValueText, in.rangeCountText, lightColour(r.color)),
+              std::tuple(std::string(kKindBitFunction), 23, 2, 4, 4, 2, "19", "3", "2", true));
 }
 
-// The box is left, or (with apply) refused by Apply, and keeps the focus; the limits are part of the message.
-struct RefusedCase {
-    int32_t mode;
-    const char* function;
-    Boxes boxes;
-    const char *box, *limits;
-    bool apply;
-};
-
-// A value box is checked against its own limits when it is left and again by Apply; the box keeps the focus.
+// A value box is checked against its own limits when it is left and again by Apply; the box keeps
+// the focus and the limits are part of the message.
 TEST(EditiClassFunctions, AValueOutOfRangeIsRefusedAndItsBoxKeepsTheFocus) {
-    const RefusedCase cases[] = {
+    // The mode, the function, what is typed, the box left (or, with apply, refused by Apply) and its limits.
+    const std::tuple<int32_t, const char*, Boxes, const char*, const char*, bool> cases[] = {
         {kModeFunction, "optFunction(1)", {{"txtCountStep", "256"}}, "txtCountStep", " 0 & 255!", false},
         {kModeFunction, "optFunction(3)", {{"txtPolynom", "1000"}}, "txtPolynom", " 257 & 511!", false},
         {kModeBitFunction, "optFunction(3)", {{"txtNrBytes", "3"}, {"txtPolynom", "20"}, {"txtStartValue", "0"}},
          "txtPolynom", " 9 & 15!", true},
     };
-    for (const RefusedCase& c : cases) {
-        SCOPED_TRACE(c.box + std::string(c.apply ? " on Apply" : " on leaving"));
+    for (const auto& [mode, function, boxes, box, limits, apply] : cases) {
+        SCOPED_TRACE(box + std::string(apply ? " on Apply" : " on leaving"));
         Dialog ed;
-        frmEditiClass& form = ed.editor(c.mode);
-        ed.click(c.function);
-        if (std::string(c.function) == "optFunction(3)") ed.click("optProperty(2)");
-        for (const auto& [box, typed] : c.boxes) ed.type(box, typed);
-        c.apply ? ed.click("cmdApply") : ed.leave(c.box);
+        frmEditiClass& form = ed.editor(mode);
+        ed.click(function);
+        if (std::string(function) == "optFunction(3)") ed.click("optProperty(2)");
+        for (const auto& [name, typed] : boxes) ed.type(name, typed);
+        apply ? ed.click("cmdApply") : ed.leave(box);
         ASSERT_EQ(ed.prompter.messages.size(), 1u);
-        EXPECT_NE(ed.prompter.messages[0].text.find(c.limits), std::string::npos) << ed.prompter.messages[0].text;
-        EXPECT_EQ(form.focusWidget(), ed.child<QLineEdit>(c.box));
-        EXPECT_EQ(ed.records().size(), 0);
+        EXPECT_EQ(std::make_tuple(ed.prompter.messages[0].text.find(limits) != std::string::npos,
+                                  form.focusWidget() == ed.child<QLineEdit>(box), ed.records().size()),
+                  std::make_tuple(true, true, 0)) << ed.prompter.messages[0].text;
     }
 }
 
@@ -166,14 +152,10 @@ TEST(EditiClassFunctions, EditingAChecksumOrACountPresetsItsValues) {
         applyFunctionValues(in, kModeFunction, old);
         Dialog ed({old});
         ed.editor(kModeFunction, 0);
-        EXPECT_TRUE(ed.child<QRadioButton>(QStringLiteral("optFunction(%1)").arg(int(in.kind)))->isChecked() &&
-                    ed.child<QRadioButton>(option)->isChecked());
+        EXPECT_TRUE(ed.checked(QStringLiteral("optFunction(%1)").arg(int(in.kind))) && ed.checked(option));
         for (const auto& [box, shown] : boxes) EXPECT_EQ(ed.text(box), shown) << box;
-        EXPECT_FALSE(ed.applyEnabled());
         if (in.kind != FunctionKind::Checksum) continue;
-        EXPECT_EQ(
-            ed.child<QComboBox>("cboRangeBeginRow")->currentText() + ed.child<QComboBox>("cboRangeBeginByte")->currentText(),
-            "203");
+        EXPECT_EQ(ed.current("cboRangeBeginRow") + ed.current("cboRangeBeginByte"), "203");
         ed.type("txtStartValue", "9");
         ed.click("cmdApply");
         EXPECT_EQ(ed.messageTexts(), std::vector<std::string>{});
@@ -182,31 +164,24 @@ TEST(EditiClassFunctions, EditingAChecksumOrACountPresetsItsValues) {
     }
 }
 
-struct LoadCase {
-    IClassType chip;
-    bool hid, bitwise;
-    std::vector<ItemRecord> items;
-    bool memoryEnabled, tabEnabled, chipLocked;
-};
-
 // The card fills the controls; items (not database updates) lock the chip type; Cancel drops what was changed.
 TEST(Properties, TheCardFillsTheControls) {
-    const LoadCase cases[] = {
+    // The card (chip, HID area, bitwise), its items, and whether the memory list and the boundary tab are
+    // enabled and the chip type locked.
+    const std::tuple<IClassType, bool, bool, std::vector<ItemRecord>, bool, bool, bool> cases[] = {
         {iSmallOnePage, true, false, {}, false, false, false},
         {iBigOnePage, false, true, {}, true, false, false},
         {iBigEightPages, true, true, {dbUpdate("Field", "Count", "1")}, true, true, false},
         {iBigEightPages, false, false, {field("Name", 0, 20, 0, 4)}, false, true, true},
     };
-    for (const LoadCase& c : cases) {
-        SCOPED_TRACE(c.chip);
-        Dialog d(c.items);
-        frmProperties& p = d.properties(c.chip, c.hid, c.bitwise, c.chip == iBigEightPages ? "5|6|7|8|9|10|11|12" : "");
-        EXPECT_EQ(std::make_tuple(d.chip(0)->isChecked(), d.chip(1)->isChecked(), d.chip(0)->isEnabled()),
-                  std::make_tuple(c.chip == iSmallOnePage, c.chip != iSmallOnePage, !c.chipLocked));
-        EXPECT_EQ(std::make_pair(d.memoryList(), d.boundaryTab()), std::make_pair(c.memoryEnabled, c.tabEnabled));
-        EXPECT_EQ(std::make_pair(d.child<QCheckBox>("chkICHID")->isChecked(), d.child<QCheckBox>("chkICBitwise")->isChecked()),
-                  std::make_pair(c.hid, c.bitwise));
-        EXPECT_EQ(d.bound(7)->text(), c.chip == iBigEightPages ? "12" : "18");
+    for (const auto& [chip, hid, bitwise, items, memoryEnabled, tabEnabled, chipLocked] : cases) {
+        SCOPED_TRACE(chip);
+        Dialog d(items);
+        frmProperties& p = d.properties(chip, hid, bitwise, chip == iBigEightPages ? "5|6|7|8|9|10|11|12" : "");
+        EXPECT_EQ(std::make_tuple(d.chip(0)->isChecked(), d.chip(1)->isChecked(), d.chip(0)->isEnabled(), d.memoryList(),
+                                  d.boundaryTab(), d.checked("chkICHID"), d.checked("chkICBitwise"), d.bound(7)->text()),
+                  std::make_tuple(chip == iSmallOnePage, chip != iSmallOnePage, !chipLocked, memoryEnabled, tabEnabled, hid,
+                                  bitwise, QString(chip == iBigEightPages ? "12" : "18")));
         d.click("chkICBitwise");
         d.click("cmdCancel");  // changes nothing
         EXPECT_EQ(std::make_tuple(p.result(), p.Cancelled, p.Unchanged), std::make_tuple(int(QDialog::Rejected), true, true));
@@ -224,10 +199,9 @@ TEST(Properties, OkWritesTheControlsBackAfterTheChipTypeDrivesMemoryListAndBound
     d.click("chkICBitwise");
     for (const auto& [page, value] : {std::pair{0, "5"}, {3, "20"}, {7, "31"}}) d.bound(page)->setText(value);
     d.click("cmdOK");
-    EXPECT_EQ(d.prompter.messages.size(), 0u);
-    EXPECT_EQ(std::make_tuple(p.result(), p.Cancelled, p.Unchanged), std::make_tuple(int(QDialog::Accepted), false, false));
-    EXPECT_EQ(std::make_tuple(p.Card->ChipSize(), p.Card->UseHIDSection(), p.Card->EnableBitwise()),
-              std::make_tuple(iBigEightPages, false, true));
+    EXPECT_EQ(std::make_tuple(d.prompter.messages.size(), p.result(), p.Cancelled, p.Unchanged, p.Card->ChipSize(),
+                              p.Card->UseHIDSection(), p.Card->EnableBitwise()),
+              std::make_tuple(0u, int(QDialog::Accepted), false, false, iBigEightPages, false, true));
     std::vector<int> bounds;
     for (int page = 0; page < 8; ++page) bounds.push_back(p.Card->GetBoundary(page));
     EXPECT_EQ(bounds, (std::vector<int>{5, 18, 18, 20, 18, 18, 18, 31}));
@@ -243,18 +217,12 @@ TEST(Properties, OkIsRefusedWhileABoundaryCutsAnItemAndClosingSkipsTheChecks) {
     d.bound(0)->setText("11");
     d.click("cmdOK");
     EXPECT_EQ(d.messageTexts(), (std::vector<std::string>{"T4610\r\nT4611", "T4643\r\nT4644"}));
-    EXPECT_EQ(d.prompter.messages.front().icon, Icon::Exclamation);
-    EXPECT_EQ(std::make_tuple(p.isVisible(), p.Unchanged, p.Card->GetBoundary(0)), std::make_tuple(true, true, 18));
+    EXPECT_EQ(std::make_tuple(d.prompter.messages.front().icon, p.isVisible(), p.Unchanged, p.Card->GetBoundary(0)),
+              std::make_tuple(Icon::Exclamation, true, true, 18));
     d.click("chkICBitwise");
     p.close();
-    EXPECT_EQ(d.prompter.messages.size(), 2u);
-    EXPECT_EQ(std::make_tuple(p.Cancelled, p.Card->EnableBitwise(), p.Card->GetBoundary(0)), std::make_tuple(false, true, 11));
-}
-
-ItemRecord update(std::string dbField, int16_t column, std::string word, std::string p1, std::string p2 = {}) {
-    ItemRecord r = dbUpdate(std::move(dbField), std::move(word), std::move(p1), std::move(p2));
-    r.dbColumn = column;
-    return r;
+    EXPECT_EQ(std::make_tuple(d.prompter.messages.size(), p.Cancelled, p.Card->EnableBitwise(), p.Card->GetBoundary(0)),
+              std::make_tuple(2u, false, true, 11));
 }
 
 // A box out of range is refused when left and again by OK, which then keeps the dialog open.
@@ -271,15 +239,15 @@ TEST(DBUpdate, ABoxOutOfRangeIsRefusedAndOkWritesTheChosenFieldAndFunctionAsOneR
     d.type("txtConstantValue", "255");  // the last value allowed
     d.click("optFunction(1)");
     // Only the boxes of the chosen function show, with their labels.
-    for (const auto& [name, shown] : {std::pair{"txtConstantValue", false}, {"lblConstantValue", false},
-                                      {"txtCountStep", true}, {"lblCountStep", true}})
-        EXPECT_EQ(d.child(name)->isVisible(), shown) << name;
+    EXPECT_EQ(d.shown({"txtConstantValue", "lblConstantValue", "txtCountStep", "lblCountStep"}),
+              QStringList({"txtCountStep", "lblCountStep"}));
     d.type("txtCountNumber", "1a0");
     d.type("txtCountStep", "255");
     d.click("cmdOK");
     EXPECT_EQ(std::make_tuple(d.messageTexts().size(), u.Cancelled, u.isVisible()), std::make_tuple(1u, false, false));
-    EXPECT_EQ(d.records().records(),
-              (std::vector<ItemRecord>{field("Card", 0, 20, 0, 4), update("NUMBER", 1, "Count", "10", "255")}));
+    ItemRecord update = dbUpdate("NUMBER", "Count", "10", "255");
+    update.dbColumn = 1;
+    EXPECT_EQ(d.records().records(), (std::vector<ItemRecord>{field("Card", 0, 20, 0, 4), update}));
 }
 
 // A new binary field is stored by its database name and shown on the map; an edited one may
@@ -296,51 +264,69 @@ TEST(MultiTrack, ApplyStoresABinaryFieldAndRefusesAnOverlapWithAnotherItem) {
     d.choose("cboBeginBit", "3");
     EXPECT_EQ(d.child<QSpinBox>("spinBytes")->value(), 12);
     d.click("cmdApply");
-    EXPECT_TRUE(d.prompter.messages.empty());
-    ASSERT_EQ(d.records().size(), 2);
+    ASSERT_EQ(std::make_pair(d.prompter.messages.size(), d.records().size()), std::make_pair(0lu, 2));
     ItemRecord r = d.records()[1];
     EXPECT_EQ(std::make_tuple(std::string(kindWord(r)), r.name, r.block, r.beginByte, r.beginBit, r.numBytes),
               std::make_tuple(std::string(kKindBinaryField), std::string("NUMBER"), 20, 2, 3, 12));
-    EXPECT_EQ(std::make_pair(d.child<QTableWidget>("grdPreview")->item(21, 3)->text(), d.mapColour(21, 3)),
-              std::make_pair(QString("NUMBER"), memoryMapColor(r.color)));
-    EXPECT_FALSE(d.applyEnabled());
+    EXPECT_EQ(std::make_tuple(d.child<QTableWidget>("grdPreview")->item(21, 3)->text(), d.mapColour(21, 3), d.applyEnabled()),
+              std::make_tuple(QString("NUMBER"), memoryMapColor(r.color), false));
     d.click("cmdOK");
     EXPECT_FALSE(m.Cancelled || m.isVisible());
 
     Dialog edit({r, other});
     frmMultiTrack& e = edit.open<frmMultiTrack>(0);
-    EXPECT_EQ(std::make_pair(edit.child<QComboBox>("cboRow")->currentText(), edit.text("txtNrBytes")),
-              std::make_pair(QString("20"), QString("12")));
+    EXPECT_EQ(std::make_pair(edit.current("cboRow"), edit.text("txtNrBytes")), std::make_pair(QString("20"), QString("12")));
     edit.choose("cboBeginByte", "0");
     edit.click("cmdApply");  // no message: the later list holds only the refusal
     r.beginByte = 0;
     EXPECT_EQ(edit.records().records(), (std::vector<ItemRecord>{r, other}));
     edit.choose("cboRow", "25");
     edit.click("cmdOK");
-    EXPECT_EQ(edit.messageTexts(), std::vector<std::string>{"T3166: Other."});
-    EXPECT_TRUE(edit.applyEnabled());
+    EXPECT_EQ(std::make_pair(edit.messageTexts(), edit.applyEnabled()), std::make_pair(std::vector<std::string>{"T3166: Other."}, true));
     edit.click("cmdCancel");
     EXPECT_TRUE(e.Cancelled);
     EXPECT_EQ(edit.records().records(), (std::vector<ItemRecord>{r, other}));
+
+    // An item before the free blocks (a layout made with the HID area off) is shown where it lies,
+    // and Apply of a change then refuses the place.
+    for (const int block : {0, 10}) {
+        ItemRecord low = r;
+        low.block = static_cast<int16_t>(block);
+        Dialog held({low});
+        held.open<frmMultiTrack>(0);
+        EXPECT_EQ(std::make_pair(held.entries("cboRow").mid(0, 2), held.current("cboRow")),
+                  std::make_pair(QStringList({QString::number(block), "19"}), QString::number(block)));
+        held.choose("cboBeginByte", "1");
+        held.click("cmdApply");
+        EXPECT_EQ(std::make_pair(held.messageTexts(), held.records()[0]), std::make_pair(std::vector<std::string>{"T4609"}, low));
+    }
 }
 
-// New clears the begin bit, the size and, for fields, the chosen field, keeping the function of a
-// function item; Cancel afterwards keeps what Apply wrote.
+// New clears the begin bit, the size and, for fields, the chosen field and its type (the field
+// grid's selection, the encodings and the format list are as when the dialog opened), keeping the
+// function of a function item; Cancel afterwards keeps what Apply wrote.
 TEST(EditiClassFields, NewClearsTheEntriesForTheNextItemAndCancelKeepsWhatWasApplied) {
-    for (const int32_t mode : {kModeBitField, kModeBitFunction}) {
+    for (const int32_t mode : {kModeField, kModeBitField, kModeBitFunction}) {
         SCOPED_TRACE("mode " + std::to_string(mode));
         Dialog ed;
         frmEditiClass& form = ed.editor(mode);
-        if (mode == kModeBitField) ed.clickField(0);
+        const bool fields = mode != kModeBitFunction;
+        const auto fieldState = [&] {  // the encodings, the format list and the field grid's selection
+            if (!fields) return std::make_tuple(QStringList(), QStringList(), qsizetype(0));
+            return std::make_tuple(ed.options("optEncode"), ed.shown({"cboFormat", "lblFormat"}),
+                                   ed.child<QTableWidget>("grdFields")->selectedItems().size());
+        };
+        const auto opened = fieldState();
+        if (fields) ed.clickField(1), ed.click("optEncode(3)");  // a number in BCD, with its format list
         else ed.click("optFunction(1)"), ed.type("txtCountNumber", "1"), ed.type("txtCountStep", "1");
         ed.place(20, 0, "4");
         ed.choose("cboBeginBit", "3");
         ed.click("cmdApply");
+        EXPECT_TRUE(!fields || fieldState() != opened);
         ed.click("cmdNew");
-        EXPECT_EQ(QStringList({ed.text("txtSelectedField"), ed.text("txtNrBytes"),
-                               ed.child<QComboBox>("cboBeginBit")->currentText()}),
-                  QStringList({mode == kModeBitField ? "" : "Count", "", "0"}));
-        if (mode == kModeBitField) ed.clickField(1);
+        EXPECT_EQ(std::make_tuple(ed.text("txtSelectedField"), ed.text("txtNrBytes"), ed.current("cboBeginBit"), fieldState()),
+                  std::make_tuple(QString(fields ? "" : "Count"), QString(), QString("0"), opened));
+        if (fields) ed.clickField(0);
         ed.place(22, 0, "2");
         ed.click("cmdApply");
         ed.click("cmdCancel");
@@ -372,27 +358,30 @@ TEST(DBUpdate, OkNamesWhatIsMissingAndCancelWritesNothing) {
     kept.open<frmDBUpdate>(0);
     EXPECT_EQ(kept.text("txtSelectedField"), "GONE");
     kept.click("cmdOK");
-    EXPECT_EQ(std::make_pair(kept.records()[0].dbFieldName, kept.records()[0].param1), std::make_pair(std::string("GONE"), std::string("9")));
+    EXPECT_EQ(kept.records().records(), std::vector<ItemRecord>{dbUpdate("GONE", "Constant", "9")});
 }
 
-// A boundary box takes digits only, drops the blanks around them when it is left and refuses
-// anything but 5 to 31 with the focus kept; Escape cancels the dialog.
+// A boundary box takes digits only, drops the blanks around a number in the box itself when it is
+// left (blanks come only from outside the keyboard, as from an accessibility tool setting the text),
+// and refuses anything but 5 to 31 with the focus kept; Escape cancels the dialog.
 TEST(Properties, BoundaryBoxesTakeFiveToThirtyOneAndEscapeCancels) {
-    const std::tuple<QString, QString, bool> cases[] = {{"05", "05", true}, {" 7 ", "7", true}, {"5", "5", true},
-                                                        {"31", "31", true}, {"4", "4", false}, {"32", "32", false},
-                                                        {"a1b", "1", false}, {"", "", false}};
-    for (const auto& [typed, kept, accepted] : cases) {
+    // What is typed (or, without keys, set as the box's text), what the box keeps, whether it is taken.
+    const std::tuple<QString, bool, QString, bool> cases[] = {
+        {"05", true, "05", true}, {" 7 ", true, "7", true}, {" 9 ", false, "9", true}, {"5", true, "5", true},
+        {"31", true, "31", true}, {"4", true, "4", false}, {"32", true, "32", false}, {"a1b", true, "1", false},
+        {"", true, "", false}, {" 40", false, "40", false}};
+    for (const auto& [typed, keys, kept, accepted] : cases) {
         Dialog d;
         frmProperties& p = d.properties(iBigEightPages);
         d.bound(1)->setFocus();
         d.bound(1)->clear();
-        QTest::keyClicks(d.bound(1), typed);
+        keys ? QTest::keyClicks(d.bound(1), typed) : d.bound(1)->setText(typed);
         d.bound(2)->setFocus(Qt::TabFocusReason);
         QApplication::processEvents();
-        EXPECT_EQ(d.bound(1)->text(), kept) << typed.toStdString();
-        EXPECT_EQ(d.messageTexts(), accepted ? std::vector<std::string>{} : std::vector<std::string>{"T3189 5 & 31!"})
+        EXPECT_EQ(std::make_tuple(d.bound(1)->text(), d.messageTexts(), p.focusWidget() == d.bound(1)),
+                  std::make_tuple(kept, accepted ? std::vector<std::string>{} : std::vector<std::string>{"T3189 5 & 31!"},
+                                  !accepted))
             << typed.toStdString();
-        EXPECT_EQ(p.focusWidget() == d.bound(1), !accepted) << typed.toStdString();
     }
     Dialog d;
     frmProperties& p = d.properties(iSmallOnePage);
