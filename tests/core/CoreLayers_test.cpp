@@ -13,13 +13,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::vector<std::string> layers() {
-    std::vector<std::string> out;
-    std::istringstream list(KESTRIN_CORE_LAYERS);
-    for (std::string name; std::getline(list, name, ',');) out.push_back(name);
-    return out;
-}
-
 int rankOf(const std::vector<std::string>& order, const std::string& folder) {
     for (size_t i = 0; i < order.size(); ++i)
         if (order[i] == folder) return static_cast<int>(i);
@@ -27,7 +20,9 @@ int rankOf(const std::vector<std::string>& order, const std::string& folder) {
 }
 
 TEST(CoreLayers, NoFileIncludesAFolderAboveItsOwn) {
-    const std::vector<std::string> order = layers();
+    std::vector<std::string> order;
+    std::istringstream list(KESTRIN_CORE_LAYERS);
+    for (std::string name; std::getline(list, name, ',');) order.push_back(name);
     ASSERT_GE(order.size(), 2u);
     const fs::path core = KESTRIN_CORE_SOURCE;
     const std::regex include(R"re(^\s*#\s*include\s*"([^"]+)")re");
@@ -47,11 +42,9 @@ TEST(CoreLayers, NoFileIncludesAFolderAboveItsOwn) {
             if (!std::regex_search(line, m, include)) continue;
             const fs::path target = m[1].str();
             if (!target.has_parent_path()) continue;  // beside the including file
-            const std::string targetFolder = target.begin()->string();
-            const int rank = rankOf(order, targetFolder);
+            const int rank = rankOf(order, target.begin()->string());
             if (rank < 0) continue;  // a generated header
-            EXPECT_LE(rank, own) << relative.string() << ":" << number << " includes " << target.string() << ", above "
-                                 << folder;
+            EXPECT_LE(rank, own) << relative.string() << ":" << number << " includes " << target.string() << ", above " << folder;
         }
     }
     EXPECT_GT(files, 50);

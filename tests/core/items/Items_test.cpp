@@ -55,15 +55,8 @@ TEST(RecordArray, EachKindReachesTheEditorAndIsFoundAgainByItsPlace) {
 }
 
 // parts: each grid page's VirtualPage and whether it holds the HID area (the first part only)
-struct ViewCase {
-    IClassType chip;
-    int view;
-    std::vector<std::string> titles;
-    std::string position;
-    std::vector<int32_t> pageNumbers;
-    std::vector<std::pair<int32_t, bool>> parts;
-    std::string pagesHeading;
-};
+struct ViewCase { IClassType chip; int view; std::vector<std::string> titles; std::string position;
+                  std::vector<int32_t> pageNumbers; std::vector<std::pair<int32_t, bool>> parts; std::string pagesHeading; };
 
 TEST(PreviewViews, TitlesPositionPagesAndHeading) {
     for (const ViewCase& c :
@@ -104,14 +97,8 @@ MapGrid mapOf(IClassType chip, int page, int part, bool wholePage, const RecordA
 }
 
 // greyRow 0: no grey
-struct AreaCase {
-    const char* name;
-    IClassType chip;
-    bool hid;
-    int page, part, boundary;
-    bool wholePage, header, hidRows;
-    int rows, firstBlock, yellowRow, greyRow, beyondRow;
-};
+struct AreaCase { const char* name; IClassType chip; bool hid; int page, part, boundary; bool wholePage, header, hidRows;
+                  int rows, firstBlock, yellowRow, greyRow, beyondRow; };
 
 class PageAreas : public ::testing::TestWithParam<AreaCase> {};
 

@@ -19,6 +19,7 @@
 #include "rules/LayoutAudit.h"
 #include "rules/MultiTrackValidation.h"
 #include "rules/PlacementValidation.h"
+#include "support/Records.h"
 #include "support/TestSupport.h"
 #include "text/Translator.h"
 
@@ -29,11 +30,10 @@ namespace fs = std::filesystem;
 namespace {
 
 // splitmix64: a seed names the same layout with every standard library.
-class Rng {
-public:
-    explicit Rng(uint64_t seed) : state_(seed) {}
+struct Rng {
+    uint64_t state;
     uint64_t next() {
-        uint64_t z = (state_ += 0x9E3779B97F4A7C15ull);
+        uint64_t z = (state += 0x9E3779B97F4A7C15ull);
         z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
         z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
         return z ^ (z >> 31);
@@ -43,14 +43,11 @@ public:
     template <class T>
     const T& pick(const std::vector<T>& v) { return v[static_cast<size_t>(between(0, static_cast<int64_t>(v.size()) - 1))]; }
     std::string digits(int64_t lo, int64_t hi) { return (chance(1, 12) ? "00" : "") + std::to_string(between(lo, hi)); }
-
-private:
-    uint64_t state_;
 };
 
 uint64_t caseSeed(uint64_t caseNumber) {
     static const char* given = std::getenv("KESTRIN_PROPERTY_SEED");
-    return Rng((given ? std::strtoull(given, nullptr, 0) : 0x4B657374) ^ (caseNumber * 0x9E3779B97F4A7C15ull)).next();
+    return Rng{(given ? std::strtoull(given, nullptr, 0) : 0x4B657374) ^ (caseNumber * 0x9E3779B97F4A7C15ull)}.next();
 }
 
 const Translator kTranslator;
@@ -72,9 +69,7 @@ RecordArray inReadingOrder(const RecordArray& records) {
     };
     std::vector<ItemRecord> sorted = records.records();
     std::stable_sort(sorted.begin(), sorted.end(), [&](const auto& a, const auto& b) { return group(a) < group(b); });
-    RecordArray out;
-    for (const ItemRecord& r : sorted) out.add(r);
-    return out;
+    return recordsOf(sorted);
 }
 
 struct RandomLayout { CIClass card; RecordArray records; HostFieldList fields; };
@@ -82,9 +77,8 @@ struct RandomLayout { CIClass card; RecordArray records; HostFieldList fields; }
 // A layout as an operator builds one: host fields with names a project can hold (quotes,
 // brackets, Windows-1252 letters), a card with random properties, and candidate items of every
 // kind at random places and at the edges; the product's own rules decide which ones stay.
-class Generator {
-public:
-    explicit Generator(uint64_t seed) : rng(seed) {}
+struct Generator {
+    explicit Generator(uint64_t seed) : rng{seed} {}
 
     RandomLayout& make() {
         l.card.setChipSize(static_cast<IClassType>(rng.between(iSmallOnePage, iBigEightPages)));
@@ -104,12 +98,10 @@ public:
         const int64_t target = rng.chance(1, 40) ? rng.between(30, 120) : rng.between(0, 12);
         for (int64_t attempt = 0; attempt < target * 6 && l.records.size() < target; ++attempt) {
             const ItemRecord c = candidate();
-            const bool fits =
-                c.isDbUpdate ||
-                (c.isBinary ? !multiTrackViolation({c.name, c.page, c.block, c.beginByte, c.beginBit, std::to_string(c.numBytes)},
-                                                   l.card, l.records, kTranslator)
-                            : placementViolations(placementRequestOf(c), l.card, l.records, kTranslator).empty());
-            if (fits) l.records.add(c);
+            const MultiTrackRequest track{c.name, c.page, c.block, c.beginByte, c.beginBit, std::to_string(c.numBytes)};
+            if (c.isDbUpdate || (c.isBinary ? !multiTrackViolation(track, l.card, l.records, kTranslator)
+                                            : placementViolations(placementRequestOf(c), l.card, l.records, kTranslator).empty()))
+                l.records.add(c);
         }
         // The layout check must pass in the order of placing and in the reader's order.
         for (;;) {
@@ -146,8 +138,7 @@ public:
             if (!o.isDbUpdate && o.page == r.page) starts.push_back(itemSpan(o).lastBit() + 1);
         int64_t s = std::max(first, rng.pick(starts));
         if (byteAligned) s -= s % 8;
-        r.block = static_cast<int16_t>(s / block);
-        r.beginByte = static_cast<int16_t>(s % block / 8);
+        r.block = static_cast<int16_t>(s / block), r.beginByte = static_cast<int16_t>(s % block / 8);
         r.beginBit = byteAligned ? 0 : static_cast<int16_t>(s % 8);
         (inBits ? r.numBits : r.numBytes) = static_cast<int16_t>(size);
         r.color = static_cast<int32_t>(rng.chance(1, 10) ? rng.between(INT32_MIN, -1) : rng.between(0, 0xFFFFFF));
@@ -160,24 +151,19 @@ public:
         const int64_t kind = rng.between(0, 9);
         if (kind < 5) {  // a field, a combined field, a big item, a bit field, a multi-track field
             const HostField& f = rng.pick(l.fields.fields());
-            r.name = name(f);
-            r.fieldType = fieldTypeCode(f.fieldType);
-            r.isBit = bitwise && kind == 3;
-            r.isBinary = kind == 4;
+            r.name = name(f), r.fieldType = fieldTypeCode(f.fieldType);
+            r.isBit = bitwise && kind == 3, r.isBinary = kind == 4;
             if (kind < 3)
                 for (int64_t parts = rng.chance(1, 3) ? rng.between(1, 3) : 0; parts > 0; --parts)
                     r.name += std::string(kCombinedFieldSeparator) + fieldName();
-            r.encodingCode =
-                r.isBit ? 1
-                        : EncodingCode(r.fieldType, static_cast<int>(rng.between(0, 3)), static_cast<int>(rng.between(-1, 3)));
+            r.encodingCode = r.isBit ? 1 : EncodingCode(r.fieldType, static_cast<int>(rng.between(0, 3)),
+                                                        static_cast<int>(rng.between(-1, 3)));
             if (kind == 2) r.isBinary = true, r.bigItemNumber = static_cast<int16_t>(rng.between(-5, 300));
             place(r, size(r.isBit), r.isBit, !r.isBit && (kind != 4 || rng.chance(1, 3)));
         } else if (kind == 5) {
             const HostField& f = rng.pick(l.fields.fields());
             const int64_t word = rng.between(0, 2);
-            r.isDbUpdate = true;
-            r.dbFieldName = f.dbField;
-            r.dbColumn = f.column;
+            r.isDbUpdate = true, r.dbFieldName = f.dbField, r.dbColumn = f.column;
             r.name = rng.pick<std::string>({"Constant", "Count", "CardSnNr"});
             r.param1 = r.name == "Constant" && rng.chance(1, 5) ? fieldName() : rng.digits(0, word == 2 ? 1 : 4294967295);
             if (r.name == "Count") r.param2 = rng.digits(0, 255);
@@ -207,8 +193,7 @@ public:
             // The file keeps no start value for an ADD checksum, so it gets none.
             in.startValueText = in.option == kChecksumAdd ? "0" : rng.digits(0, (int64_t{1} << size) - 1);
             in.polynomText = rng.digits(size == 1 ? 257 : (int64_t{1} << size) + 1, size == 1 ? 511 : (int64_t{2} << size) - 1);
-            in.rangeRow = static_cast<int16_t>(rng.between(6, 31));
-            in.rangeBeginByte = static_cast<int16_t>(rng.between(0, 7));
+            in.rangeRow = static_cast<int16_t>(rng.between(6, 31)), in.rangeBeginByte = static_cast<int16_t>(rng.between(0, 7));
             in.rangeCountText = rng.chance(1, 10) ? "" : rng.chance(1, 9) ? "0" : rng.digits(1, 48);
             if (rng.chance(1, 4)) in.rangePage = static_cast<int16_t>(rng.between(0, l.card.PagesCount() - 1));
             if (bits && rng.chance(1, 4)) in.rangeBeginBit = static_cast<int16_t>(rng.between(0, 7));

@@ -5,7 +5,6 @@
 #include <functional>
 
 #include "card/CIClass.h"
-#include "items/RecordArray.h"
 #include "rules/LayoutAudit.h"
 #include "rules/LayoutPropertiesRules.h"
 #include "rules/MultiTrackValidation.h"
@@ -50,19 +49,21 @@ PlacementRequest constant(int mode, int size, const char* value, bool fromField 
     return fn("Constant", mode, 0, size, [=](auto& q) { q.constantText = value, q.valueFromField = fromField; });
 }
 PlacementRequest snr(int option, int size) { return fn("CardSnNr", kModeFunction, option, size); }
+template <class Violation>
+std::vector<int32_t> idsOf(const std::vector<Violation>& found) {
+    std::vector<int32_t> ids;
+    for (const auto& v : found) ids.push_back(v.textId);
+    return ids;
+}
 CIClass chipOf(IClassType type) {
     CIClass card;
     card.setChipSize(type);
     return card;
 }
 
-struct RuleCase {
-    const char* name;
-    PlacementRequest request;
-    int32_t textId;  // 0: accepted
-    EditorBox focus = EditorBox::None;
-    IClassType chip = iSmallOnePage;
-};
+// textId 0: accepted
+struct RuleCase { const char* name; PlacementRequest request; int32_t textId; EditorBox focus = EditorBox::None;
+                  IClassType chip = iSmallOnePage; };
 
 class Placement : public ::testing::TestWithParam<RuleCase> {};
 
@@ -172,28 +173,27 @@ TEST_F(Overlap, TheSameItemPlacedAgainInItsOwnModeReplacesItselfUnasked) {
 
 TEST_F(Overlap, ChecksumRangeRulesCompareWithinAPageOnlyAndTheAuditCollectsEveryRule) {
     card.setChipSize(iBigEightPages);
+    const auto addSum = [](int row, int rangeRow) {
+        return at(row, 0, 1, kF, "Checksum", kChecksumAdd,
+                  [=](auto& q) { q.rangeRow = static_cast<int16_t>(rangeRow), q.rangeCountText = "1"; });
+    };
     ItemRecord other = function("Checksum", "1", "", "", 3, 22, 0, 1);  // another page, block 22
     other.range = {1, 19, 0, 8, 0};  // page 1's range lies at page offset 0 when placed with its page
-    records.add(other);
-    auto v = violations(
-        at(25, 0, 1, kModeFunction, "Checksum", kChecksumAdd, [](auto& q) { q.rangeRow = 22, q.rangeCountText = "1"; }));
-    ASSERT_EQ(v.size(), 1u);
-    EXPECT_EQ(v[0].textId, kTextRangeHoldsChecksum);  // page 3's checksum counts on page 0
+    records = recordsOf({other});
+    // page 3's checksum counts on page 0
+    EXPECT_EQ(idsOf(violations(addSum(25, 22))), std::vector<int32_t>{kTextRangeHoldsChecksum});
     other.block = 30, other.range = {1, 19, 0, 16, 0};  // bits 1216..1343 of the page-1-based range
     records = recordsOf({other});
-    v = violations(
-        at(19, 0, 1, kModeFunction, "Checksum", kChecksumAdd, [](auto& q) { q.rangeRow = 25, q.rangeCountText = "1"; }));
-    ASSERT_EQ(v.size(), 1u);
-    EXPECT_EQ(v[0].textId, kTextInsideOtherRange);  // the new start bit 1216 is compared without a page term
+    // the new start bit 1216 is compared without a page term
+    EXPECT_EQ(idsOf(violations(addSum(19, 25))), std::vector<int32_t>{kTextInsideOtherRange});
     // The audit collects every rule one item breaks.
     records = recordsOf({field("Old", 0, 18, 0, 16)});
-    v = placementViolations(at(18, 0, 16), card, records, tr, false);
-    ASSERT_EQ(v.size(), 3u);
-    EXPECT_EQ(std::vector<int32_t>({v[0].textId, v[1].textId, v[2].textId}),
-              std::vector<int32_t>({kTextHeaderOrHid, kTextBoundary, kTextOverlapOther}));
+    EXPECT_EQ(idsOf(placementViolations(at(18, 0, 16), card, records, tr, false)),
+              (std::vector<int32_t>{kTextHeaderOrHid, kTextBoundary, kTextOverlapOther}));
 }
 
-struct MultiTrackCase { const char* name; IClassType chip; MultiTrackRequest request; int32_t textId; };  // textId 0: accepted
+// textId 0: accepted
+struct MultiTrackCase { const char* name; MultiTrackRequest request; int32_t textId; IClassType chip = iSmallOnePage; };
 
 class MultiTrack : public ::testing::TestWithParam<MultiTrackCase> {};
 
@@ -208,18 +208,16 @@ TEST_P(MultiTrack, RefusesTheFirstBrokenRuleAndKeepsTheRecords) {
               std::tuple(c.textId, c.textId == 0 ? 0u : 1u, 1));
 }
 
-const std::vector<MultiTrackCase> kMultiTrack{{"EndsAtPageEnd", iSmallOnePage, {"Photo", 0, 30, 0, 0, "16"}, 0},
-                                              {"OneBytePast", iSmallOnePage, {"Photo", 0, 30, 1, 0, "16"}, kTextSegmentFit},
-                                              {"BitPushesPast", iSmallOnePage, {"Photo", 0, 30, 0, 1, "16"}, kTextSegmentFit},
-                                              {"NoField", iSmallOnePage, {"", 0, 19, 0, 0, "4"}, kTextIncomplete},
-                                              {"NoSize", iSmallOnePage, {"Photo", 0, 19, 0, 0, ""}, kTextIncomplete},
-                                              {"FirstFreeBlock", iSmallOnePage, {"Photo", 0, 19, 0, 0, "8"}, 0},
-                                              {"InHid", iSmallOnePage, {"Photo", 0, 18, 7, 0, "1"}, kTextStartInHeader},
-                                              {"AcrossBoundary", iBigEightPages, {"Photo", 2, 17, 0, 0, "16"}, kTextBoundary},
-                                              {"UpToBoundary", iBigEightPages, {"Photo", 2, 16, 0, 0, "16"}, 0},
-                                              {"NoBoundaryOnOnePage", iBigOnePage, {"Photo", 0, 19, 0, 0, "16"}, 0},
-                                              {"OverOtherItem", iSmallOnePage, {"Photo", 0, 27, 0, 0, "9"}, kTextOverlapOther},
-                                              {"OverSameName", iSmallOnePage, {"Other", 0, 28, 7, 0, "1"}, kTextOverlapSameName}};
+const std::vector<MultiTrackCase> kMultiTrack{
+    {"EndsAtPageEnd", {"Photo", 0, 30, 0, 0, "16"}, 0}, {"OneBytePast", {"Photo", 0, 30, 1, 0, "16"}, kTextSegmentFit},
+    {"BitPushesPast", {"Photo", 0, 30, 0, 1, "16"}, kTextSegmentFit}, {"NoField", {"", 0, 19, 0, 0, "4"}, kTextIncomplete},
+    {"NoSize", {"Photo", 0, 19, 0, 0, ""}, kTextIncomplete}, {"FirstFreeBlock", {"Photo", 0, 19, 0, 0, "8"}, 0},
+    {"InHid", {"Photo", 0, 18, 7, 0, "1"}, kTextStartInHeader},
+    {"AcrossBoundary", {"Photo", 2, 17, 0, 0, "16"}, kTextBoundary, iBigEightPages},
+    {"UpToBoundary", {"Photo", 2, 16, 0, 0, "16"}, 0, iBigEightPages},
+    {"NoBoundaryOnOnePage", {"Photo", 0, 19, 0, 0, "16"}, 0, iBigOnePage},
+    {"OverOtherItem", {"Photo", 0, 27, 0, 0, "9"}, kTextOverlapOther},
+    {"OverSameName", {"Other", 0, 28, 7, 0, "1"}, kTextOverlapSameName}};
 INSTANTIATE_TEST_SUITE_P(Cases, MultiTrack, ::testing::ValuesIn(kMultiTrack),
                          [](const auto& p) { return std::string(p.param.name); });
 
@@ -241,23 +239,15 @@ struct AuditCase { const char* name; IClassType chip; std::vector<ItemRecord> re
 class Audit : public ::testing::TestWithParam<AuditCase> {};
 
 TEST_P(Audit, EachItemIsReplayedAgainstTheItemsBeforeIt) {
-    std::vector<int32_t> ids;
-    for (const auto& v : auditLayout(chipOf(GetParam().chip), recordsOf(GetParam().records), tr)) ids.push_back(v.textId);
-    EXPECT_EQ(ids, GetParam().ids);
+    EXPECT_EQ(idsOf(auditLayout(chipOf(GetParam().chip), recordsOf(GetParam().records), tr)), GetParam().ids);
 }
 
 const std::vector<AuditCase> kLayouts{
-    {"Clean",
-     iBigEightPages,
-     {field("Name", 0, 19, 0, 16),
-      with(sum(1, 20, {1, 6, 0, 16, 0}),
-           [](auto& r) {
-               r.name = "Checksum", r.param1 = "2", r.polynomial = {263, 0};
-           }),
+    {"Clean", iBigEightPages,
+     {field("Name", 0, 19, 0, 16), with(sum(1, 20, {1, 6, 0, 16, 0}), [](auto& r) { r.param1 = "2", r.polynomial = {263, 0}; }),
       bitFunction("Constant", "7", 1, 21, 0, 0, 3), binary(field("Photo", 2, 6, 0, 64)), dbUpdate("X", "Count", "1", "1")},
      {}},
-    {"EveryRule",
-     iBigEightPages,
+    {"EveryRule", iBigEightPages,
      {field("First", 1, 17, 0, 24), field("Second", 1, 18, 4, 2), field("Hid", 0, 10, 0, 1),
       function("CardSnNr", "0", "", "", 1, 22, 0, 9), bitFunction("Constant", "8", 1, 26, 0, 0, 3),
       binary(field("Photo", 1, 30, 0, 24))},
@@ -265,8 +255,7 @@ const std::vector<AuditCase> kLayouts{
       kTextBoundaryCuts, kTextHidCovers}},
     // The first range covers block 21 of page 0 once placed with its page; the second covers itself;
     // the third holds the first checksum; the fourth lies in the first's range.
-    {"ChecksumRangesAndPageEnd",
-     iSmallOnePage,
+    {"ChecksumRangesAndPageEnd", iSmallOnePage,
      {sum(0, 20, {1, 21, 0, 8, 0}), sum(0, 22, {0, 22, 0, 8, 0}), sum(0, 23, {0, 20, 0, 4, 0}), sum(0, 21, {0, 24, 0, 1, 0}),
       field("Tail", 0, 31, 4, 5)},
      {kTextChecksumCoversItself, kTextRangeHoldsChecksum, kTextInsideOtherRange, kTextPageFit}},
