@@ -1,11 +1,6 @@
 // The demo host as an operator meets it: commands that need a layout wait for one, the title
 // names the layout and marks it while unsaved, and the window shows the grids.
-#include <QAction>
-#include <QApplication>
-#include <QFile>
-#include <QTableView>
-#include <QTemporaryDir>
-#include <QToolBar>
+#include <QtWidgets>
 #include <gtest/gtest.h>
 
 #include "HostWindow.h"
@@ -27,26 +22,23 @@ TEST(HostWindow, TheTitleAndTheCommandsFollowTheLayout) {
     HostWindow window(work.path());
     window.resize(1000, 700);
     window.show();
-    EXPECT_FALSE(action(window, "&Save")->isEnabled());
-    EXPECT_FALSE(action(window, "Add &Field...")->isEnabled());
-    EXPECT_TRUE(action(window, "&Open...")->isEnabled());
+    EXPECT_EQ(std::make_tuple(action(window, "&Save")->isEnabled(), action(window, "Add &Field...")->isEnabled(),
+                              action(window, "&Open...")->isEnabled()),
+              std::make_tuple(false, false, true));
 
     ASSERT_TRUE(window.openLayout(work.filePath("layouts/Staff.IIF")));
-    EXPECT_EQ(window.windowTitle(), "Staff.IIF[*] - Kestrin demo host");
-    EXPECT_FALSE(window.isWindowModified());
-    EXPECT_TRUE(action(window, "&Save")->isEnabled());
     auto* items = window.control().findChild<QTableView*>("grdItems");
-    EXPECT_TRUE(items->isVisible());
-    EXPECT_GT(items->model()->rowCount(), 5);
+    EXPECT_EQ(std::make_tuple(window.windowTitle(), window.isWindowModified(), action(window, "&Save")->isEnabled(),
+                              items->isVisible(), items->model()->rowCount() > 5),
+              std::make_tuple(QString("Staff.IIF[*] - Kestrin demo host"), false, true, true, true));
     const QImage picture = window.grab().toImage();
-    EXPECT_EQ(picture.size(), window.size());
-    EXPECT_EQ(picture.pixelColor(items->mapTo(&window, QPoint(10, 10))), items->grab().toImage().pixelColor(10, 10));
+    EXPECT_EQ(std::make_pair(picture.size(), picture.pixelColor(items->mapTo(&window, QPoint(10, 10)))),
+              std::make_pair(window.size(), items->grab().toImage().pixelColor(10, 10)));
 
     test::RecordingPrompter operatorSaysYes(Answer::Yes);
     window.control().setPrompter(&operatorSaysYes);
     action(window, "&Remove")->trigger();
-    EXPECT_EQ(operatorSaysYes.messages.size(), 1u);
-    EXPECT_TRUE(window.isWindowModified());
+    EXPECT_EQ(std::make_pair(operatorSaysYes.messages.size(), window.isWindowModified()), std::make_pair(std::size_t(1), true));
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 #include "base/ProductInfo.h"
 #include "base/Twips.h"
 #include "control/IClass.h"
+#include "control/LanguageLibraries.h"
+#include "control/TextGridModel.h"
 #include "persist/ProfileDocument.h"
 #include "preview/PrintServices.h"
 
@@ -43,11 +45,8 @@ struct Host : FileChooser {
         QObject::connect(&control, &IClass::GenericEvent, [this](const QString& name, const QString& params) {
             events.push_back("GenericEvent " + name + " " + params);
         });
-        std::string texts;
-        for (int id : {3104, 3105, 3112, 3113, 3115, 3116, 3117, 3118, 3119, 3120, 3121, 3122, 3123, 3124, 4607, 4642})
-            texts += std::to_string(id) + "=T" + std::to_string(id) + "\n";
-        writeBytes(dir / "texts.txt", texts);
-        set("LanguageDLL", registry.open(dir / "texts.txt"));
+        set("LanguageDLL", numberedLibrary(registry, dir / "texts.txt", {3104, 3105, 3112, 3113, 3115, 3116, 3117, 3118, 3119,
+                                                                         3120, 3121, 3122, 3123, 3124, 3195, 3196, 4607, 4642}));
         writeBytes(dir / "Project.ini", crlf({"[DATABASE]", "NUMCOLUMNS=2", "[COLUMN1]", "DbFIELD=NAME", "NAME=Surname",
                                               "FIELDTYPE=Character", "FIELDSIZE=20", "[COLUMN2]", "DbFIELD=NUMBER",
                                               "NAME=Number", "FIELDTYPE=Number", "FIELDSIZE=6"}));
@@ -128,8 +127,8 @@ TEST(IClassGrids, AControlJustMadeShowsItsGridsAndTheyFollowItsSize) {
               std::make_tuple(QString("<Field(s) or Function>"), twipsToPixels(3500, bare.logicalDpiX()), 1));
 }
 
-// A press in a grid makes it the grid worked in; there Delete asks and removes the current row and
-// Enter opens its dialog. The strip between the grids drags their boundary.
+// A key or a mouse press in a grid makes it the grid worked in; there Delete asks and removes the
+// current row and Enter opens its dialog. The strip between the grids drags their boundary.
 TEST(IClassGrids, KeysActOnTheGridWorkedInAndTheStripDragsTheBoundary) {
     Host host;
     host.set("ProjectFile", QString(KESTRIN_WIDGET_EXAMPLES "/project/Sample.ini"));
@@ -140,16 +139,19 @@ TEST(IClassGrids, KeysActOnTheGridWorkedInAndTheStripDragsTheBoundary) {
     const int items = host.control.document().records().size();
     for (const auto& [gridName, selected, dialog] : {std::tuple{"grdDBUpdateFields", "DBUpdates", "frmDBUpdate"},
                                                      std::tuple{"grdItems", "FieldsFunctions", "frmEditiClass"}}) {
+        host.dialogs.clear();
+        QTest::keyClick(host.grid(gridName), Qt::Key_Return);
+        EXPECT_EQ(std::make_pair(host.get("SelectedGrid").toString(), host.dialogs),
+                  std::make_pair(QString(selected), std::vector<QString>{dialog}));
+        QTest::keyClick(host.grid(gridName), Qt::Key_Delete);
+    }
+    EXPECT_EQ(std::make_pair(host.control.document().records().size(), host.messageTexts()),
+              std::make_pair(items - 2, std::vector<std::string>{"T3104\r\nT3105", "T3104\r\nT3105"}));
+    for (const auto& [gridName, selected] : {std::pair{"grdDBUpdateFields", "DBUpdates"}, std::pair{"grdItems", "FieldsFunctions"}}) {
         QTableView* grid = host.grid(gridName);
         QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->visualRect(grid->model()->index(0, 1)).center());
         EXPECT_EQ(host.get("SelectedGrid").toString(), selected);
-        host.dialogs.clear();
-        QTest::keyClick(grid, Qt::Key_Return);
-        EXPECT_EQ(host.dialogs, std::vector<QString>{dialog});
-        QTest::keyClick(grid, Qt::Key_Delete);
     }
-    EXPECT_EQ(host.control.document().records().size(), items - 2);
-    EXPECT_EQ(host.messageTexts(), (std::vector<std::string>{"T3104\r\nT3105", "T3104\r\nT3105"}));
 
     QWidget* strip = host.control.childAt(300, host.grid("grdItems")->geometry().bottom());
     ASSERT_TRUE(strip && strip != host.grid("grdItems") && strip != host.grid("grdDBUpdateFields"));
@@ -180,9 +182,8 @@ TEST(IClassInterface, RaisedErrorsArriveThroughTheExceptionSignal) {
     host.call("NewLayout", false);
     host.call("SetAppBoundaries", QString("10|11|12|13|14|15|16|17"));  // a one-page card takes none
     ASSERT_EQ(errors.size(), 3);
-    EXPECT_EQ(errors.mid(0, 2),
-              QStringList({"52 iClass UserControl: No filename given.", "53 iClass UserControl: File doesn't exist"}));
-    EXPECT_TRUE(errors[2].startsWith("9 ")) << errors[2].toStdString();
+    EXPECT_EQ(errors.mid(0, 2) << errors[2].left(2),
+              QStringList({"52 iClass UserControl: No filename given.", "53 iClass UserControl: File doesn't exist", "9 "}));
 }
 
 // The probe name "1" does nothing; any other name tells, under the host's name, that the
@@ -204,10 +205,9 @@ TEST(IClassBridge, TheProbeNameDoesNothingAndAnyOtherNameTellsTheControlIsOutOfD
         call(host, "Export");
         ASSERT_EQ(host.prompter.messages.size(), 1u);
         const auto& m = host.prompter.messages[0];
-        EXPECT_EQ(std::make_tuple(m.icon, m.question, m.title),
-                  std::make_tuple(Icon::Exclamation, false, std::string("Badge host")));
-        EXPECT_TRUE(m.text.ends_with(std::string(kProgramName) + ";\r\nCalled function is: Export.")) << m.text;
-        EXPECT_TRUE(host.events.empty());
+        EXPECT_EQ(std::make_tuple(m.icon, m.question, m.title, host.events.size(),
+                                  m.text.ends_with(std::string(kProgramName) + ";\r\nCalled function is: Export.")),
+                  std::make_tuple(Icon::Exclamation, false, std::string("Badge host"), 0u, true)) << m.text;
     }
 }
 
@@ -224,6 +224,11 @@ TEST(IClassSession, AHostMakesEditsSavesClosesAndReopensALayoutByMemberName) {
     }
     EXPECT_EQ(std::make_tuple(host.dialogs, host.cell("grdItems", 0, 1), host.cell("grdItems", 1, 4), host.get("Saved").toBool()),
               std::make_tuple(std::vector<QString>{"frmEditiClass", "frmEditiClass"}, QString("NAME"), QString("25"), false));
+    // A cell of the grid by row and column; one outside it has no text.
+    const auto& model = dynamic_cast<const TextGridModel&>(*host.grid("grdItems")->model());
+    EXPECT_EQ(QStringList({model.cellText(1, 4), model.cellText(-1, 1), model.cellText(2, 1), model.cellText(0, -1),
+                           model.cellText(0, model.columnCount())}),
+              QStringList({"25", "", "", "", ""}));
     host.grid("grdItems")->setCurrentIndex(host.grid("grdItems")->model()->index(1, 1));
     QString block;
     bool readOnly = false;  // the operator edits through the dialogs only: no grid takes typing
@@ -240,22 +245,19 @@ TEST(IClassSession, AHostMakesEditsSavesClosesAndReopensALayoutByMemberName) {
     EXPECT_EQ(std::tuple(block, readOnly, gridsReadOnly(host.control), host.control.objectName()),
               std::tuple("25", true, true, "iClass"));
     host.call("RemoveItem");
-    EXPECT_EQ(host.messageTexts(), std::vector<std::string>{"T3104\r\nT3105"});
-    EXPECT_EQ(host.control.document().records().size(), 1);
+    EXPECT_EQ(std::make_pair(host.messageTexts(), host.control.document().records().size()),
+              std::make_pair(std::vector<std::string>{"T3104\r\nT3105"}, 1));
 
     host.answer = host.path("Staff");
     EXPECT_TRUE(host.callFor<bool>("SaveiClassAs"));
-    EXPECT_EQ(host.chosen, QStringList({"T3122", host.path(""), "Lumisk (*.IIF);;T3121 (*.*)"}));
-    EXPECT_EQ(host.messageTexts(), (std::vector<std::string>{"T3104\r\nT3105", "T3123"}));
-    EXPECT_EQ(std::make_pair(host.get("LayoutFile").toString(), host.get("Saved").toBool()),
-              std::make_pair(host.path("Staff.IIF"), true));
+    EXPECT_EQ(std::make_tuple(host.chosen, host.messageTexts(), host.get("LayoutFile").toString(), host.get("Saved").toBool()),
+              std::make_tuple(QStringList({"T3122", host.path(""), "Lumisk (*.IIF);;T3121 (*.*)"}),
+                              std::vector<std::string>{"T3104\r\nT3105", "T3123"}, host.path("Staff.IIF"), true));
 
     EXPECT_TRUE(host.callFor<bool>("CloseLayout"));
-    EXPECT_EQ(host.messageTexts(), (std::vector<std::string>{"T3104\r\nT3105", "T3123", "T3124"}));
-    EXPECT_EQ(
-        std::make_tuple(host.cell("grdItems", 0, 1), host.grid("grdItems")->model()->rowCount(),
-                        host.get("CLessLayoutEntered").toBool(), host.get("Saved").toBool(), host.get("LayoutFile").toString()),
-        std::make_tuple(QString(), 1, false, false, QString()));
+    EXPECT_EQ(std::make_tuple(host.messageTexts().back(), host.cell("grdItems", 0, 1), host.grid("grdItems")->model()->rowCount(),
+                              host.get("CLessLayoutEntered").toBool(), host.get("Saved").toBool(), host.get("LayoutFile").toString()),
+              std::make_tuple(std::string("T3124"), QString(), 1, false, false, QString()));
 
     host.events.clear();
     EXPECT_TRUE(host.callFor<bool>("OpenLayout", host.path("Staff.IIF")));
@@ -274,9 +276,9 @@ TEST(IClassSession, SaveLayoutUsesTheEncodePathAndANewLayoutSavesItsHidArea) {
     EXPECT_FALSE(host.callFor<QVariant>("SaveLayout").toBool());  // no name chosen: cancelled
     host.answer = host.path("Card.IIF");
     EXPECT_TRUE(host.callFor<QVariant>("SaveLayout").toBool());
-    EXPECT_EQ(host.chosen.mid(4), QStringList({host.path("encode"), host.chosen[2]}));
-    EXPECT_TRUE(std::filesystem::exists(host.dir / "encode" / "Card.CHP"));
-    EXPECT_EQ(ProfileDocument::parse(readBytes(host.dir / "Card.IIF")).getInt("CARDDESIGN", "UseHID", 0), 1);
+    EXPECT_EQ(std::make_tuple(host.chosen.mid(4), std::filesystem::exists(host.dir / "encode" / "Card.CHP"),
+                              ProfileDocument::parse(readBytes(host.dir / "Card.IIF")).getInt("CARDDESIGN", "UseHID", 0)),
+              std::make_tuple(QStringList({host.path("encode"), host.chosen[2]}), true, 1));
     host.set("UseBit", true);
     EXPECT_TRUE(host.control.document().card()->EnableBitwise());
 }
@@ -331,8 +333,7 @@ TEST(IClassCommands, PropertiesConfirmedOnANewLayoutAreOneChange) {
     host.call("SetProperties");  // cancelled: no event
     host.onDialog = confirmBitwise;
     host.call("SetProperties");
-    EXPECT_EQ(host.events, std::vector<QString>{"Changed"});
-    EXPECT_FALSE(host.get("Saved").toBool());
+    EXPECT_EQ(std::make_pair(host.events, host.get("Saved").toBool()), std::make_pair(std::vector<QString>{"Changed"}, false));
 }
 
 TEST(IClassCommands, WithoutALayoutTheCardCommandsLeaveNoCardForThePreview) {
@@ -344,9 +345,8 @@ TEST(IClassCommands, WithoutALayoutTheCardCommandsLeaveNoCardForThePreview) {
         host.call("SetAppBoundaries", QString("10|12|13|14|15|16|17|18"));
         host.call("ShowPreview");
     }
-    EXPECT_EQ(host.messageTexts(), std::vector<std::string>{"Error: no iClass object found!"});
-    EXPECT_EQ(std::make_tuple(host.control.document().card()->GetBoundary(1), host.dialogs),
-              std::make_tuple(12, std::vector<QString>{"frmPreview"}));
+    EXPECT_EQ(std::make_tuple(host.messageTexts(), host.control.document().card()->GetBoundary(1), host.dialogs),
+              std::make_tuple(std::vector<std::string>{"Error: no iClass object found!"}, 12, std::vector<QString>{"frmPreview"}));
 }
 
 // Database updates of a layout opened before the host fetched its fields are named once the
@@ -365,8 +365,38 @@ TEST(IClassFields, FetchingFieldsNamesTheDatabaseUpdatesOfAnOpenLayout) {
     };
     EXPECT_EQ(rows(), "|Constant|<Value>: 1.||CardSnNr|<Decimal>");
     EXPECT_TRUE(control.FetchDBFields());
-    EXPECT_EQ(rows(), "ACCESSLEVEL|Constant|<Value>: 1.|ENCODECOUNT|CardSnNr|<Decimal>");
-    EXPECT_TRUE(control.property("Saved").toBool());
+    EXPECT_EQ(std::make_pair(rows(), control.property("Saved").toBool()),
+              std::make_pair(QString("ACCESSLEVEL|Constant|<Value>: 1.|ENCODECOUNT|CardSnNr|<Decimal>"), true));
+}
+
+// The language libraries a host hands over. One that cannot be loaded gives no handle and a reason
+// naming the file, and the control keeps its texts; a custom library equal to the standard one
+// re-applies nothing (the row the operator is on stays current), another one shows its texts. The
+// tool tips are those of the libraries when the grids show again after design mode.
+TEST(IClassTexts, TheCustomLibraryOverridesTheStandardOneAndToolTipsFollowAfterDesignMode) {
+    Host host;
+    const auto shown = [&] {
+        return QStringList({host.grid("grdItems")->model()->headerData(1, Qt::Horizontal).toString(),
+                            host.grid("grdItems")->toolTip(), host.grid("grdDBUpdateFields")->toolTip()});
+    };
+    writeBytes(host.dir / "broken.dll", "MZ this is no Windows image");
+    QString why;
+    const LanguageHandle broken = loadLanguageLibrary(host.path("broken.dll"), &why);
+    EXPECT_TRUE(broken == 0 && why.startsWith("Cannot open the language library \"" + host.path("broken.dll") + "\": "))
+        << why.toStdString();
+    host.set("CustomLanguageDLL", qlonglong{broken});
+    EXPECT_EQ(shown(), QStringList({"T3113", "T3195", "T3196"}));
+    QTableView& items = *host.grid("grdItems");
+    items.setCurrentIndex(items.model()->index(0, 2));
+    host.set("CustomLanguageDLL", host.get("LanguageDLL"));
+    EXPECT_EQ(items.currentIndex(), items.model()->index(0, 2));
+    writeBytes(host.dir / "custom.txt", "3113=Item\n3195=Items tip\n3196=Updates tip\n");
+    host.set("CustomLanguageDLL", host.registry.open(host.dir / "custom.txt"));
+    EXPECT_EQ(shown(), QStringList({"Item", "Items tip", "Updates tip"}));
+    host.control.setDesignMode(true);
+    host.set("CustomLanguageDLL", 0);
+    host.control.setDesignMode(false);
+    EXPECT_EQ(shown(), QStringList({"T3113", "T3195", "T3196"}));
 }
 
 #ifdef KESTRIN_DESIGNER_PLUGIN

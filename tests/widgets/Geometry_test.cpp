@@ -46,6 +46,19 @@ TEST(Geometry, NoNamedControlLeavesItsWindowOrCoversAnother) {
             if (button && button->isVisible()) button->click();
             return button && button->isVisible();
         };
+        if (mode == kModeField || mode == kModeBitField)
+            for (int row = 0; row < 3; ++row) {  // each field type with each of its encodings
+                d.clickField(row);
+                for (int encoding = 0; encoding < 4; ++encoding)
+                    if (option("optEncode", encoding)) check(*d.root, "field " + std::to_string(row) + " encoding " + std::to_string(encoding));
+            }
+        if (mode == kModeField) {
+            d.clickField(1), option("optEncode", 3);  // a number in BCD, with its format list
+            const auto at = [&](const char* name) { return d.child(name)->geometry(); };
+            // The format list stands in its caption's row, right of it, and ends where the options end.
+            EXPECT_EQ(std::make_tuple(at("cboFormat").top(), at("cboFormat").left() > at("lblFormat").right(), at("cboFormat").right()),
+                      std::make_tuple(at("lblFormat").top(), true, at("optEncode(0)").right()));
+        }
         for (int function = 0; function < 4; ++function) {
             option("optFunction", function);
             for (int property = 0; property < 4; ++property)  // each representation the function offers

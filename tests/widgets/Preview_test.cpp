@@ -2,6 +2,7 @@
 #include <QPrinter>
 #include <QRegularExpression>
 #include "DialogFixture.h"
+#include "items/MapGrid.h"
 #include "items/PageMap.h"
 #include "preview/PreviewPrinting.h"
 #include "preview/frmPreview.h"
@@ -52,43 +53,40 @@ int pdfPages(const std::filesystem::path& pdf) {
     return info.find("Pages:") == std::string::npos ? -1 : std::stoi(info.substr(info.find("Pages:") + 6));
 }
 
-// The words pdftotext finds on a PDF's first page, each with its box in points, and the page's size.
-struct Word {
-    std::string text;
-    QRectF box;
-};
+// A PDF's first page as pdftotext finds it: the page's size, the box in points of each word (the
+// first of equal words) and of all of them.
 struct PrintedPage {
     QSizeF size;
-    std::vector<Word> words;
-    const Word* find(const std::string& text) const {
-        for (const Word& w : words)
-            if (w.text == text) return &w;
-        return nullptr;
-    }
+    std::map<std::string, QRectF> words;
+    QRectF reach;
 };
 
 PrintedPage printedPage(const QString& pdf) {
     const QString html = QString::fromStdString(run("pdftotext", {"-bbox", "-f", "1", "-l", "1", pdf, "-"}));
-    PrintedPage page;
     const auto size = QRegularExpression(R"re(<page width="([\d.]+)" height="([\d.]+)")re").match(html);
-    page.size = QSizeF(size.captured(1).toDouble(), size.captured(2).toDouble());
+    PrintedPage page{QSizeF(size.captured(1).toDouble(), size.captured(2).toDouble()), {}, {}};
     const QRegularExpression word(
         R"re(<word xMin="([\d.]+)" yMin="([\d.]+)" xMax="([\d.]+)" yMax="([\d.]+)">([^<]*)</word>)re");
     for (auto m = word.globalMatch(html); m.hasNext();) {
         const auto w = m.next();
-        QString text = w.captured(5);
-        text.replace("&lt;", "<").replace("&gt;", ">").replace("&quot;", "\"").replace("&amp;", "&");
-        page.words.push_back({text.toStdString(), QRectF(QPointF(w.captured(1).toDouble(), w.captured(2).toDouble()),
-                                                                  QPointF(w.captured(3).toDouble(), w.captured(4).toDouble()))});
+        const QRectF box(QPointF(w.captured(1).toDouble(), w.captured(2).toDouble()),
+                         QPointF(w.captured(3).toDouble(), w.captured(4).toDouble()));
+        page.words.emplace(w.captured(5).replace("&lt;", "<").replace("&gt;", ">").toStdString(), box);
+        page.reach |= box;
     }
     return page;
 }
 
-// Answers the modal print options with the given choices once they are shown.
+// Answers the modal print options with the given choices once they are shown. They open with the
+// first option of each frame chosen: the printer and the current pages.
 void answerPrintOptions(bool toFile, bool allPages, bool cancel) {
     QTimer::singleShot(0, [=] {
         const Controls box{QApplication::activeModalWidget()};
         ASSERT_EQ(box.root ? box.root->objectName() : QString(), "frmPrintPreview");
+        EXPECT_EQ(std::make_tuple(box.checked("optPrint(0)"), box.checked("optRange(0)"),
+                                  box.child("fraDestination")->isAncestorOf(box.child("optPrint(1)")),
+                                  box.child("fraRange")->isAncestorOf(box.child("optRange(1)"))),
+                  std::make_tuple(true, true, true, true));
         box.click(toFile ? "optPrint(1)" : "optPrint(0)");
         box.click(allPages ? "optRange(1)" : "optRange(0)");
         box.click(cancel ? "cmdCancel" : "cmdOK");
@@ -144,12 +142,11 @@ TEST_P(Printing, OptionsDialogDrivesThePrintingAndEnterOnTheFocusedPrintRunsIt) 
     if (views() > 1) preview->showNext();
     answerPrintOptions(true, true, false);
     preview->findChild<QPushButton*>("cmdPrint")->click();
-    EXPECT_EQ(pdfPages(dir / "map.pdf"), views());
-    EXPECT_EQ(preview->viewIndex(), views() > 1 ? 1 : 0);
+    EXPECT_EQ(std::make_pair(pdfPages(dir / "map.pdf"), preview->viewIndex()), std::make_pair(views(), views() > 1 ? 1 : 0));
     const std::string text = run("pdftotext", {"-layout", file, "-"});
-    EXPECT_NE(text.find("<Filename>: C:/layouts/Staff.IIF; <Date>: "), std::string::npos) << text;
-    EXPECT_NE(text.find("; <Time>: "), std::string::npos);
-    EXPECT_EQ(text.find("<PAGES> 6 <and> 7") != std::string::npos, GetParam() == iBigEightPages) << text;
+    EXPECT_EQ(std::make_tuple(text.find("<Filename>: C:/layouts/Staff.IIF; <Date>: ") != std::string::npos,
+                              text.find("; <Time>: ") != std::string::npos, text.find("<PAGES> 6 <and> 7") != std::string::npos),
+              std::make_tuple(true, true, GetParam() == iBigEightPages)) << text;
     EXPECT_EQ(chooser.mid(0, 2), QStringList({"<Print to file>", "PDF (*.pdf)"}));
     // The grids drawn as lines and text, not pictures: the fixed areas, the blocks and the item read.
     EXPECT_EQ(run("pdfimages", {"-list", file}).find("image"), std::string::npos);
@@ -158,14 +155,10 @@ TEST_P(Printing, OptionsDialogDrivesThePrintingAndEnterOnTheFocusedPrintRunsIt) 
     // On the sheet: the pages heading under the header line, the grids as large as the paper
     // allows and on it whole.
     const PrintedPage page = printedPage(file);
-    const Word *header = page.find("<Filename>:"), *pages = page.find("<PAGES>");
-    ASSERT_TRUE(header);
-    if (GetParam() == iBigEightPages) {
-        ASSERT_TRUE(pages);
-        EXPECT_GT(pages->box.top(), header->box.bottom());
-    }
-    QRectF reach;
-    for (const Word& w : page.words) reach |= w.box;
+    const QRectF reach = page.reach;
+    ASSERT_EQ(std::make_pair(page.words.count("<Filename>:"), page.words.count("<PAGES>")),
+              std::make_pair(std::size_t(1), std::size_t(GetParam() == iBigEightPages)));
+    EXPECT_TRUE(GetParam() != iBigEightPages || page.words.at("<PAGES>").top() > page.words.at("<Filename>:").bottom());
     EXPECT_TRUE(QRectF(QPointF(), page.size).contains(reach)) << reach.right() << " " << reach.bottom();
     EXPECT_TRUE(reach.right() > 0.75 * page.size.width() || reach.bottom() > 0.75 * page.size.height())
         << reach.right() << " " << reach.bottom() << " on " << page.size.width() << " x " << page.size.height();
@@ -179,6 +172,28 @@ TEST_P(Printing, OptionsDialogDrivesThePrintingAndEnterOnTheFocusedPrintRunsIt) 
 }
 
 INSTANTIATE_TEST_SUITE_P(Chips, Printing, ::testing::Values(iSmallOnePage, iBigOnePage, iBigEightPages));
+
+// A map painted over an earlier one: the grid takes the new map's rows, columns and cells, and
+// of the merged runs only the new map's; none of the earlier map's stays.
+TEST(PagePainter, RepaintingShowsOnlyTheNewMapsCellsAndMergedRuns) {
+    const std::unique_ptr<QTableWidget> grid(createPageGrid(nullptr, "grdMap"));
+    MapGrid old(4, kPageMapColumns);
+    old.at(2, 1).text = old.addText("Old");
+    old.merge(2, 1, 6);
+    showMapGrid(*grid, old);
+    EXPECT_EQ(std::make_pair(grid->columnSpan(2, 1), grid->item(2, 1)->text()), std::make_pair(6, QString("Old")));
+    MapGrid next(4, kPageMapColumns);
+    next.at(1, 3) = {next.addText("New"), 0x00A0B0C0};
+    next.merge(1, 3, 2);
+    showMapGrid(*grid, next);
+    EXPECT_EQ(std::make_tuple(grid->columnSpan(2, 1), grid->item(2, 1)->text(), grid->columnSpan(1, 3), grid->item(1, 3)->text(),
+                              grid->item(1, 3)->background().color()),
+              std::make_tuple(1, QString(), 2, QString("New"), memoryMapColor(0x00A0B0C0)));
+    for (const auto& [rows, columns] : {std::pair{3, 12}, std::pair{5, 4}}) {
+        showMapGrid(*grid, MapGrid(rows, columns));
+        EXPECT_EQ(std::make_tuple(grid->rowCount(), grid->columnCount(), grid->columnSpan(1, 3)), std::make_tuple(rows, columns, 1));
+    }
+}
 
 // The grids of a sheet: side by side, none over another, all on the paper at one scale, as large
 // as the paper's width or height allows, whatever their size on the screen.
