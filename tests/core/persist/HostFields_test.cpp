@@ -37,7 +37,7 @@ TEST(HostFields, ProjectFilesAreReadAsTheHostWritesThem) {
         {{"[DATABASE]", "NUMCOLUMNS=2", "[COLUMN1]", "DbFIELD=A", "[COLUMN2]", "DbFIELD=B", "FIELDSIZE=40000"},
          "A///0/0 image Sign ", 1},
         {{"[DATABASE]", "NUMCOLUMNS=1", "[COLUMN1]", "DbFIELD=A", "[ImageTypes]", "Count=70000"}, "A///0/0 image Sign ", 1},
-        {{"[DATABASE]", "NUMCOLUMNS=-1", "[ImageTypes]", "Count=0", "1=Photo"}, "", 0},
+        {{"[DATABASE]", "NUMCOLUMNS=-32768", "[ImageTypes]", "Count=0", "1=Photo"}, "", 0},
         {{}, "", 1},
     };
     TempDir dir;
@@ -50,6 +50,12 @@ TEST(HostFields, ProjectFilesAreReadAsTheHostWritesThem) {
         list.fetch(dir / "P.ini", &warnings);
         EXPECT_EQ(std::tuple(listed(list), warnings.size()), std::tuple(c.fields, c.warnings)) << text;
         EXPECT_EQ(list.highestIndex(), list.count() - 1);
+    }
+    // Every prefix of the bundled project gives at most the columns it names (a cut TagField lets the tag column in).
+    const std::string project = readBytes(fs::path(KESTRIN_EXAMPLES) / "project/Sample.ini");
+    for (size_t n = 0; n < project.size(); ++n) {
+        list.fetchFromBytes(project.substr(0, n));
+        EXPECT_LE(list.count(), 8) << n;
     }
     list.fetchFromBytes(crlf({"[DATABASE]", "NUMCOLUMNS=2", "[COLUMN1]", "DbFIELD=A", "[COLUMN2]", "DbFIELD=A", "NAME=x"}));
     // The first of two alike is found by its database field.

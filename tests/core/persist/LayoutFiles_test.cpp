@@ -28,10 +28,7 @@ RecordArray arrayOf(std::initializer_list<ItemRecord> items) {
     return records;
 }
 
-ItemRecord with(ItemRecord r, void (*change)(ItemRecord&)) {
-    change(r);
-    return r;
-}
+ItemRecord with(ItemRecord r, void (*change)(ItemRecord&)) { return change(r), r; }
 
 HostFieldList sampleFields() {
     HostFieldList fields;
@@ -98,6 +95,16 @@ TEST(LayoutFiles, EveryKindOfEntrySavesToTheseBytesAndOpensTheSame) {
     const std::string bytes = readBytes(fs::path(__FILE__).parent_path() / "EveryKind.IIF");
     EXPECT_EQ(renderLayoutFile(card, records, sampleFields()).bytes, bytes);
     expectOpensTo(bytes, card, records, sampleFields());
+}
+
+// An eight-page card stores the boundaries of pages 1 to 7 as byte addresses; page 0's is never stored.
+TEST(LayoutFiles, AnEightPageCardStoresTheBoundariesOfPagesOneToSeven) {
+    CIClass card = cardOf(iBigEightPages, false);
+    card.SetBoundary(3, 25);
+    std::vector<std::string> lines{"[GENERAL]", "Version=6.1.4", "[CARDDESIGN]", "Size=16K", "Pages=8", "UseBit=0", "UseHID=0"};
+    for (int page = 1; page <= 7; ++page) lines.push_back(std::to_string(page) + "PageBorder=" + (page == 3 ? "200" : "144"));
+    EXPECT_EQ(renderLayoutFile(card, {}, {}).bytes, crlf(lines));
+    expectOpensTo(crlf(lines), card, {}, {});
 }
 
 // A file of a later version is opened only when the operator agrees; on No nothing is applied.
@@ -181,7 +188,8 @@ TEST(LayoutReader, AUtf16FileReadsAsTheSingleByteOne) {
 TEST(LayoutReader, OlderFilesReadAsTheyAlwaysDid) {
     const auto o = openLayout(crlf(
         {"[CARDDESIGN]", "Size=2K", "[ENCODE]", "Photo(1)=0,19,0,4,0", "Logo(1)=0,21,0,2,0", "Card(1)=0,27,0,2,0",
-         "[BIGITEM]", "Photo(1)=1,2", "Logo(1)=1,3", "Card(1)=1,4", "[FieldsMultiTrack]", "Photo(1)=0,19,0,3,4", "Logo(1)=0,22,0,5,2", "Sign(1)=0,25,0,9,8", "Card(1)=0,27",
+         "[BIGITEM]", "Photo(1)=1,2", "Logo(1)=1,3", "Card(1)=1,4", "[FieldsMultiTrack]", "Photo(1)=0,19,0,3,4",
+         "Logo(1)=0,22,0,5,2", "Sign(1)=0,25,0,9,8", "Card(1)=0,27",
          "[INITCARD]", "1Value=Checksum(1.1)", "1Place=0,30,0,1", "2Value=Checksum(3.2)", "2Place=0,30,1,1",
          "3Value=Checksum(2.3)", "3Place=0,30,2,1", "[BITINITCARD]", "1Value=Checksum(1.4)", "1Place=0,31,0,0,8",
          "1Mode=1", "[CHECKSUM]", "1Range=0,19,0,8,5", "1Init_=7", "2Range=0,20,0,8", "2Init_=1", "3Range=0,21,0,8",

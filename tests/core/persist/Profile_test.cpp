@@ -5,6 +5,7 @@
 
 #include "persist/Cp1252.h"
 #include "persist/ProfileDocument.h"
+#include "persist/ProfileWriter.h"
 
 using namespace kestrin;
 using namespace std::string_literals;
@@ -34,8 +35,26 @@ TEST(Cp1252, EveryByteComesBackFromUtf8AndWhatItCannotHoldBecomesQuestionMarks) 
         {"\xED\xA0\x80", "???"},        // a surrogate half
         {"\xC0\xAF", "??"},             // an overlong form
         {"a\xE2\x82", "a??"},           // cut short
+        {"\xF0\x90\x80\x80\xC2\xA9", "?\xA9"},  // the first four-byte code point is one; the lowest two-byte lead
     };
     for (const auto& [utf8, bytes] : cases) EXPECT_EQ(utf8ToCp1252(utf8), bytes);
+}
+
+// Listing a section gives the names of its entries with "=" that do not start with ";", of the
+// first section of that name; listing the file gives every section name, duplicates included.
+TEST(ProfileDocument, ListsKeysAndSectionsAsTheProfileFunctionsDo) {
+    const auto doc = ProfileDocument::parse("x=0\r\n[s]\r\na=1\r\nno equals\r\n;c=1\r\n=v\r\nb=\r\n[T]\r\n[ s ]\r\nlater=2\r\n");
+    EXPECT_EQ(doc.keys("S"), (std::vector<std::string>{"a", "", "b"}));
+    EXPECT_EQ(doc.sections(), (std::vector<std::string>{"s", "T", "s"}));
+    EXPECT_EQ(std::tuple(doc.hasSection(" t "), doc.hasSection("S"), doc.hasSection("u"), doc.keys("u").size()),
+              std::tuple(true, true, false, 0u));
+}
+
+// A file with names outside ASCII is written in the code page, a section's name too.
+TEST(ProfileWriter, WritesANonAsciiSectionNameInTheCodePage) {
+    ProfileWriter writer;
+    writer.write("Caf\xC3\xA9", "k", "v");
+    EXPECT_EQ(writer.bytes(), "[Caf\xE9]\r\nk=v\r\n");
 }
 
 }  // namespace

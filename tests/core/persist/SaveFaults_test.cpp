@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "persist/SafeFile.h"
 #include "support/FaultyFileSystem.h"
 #include "support/SavedFiles.h"
 
@@ -59,11 +60,11 @@ protected:
             EXPECT_TRUE(saveTo(past.path(), older).saved && saveTo(past.path(), old).saved);
             before = SavedFiles::read(past.path(), "Card");
         }
-        contents.add("the new layout", expected.layout);
-        contents.add("the new chip encode file", expected.encode);
-        contents.add("the previous layout", before.layout);
-        contents.add("the previous chip encode file", before.encode);
-        contents.add("the previous backup", before.backup);
+        for (const auto& [name, bytes] :
+             {std::pair{"the new layout", expected.layout}, {"the new chip encode file", expected.encode},
+              {"the previous layout", before.layout}, {"the previous chip encode file", before.encode},
+              {"the previous backup", before.backup}})
+            contents.add(name, bytes);
     }
 
     SaveOutcome saveTo(const fs::path& folder, const RecordArray& items, FileSystem& files = systemFileSystem()) {
@@ -118,17 +119,17 @@ TEST_P(SaveFaults, EveryFailingCallLeavesCompleteFilesAndTellsTheOperator) {
             FaultyFileSystem files(dir / "unseen", dir.path());
             const SaveOutcome out = saveFailing(dir, files, {i}, fault, error);
             ASSERT_TRUE(files.injected);
-            EXPECT_EQ(files.openHandles, 0);
-            ASSERT_EQ(out.saved, saveSurvives(calls[i], fault, error)) << out.message;
+            const bool survives = saveSurvives(calls[i], fault, error);
+            ASSERT_EQ(std::tuple(out.saved, files.openHandles), std::tuple(survives, 0)) << out.message;
             const SavedFiles failed = SavedFiles::read(dir.path(), "Card");
             if (out.saved) {
                 EXPECT_TRUE(prompter.messages.empty());
                 expectFiles(dir.path(), "the new layout", "the new chip encode file", contents.nameOf(before.layout));
             } else {
                 ASSERT_EQ(prompter.messages.size(), 1u);
-                EXPECT_TRUE(prompter.messages[0].icon == Icon::Exclamation && prompter.messages[0].text == out.message);
-                EXPECT_NE(out.message.find(errorText), std::string::npos) << out.message;
-                EXPECT_NE(out.message.find("are unchanged"), std::string::npos) << out.message;
+                const auto says = [&](const std::string& part) { return out.message.find(part) != std::string::npos; };
+                EXPECT_TRUE(prompter.messages[0].icon == Icon::Exclamation && prompter.messages[0].text == out.message &&
+                            says(errorText) && says("are unchanged")) << out.message;
                 // The backup may already hold the previous layout.
                 expectFiles(dir.path(), contents.nameOf(before.layout), contents.nameOf(before.encode),
                             contents.nameOf(failed.backup == before.backup ? before.backup : before.layout));
@@ -155,11 +156,27 @@ TEST_P(SaveFaults, AChipEncodeFileThatCannotBeTakenBackIsReported) {
     TempDir dir;
     FaultyFileSystem files(dir / "unseen", dir.path());
     const SaveOutcome out = saveFailing(dir, files, {layoutRename, layoutRename + 1}, Fault::Error, EIO);
-    EXPECT_FALSE(out.saved);
-    ASSERT_EQ(prompter.messages.size(), 1u);
-    EXPECT_NE(out.message.find("no longer belong together"), std::string::npos) << out.message;
+    EXPECT_EQ(std::tuple(out.saved, prompter.messages.size(), out.message.find("no longer belong together") != std::string::npos),
+              std::tuple(false, 1u, true)) << out.message;
     expectFiles(dir.path(), contents.nameOf(before.layout), "the new chip encode file",
                 contents.nameOf(SavedFiles::read(dir.path(), "Card").backup));
+}
+
+// A committed file forgets its temporary name: a file that takes that name later (the next
+// save's) is neither moved over the target nor removed, by a second commit or by destruction.
+TEST(StagedFile, ACommittedFileLeavesItsFormerTemporaryNameAlone) {
+    TempDir dir;
+    fs::path temporary;
+    {
+        auto staged = StagedFile::write(systemFileSystem(), dir / "Card.IIF", "committed", nullptr);
+        ASSERT_TRUE(staged);
+        temporary = staged->tempPath();
+        ASSERT_TRUE(staged->commit(nullptr));
+        writeBytes(temporary, "the next save's");
+        EXPECT_FALSE(staged->commit(nullptr));
+    }
+    EXPECT_EQ(std::tuple(readIfPresent(dir / "Card.IIF"), readIfPresent(temporary)),
+              std::tuple(MaybeBytes("committed"), MaybeBytes("the next save's")));
 }
 
 INSTANTIATE_TEST_SUITE_P(Saves, SaveFaults,

@@ -7,6 +7,8 @@
 #include <random>
 #include <thread>
 
+#include <fcntl.h>
+#include <pthread.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -50,19 +52,14 @@ public:
             for (int i = which + 1;; ++i)
                 if (!layouts.save(folder, i % 2).saved) ::_exit(3);
         }
-        requests_ = requests[1];
-        replies_ = replies[0];
+        requests_ = requests[1], replies_ = replies[0];
     }
     ~KillServer() {
-        if (pid_ <= 0) return;
-        send(requests_, -1);
-        int status = 0;
-        ::waitpid(pid_, &status, 0);
+        if (pid_ > 0) send(requests_, -1), ::waitpid(pid_, nullptr, 0);
     }
     int killAfter(int64_t microseconds) {
         int64_t status = -1;
-        if (!send(requests_, microseconds) || !receive(replies_, status)) return -1;
-        return static_cast<int>(status);
+        return send(requests_, microseconds) && receive(replies_, status) ? static_cast<int>(status) : -1;
     }
 
 private:
@@ -89,7 +86,7 @@ private:
 
 TEST(SaveKill, AKilledSaveLeavesEveryFileComplete) {
     const char* given = std::getenv("KESTRIN_KILL_SEED");
-    const unsigned seed = given ? static_cast<unsigned>(std::strtoul(given, nullptr, 10)) : std::random_device{}();
+    const auto seed = given ? static_cast<unsigned>(std::strtoul(given, nullptr, 10)) : std::random_device{}();
     SCOPED_TRACE("seed " + std::to_string(seed) + " (KESTRIN_KILL_SEED repeats the run)");
     std::mt19937 rng(seed);
     const TwoLayouts layouts(1800, 1600);
@@ -115,6 +112,38 @@ TEST(SaveKill, AKilledSaveLeavesEveryFileComplete) {
     ASSERT_TRUE(layouts.save(work.path(), 0).saved);
     EXPECT_EQ(hiddenTempFiles(work.path()), std::vector<std::string>{});
     EXPECT_EQ(layouts.contents.nameOf(SavedFiles::read(work.path(), "Card").layout), "layout A");
+}
+
+// A write that a signal interrupts before it stores a byte goes on: every byte arrives. The
+// pipe is full, so the write waits until the reader starts, after the signals.
+TEST(FileSystem, AWriteInterruptedByASignalGoesOn) {
+    int pipeEnds[2];
+    ASSERT_EQ(::pipe(pipeEnds), 0);
+    struct sigaction interrupt {}, before {};
+    interrupt.sa_handler = [](int) {};  // without SA_RESTART a waiting write ends with EINTR
+    ASSERT_EQ(::sigaction(SIGUSR1, &interrupt, &before), 0);
+    ::fcntl(pipeEnds[1], F_SETFL, O_NONBLOCK);
+    std::string expected;
+    for (const std::string block(4096, 'f'); ::write(pipeEnds[1], block.data(), block.size()) > 0;) expected += block;
+    ::fcntl(pipeEnds[1], F_SETFL, 0);
+    const std::string bytes(100000, 'k');
+    expected += bytes;
+    std::string received;
+    std::thread reader([&, writer = ::pthread_self()] {
+        for (int i = 0; i < 10; ++i) std::this_thread::sleep_for(std::chrono::milliseconds(20)), ::pthread_kill(writer, SIGUSR1);
+        char buffer[65536];
+        for (ssize_t n; (n = ::read(pipeEnds[0], buffer, sizeof buffer)) > 0;) received.append(buffer, static_cast<size_t>(n));
+    });
+    std::error_code error;
+    for (std::string_view rest = bytes; !rest.empty() && !error;) {
+        std::size_t written = 0;
+        error = systemFileSystem().write(pipeEnds[1], rest, written);
+        rest.remove_prefix(written);
+    }
+    ::close(pipeEnds[1]);
+    reader.join();
+    ::close(pipeEnds[0]), ::sigaction(SIGUSR1, &before, nullptr);
+    EXPECT_TRUE(!error && received == expected) << error.message() << ", " << received.size() << " of " << expected.size();
 }
 
 }  // namespace

@@ -2,13 +2,8 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <filesystem>
 #include <functional>
-#include <string>
-#include <string_view>
-#include <system_error>
 #include <utility>
-#include <vector>
 
 #include "persist/FileSystem.h"
 
@@ -17,16 +12,13 @@ namespace kestrin::test {
 enum class Call { Status, CreateNew, Write, Sync, Close, Rename, Link, Copy, Remove, List };
 
 inline const char* callName(Call c) {
-    return std::array{
-        "status", "createNew", "write", "sync", "close", "rename", "link", "copy", "remove", "list"}[static_cast<int>(c)];
+    return std::array{"status", "createNew", "write", "sync", "close", "rename", "link", "copy", "remove", "list"}[int(c)];
 }
 
-// How the chosen call fails; ShortWrite and DiskFull are for write calls.
-enum class Fault {
-    Error,      // returns the given errno (a close still releases its handle)
-    ShortWrite, // a write stores only part of its bytes and says so; later writes succeed
-    DiskFull,   // a write stores part of its bytes; every later write or copy fails with ENOSPC
-};
+// How the chosen call fails. Error: it returns the given errno (a close still releases its
+// handle). ShortWrite: a write stores only part of its bytes and says so; later writes succeed.
+// DiskFull: a write stores part of its bytes; every later write or copy fails with ENOSPC.
+enum class Fault { Error, ShortWrite, DiskFull };
 
 // The operating system's file system seen under another folder name, counting every call and
 // failing the ones chosen. The save is handed paths under virtualRoot, which does not exist:
@@ -37,11 +29,7 @@ public:
         : virtual_(std::move(virtualRoot)), real_(std::move(realRoot)) {}
 
     // Fails call number index (from 0); calling it again adds a further failing call.
-    void failCall(int index, Fault fault, int error = 0) {
-        failAt_.push_back(index);
-        fault_ = fault;
-        errno_ = error;
-    }
+    void failCall(int index, Fault fault, int error = 0) { failAt_.push_back(index), fault_ = fault, errno_ = error; }
 
     bool hardLinks = true;  // false: every link fails with EPERM, as on file systems without them
     std::vector<Call> calls;
@@ -58,8 +46,7 @@ public:
     std::error_code createNew(const std::filesystem::path& path, Handle& out) override {
         return guarded(Call::CreateNew, path, [&] {
             const auto ec = os().createNew(map(path), out);
-            openHandles += !ec;
-            return ec;
+            return openHandles += !ec, ec;
         });
     }
     std::error_code write(Handle file, std::string_view bytes, std::size_t& written) override {

@@ -1,19 +1,13 @@
 #pragma once
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <memory>
 #include <optional>
 #include <sstream>
-#include <string>
 #include <tuple>
-#include <utility>
-#include <vector>
 
 #include "Records.h"
 #include "TestSupport.h"
 #include "card/CIClass.h"
-#include "items/RecordArray.h"
 #include "persist/HostFields.h"
 #include "persist/LayoutReader.h"
 #include "persist/LayoutSaver.h"
@@ -26,11 +20,9 @@ using namespace std::string_literals;
 using MaybeBytes = std::optional<std::string>;
 
 inline MaybeBytes readIfPresent(const std::filesystem::path& p) {
-    std::ifstream in(p, std::ios::binary);
-    if (!in) return std::nullopt;
-    std::ostringstream bytes;
-    bytes << in.rdbuf();  // whole buffers at a time: the kill test reads large files often
-    return std::move(bytes).str();
+    std::ostringstream bytes;  // whole buffers at a time: the kill test reads large files often
+    if (std::ifstream in{p, std::ios::binary}) return (bytes << in.rdbuf(), std::move(bytes).str());
+    return std::nullopt;
 }
 
 // A layout opened from bytes on a card of the chip given, answering questions as given.
@@ -53,9 +45,8 @@ struct SavedFiles {
                 readIfPresent(folder / (stem + ".IIF.BAK"))};
     }
     void write(const std::filesystem::path& folder, const std::string& stem) const {
-        if (layout) writeBytes(folder / (stem + ".IIF"), *layout);
-        if (encode) writeBytes(folder / (stem + ".CHP"), *encode);
-        if (backup) writeBytes(folder / (stem + ".IIF.BAK"), *backup);
+        for (const auto& [bytes, ending] : {std::pair{&layout, ".IIF"}, {&encode, ".CHP"}, {&backup, ".IIF.BAK"}})
+            if (*bytes) writeBytes(folder / (stem + ending), **bytes);
     }
 };
 
@@ -69,17 +60,14 @@ inline std::vector<std::string> namesIn(const std::filesystem::path& folder) {
 // Hidden temporary files (".NAME.<n>.tmp") in folder.
 inline std::vector<std::string> hiddenTempFiles(const std::filesystem::path& folder) {
     std::vector<std::string> names = namesIn(folder);
-    std::erase_if(names, [](const std::string& name) { return !name.starts_with(".") || !name.ends_with(".tmp"); });
-    return names;
+    return std::erase_if(names, [](const std::string& n) { return !n.starts_with(".") || !n.ends_with(".tmp"); }), names;
 }
 
 // Names the contents a file is expected to hold, so that checks compare short names and a
 // failure says which content a file holds instead of printing whole layouts.
 struct KnownContents {
     std::vector<std::pair<std::string, std::string>> known_;
-    void add(std::string name, const MaybeBytes& bytes) {
-        if (bytes) known_.emplace_back(std::move(name), *bytes);
-    }
+    void add(std::string name, const MaybeBytes& bytes) { if (bytes) known_.emplace_back(std::move(name), *bytes); }
     std::string nameOf(const MaybeBytes& bytes) const {
         if (!bytes) return "absent";
         for (const auto& [name, content] : known_)
@@ -108,12 +96,11 @@ struct TwoLayouts {
                 hostFields.push_back({name, name, "Character", 1, static_cast<int16_t>(hostFields.size()), true});
             }
         fields.setFields(std::move(hostFields));
-        for (int which = 0; which < 2; ++which) {
+        for (const std::string which : {"A", "B"}) {
             TempDir one;
-            save(one.path(), which);
+            save(one.path(), which == "B");
             const SavedFiles files = SavedFiles::read(one.path(), "Card");
-            contents.add(which == 0 ? "layout A" : "layout B", files.layout);
-            contents.add(which == 0 ? "encode A" : "encode B", files.encode);
+            contents.add("layout " + which, files.layout), contents.add("encode " + which, files.encode);
         }
     }
     SaveOutcome save(const std::filesystem::path& folder, int which, FileSystem& files = systemFileSystem()) const {

@@ -94,20 +94,13 @@ TEST_P(PeStringTableFormat, AnswersLikeTheHostsStringLoader) {
     // and English give English; 33 only in German is not chosen; 48: German, English, neutral give
     // neutral; 64: French only, the first language. Only the low 16 bits of an id count.
     const std::pair<int32_t, std::optional<std::string>> cases[] = {
-        {0, "Zero"},
-        {1,
-         "Gr\xC3\xB6\xC3\x9F"
-         "e: 10 \xC3\x97 20 mm"},
-        {2,
-         "\xCE\x95\xCE\xBB\xCE\xBB\xCE\xB7\xCE\xBD\xCE\xB9\xCE\xBA\xCE\xAC \xD0\xB8 "
-         "\xD1\x80\xD1\x83\xD1\x81\xD1\x81\xD0\xBA\xD0\xB8\xD0\xB9"},
+        {0, "Zero"}, {1, "Gr\xC3\xB6\xC3\x9F" "e: 10 \xC3\x97 20 mm"},
+        {2, "\xCE\x95\xCE\xBB\xCE\xBB\xCE\xB7\xCE\xBD\xCE\xB9\xCE\xBA\xCE\xAC \xD0\xB8 "
+             "\xD1\x80\xD1\x83\xD1\x81\xD1\x81\xD0\xBA\xD0\xB8\xD0\xB9"},
         {3, "\xE6\x97\xA5\xE6\x9C\xAC\xE8\xAA\x9E\xE3\x81\xAE\xE3\x83\x86\xE3\x82\xAD\xE3\x82\xB9\xE3\x83\x88"},
         {4, "Emoji \xF0\x9F\x98\x80 outside the BMP"}, {5, repeated("0123456789", 30).substr(0, 255)}, {6, std::nullopt},
         {7, std::nullopt}, {8, std::string(254, 'a')}, {9, "Two lines\nsecond line"}, {10, repeated("\xC3\xA4", 255)},
-        {15, "Fifteen"}, {16, std::nullopt}, {32, "English"}, {33, std::nullopt}, {48, "Neutral"},
-        {64,
-         "Fran\xC3\xA7"
-         "ais"},
+        {15, "Fifteen"}, {16, std::nullopt}, {32, "English"}, {33, std::nullopt}, {48, "Neutral"}, {64, "Fran\xC3\xA7" "ais"},
         {5000, std::nullopt}, {65535, "Last id"}, {-1, "Last id"}, {65536, "Zero"}, {65536 * 7 + 32, "English"},
         {INT32_MIN, "Zero"}};
     for (const auto& [id, text] : cases) EXPECT_EQ(table->lookup(id), text) << "id " << id;
@@ -127,25 +120,27 @@ INSTANTIATE_TEST_SUITE_P(Formats, PeStringTableFormat, ::testing::Bool(),
 
 // A text of exactly 255 units fits and comes back whole, even when it ends in a high surrogate
 // and what follows it in memory is a low one; a longer text is cut before the pair it would split.
-TEST(TextCut, AtTheLimitCountsOnlyTheTextsOwnUnits) {
+// The last code point below U+10000 takes three bytes of UTF-8, the first beyond it four.
+TEST(Utf16Text, IsCutAtTheLimitAndConvertedToUtf8) {
     const std::u16string units = std::u16string(254, u'a') + u"\U0001F600";
     EXPECT_EQ(cutUtf16(std::u16string_view(units).substr(0, 255)).size(), 255u);
     EXPECT_EQ(cutUtf16(units).size(), 254u);
+    EXPECT_EQ(utf16ToUtf8(u"\uFFFF\U00010000"), "\xEF\xBF\xBF\xF0\x90\x80\x80");
 }
 
 std::string withTable(const ByteWriter& rsrc) { return peImage(rsrc.s).s; }
+// A resource table whose one type entry (string tables) points at target.
+ByteWriter stringType(uint32_t target) { return ByteWriter().directory(0, 1).entry(6, target); }
 // A resource table down to one language entry; what it points at follows from offset 0x48.
 ByteWriter oneLanguage(uint32_t target) {
-    return ByteWriter().directory(0, 1).entry(6, Subdirectory | 0x18).directory(0, 1).entry(1, Subdirectory | 0x30)
-        .directory(0, 1).entry(0x0409, target);
+    return stringType(Subdirectory | 0x18).directory(0, 1).entry(1, Subdirectory | 0x30).directory(0, 1).entry(0x0409, target);
 }
 // A well-formed image: one string block, "ok" in English.
 ByteWriter soundImage() { return peImage(oneLanguage(0x48).dataEntry(ResourceRva + 0x58, 36).block({u"ok"}).s); }
 std::string patched(std::size_t at, uint32_t value, int width = 4) { return soundImage().put(at, value, width).s; }
 // 4096 blocks that all share one language directory of 65535 entries.
 std::string hugeTree() {
-    ByteWriter rsrc;
-    rsrc.directory(0, 1).entry(6, Subdirectory | 0x18).directory(0, 4096);
+    ByteWriter rsrc = stringType(Subdirectory | 0x18).directory(0, 4096);
     const uint32_t languages = 0x18 + 16 + 4096 * 8, data = languages + 16 + 0xFFFF * 8;
     for (uint32_t block = 1; block <= 4096; ++block) rsrc.entry(block, Subdirectory | languages);
     rsrc.directory(0, 0xFFFF);
@@ -161,33 +156,33 @@ TEST(PeStringTableHostile, IsRefusedWithItsReason) {
         {patched(0x40, 'N' | 'E' << 8, 2), "16-bit Windows (NE)"}, {patched(0x40, 'L' | 'E' << 8, 2), "no PE signature"},
         {sound.substr(0, 0x4A), "COFF header is incomplete"},
         {sound.substr(0, OptionalHeader + 50), "optional header is incomplete"},
+        {patched(0x54, 1, 2), "optional header is incomplete"},  // shorter than its magic
         {patched(OptionalHeader, 0x107, 2), "magic 0x107"}, {patched(0x46, 0xFFFF, 2), "section table is incomplete"},
         {patched(resourceDirectoryAt(false), 0x9000), "resource table lies outside every section"},
         {patched(0x46, 0, 2), "resource table lies outside every section"},  // no sections; the header still follows
         {patched(sectionTableAt(false) + 16, 0), "lies outside its section's data"},
         {patched(sectionTableAt(false) + 20, 0x7FFFFFFF), "ends past the end of the file"},
         {patched(ResourceSection + 14, 0xFFFF, 2), "entries run past the end"},
-        {withTable(ByteWriter().directory(0, 1).entry(6, Subdirectory)), "deeper than three levels"},
-        {withTable(ByteWriter().directory(0, 1).entry(6, 0x18).dataEntry(ResourceRva, 4)),
-         "string-table entry is not a directory"},
-        {withTable(
-             ByteWriter().directory(0, 1).entry(6, Subdirectory | 0x18).directory(0, 1).entry(1, 0x30).dataEntry(ResourceRva, 4)),
+        {withTable(stringType(Subdirectory)), "deeper than three levels"},
+        {withTable(stringType(0x18).dataEntry(ResourceRva, 4)), "string-table entry is not a directory"},
+        {withTable(stringType(Subdirectory | 0x18).directory(0, 1).entry(1, 0x30).dataEntry(ResourceRva, 4)),
          "string block 1 is not a directory"},
-        {withTable(ByteWriter().directory(0, 1).entry(6, Subdirectory | 0x7FFFFFF0)), "directory lies past the end"},
+        {withTable(stringType(Subdirectory | 0x7FFFFFF0)), "directory lies past the end"},
         {withTable(oneLanguage(0x7FFFFFF0)), "data entry lies past the end"},
         {withTable(oneLanguage(0x48).dataEntry(0x80000000, 34)), "data of string block 1 lies outside every section"},
         {withTable(oneLanguage(0x48).dataEntry(ResourceRva, 0x10000)), "data of string block 1 runs past its section's data"},
         // The block at 0x58: a text of 300 units in 8 bytes; then 4 of its 16 slots in 10 bytes.
-        {withTable(oneLanguage(0x48).dataEntry(ResourceRva + 0x58, 8).u16(300).u32(0).u16(0)),
-         "a text runs past the block's end"},
-        {withTable(oneLanguage(0x48).dataEntry(ResourceRva + 0x58, 10).u16(1).u16('a').u32(0).u16(0)),
-         "ends before its 16 texts"},
+        {withTable(oneLanguage(0x48).dataEntry(ResourceRva + 0x58, 8).u16(300).u32(0).u16(0)), "a text runs past the block's end"},
+        {withTable(oneLanguage(0x48).dataEntry(ResourceRva + 0x58, 10).u16(1).u16('a').u32(0).u16(0)), "ends before its 16 texts"},
         {hugeTree(), "too many directory entries"}};
     for (const auto& [image, reason] : cases) {
         std::string error;
         EXPECT_EQ(PeStringTable::parse(image, &error), nullptr) << reason;
         EXPECT_NE(error.find(reason), std::string::npos) << "expected " << reason << ", error was: " << error;
     }
+    // An optional header of its magic alone names no resource table: the image has no texts.
+    const auto magicOnly = parsed(patched(0x54, 2, 2));
+    EXPECT_TRUE(magicOnly && magicOnly->size() == 0u);
 }
 
 }  // namespace

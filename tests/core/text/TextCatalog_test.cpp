@@ -30,39 +30,27 @@ using Texts = std::vector<std::pair<int32_t, std::optional<std::string>>>;
 
 TEST(TextCatalog, GivesTheTextsAsWritten) {
     const std::tuple<const char*, std::string, Texts> cases[] = {
-        {"LineEnds",
-         "3106=Value\r\n3107=Step\n1=a\r\r\n2=no final newline",
+        {"LineEnds", "3106=Value\r\n3107=Step\n1=a\r\r\n2=no final newline",
          {{3106, "Value"}, {3107, "Step"}, {1, "a\r"}, {2, "no final newline"}, {3108, std::nullopt}}},
-        {"BomOnlyAtStart",
-         "\xEF\xBB\xBF"
-         "3106=Value\n1=\xEF\xBB\xBFx\n",
-         {{3106, "Value"}, {1, "\xEF\xBB\xBFx"}}},
-        {"CommentsAndBlanks",
-         "# header\n\n   \n\t# indented comment\n  \t42 \t=text\n#2=two\n",
+        {"BomOnlyAtStart", "\xEF\xBB\xBF" "3106=Value\n1=\xEF\xBB\xBFx\n", {{3106, "Value"}, {1, "\xEF\xBB\xBFx"}}},
+        {"CommentsAndBlanks", "# header\n\n   \n\t# indented comment\n  \t42 \t=text\n#2=two\n",
          {{42, "text"}, {2, std::nullopt}}},
-        {"TextKeptAsWritten",
-         "1= leading and trailing  \n2=a = b # not a comment\n3=#hash\n",
+        {"TextKeptAsWritten", "1= leading and trailing  \n2=a = b # not a comment\n3=#hash\n",
          {{1, " leading and trailing  "}, {2, "a = b # not a comment"}, {3, "#hash"}}},
-        {"Escapes",
-         "1=Line one\\nLine two\n2=a\\tb\\rc\n3=C:\\\\layouts\\old\n4=ends\\\n5=\\\\n\n",
+        {"Escapes", "1=Line one\\nLine two\n2=a\\tb\\rc\n3=C:\\\\layouts\\old\n4=ends\\\n5=\\\\n\n",
          {{1, "Line one\nLine two"}, {2, "a\tb\rc"}, {3, "C:\\layouts\\old"}, {4, "ends\\"}, {5, "\\n"}}},
         {"LaterLineWins", "1=first\n1=second\n2=first\n2=\n3=\n", {{1, "second"}, {2, std::nullopt}, {3, std::nullopt}}},
         // Only the low 16 bits of a looked-up id count.
-        {"Ids",
-         "007=agent\n0=zero\n65535=last\n32=x\n",
+        {"Ids", "007=agent\n0=zero\n65535=last\n32=x\n",
          {{7, "agent"}, {0, "zero"}, {65535, "last"}, {-1, "last"}, {65536, "zero"}, {65536 * 3 + 32, "x"}, {INT32_MIN, "zero"}}},
-        {"NonAscii",
-         "1=Gr\xC3\xB6\xC3\x9F"
-         "e \xE6\x97\xA5 \xF4\x8F\xBF\xBF\n",
-         {{1,
-           "Gr\xC3\xB6\xC3\x9F"
-           "e \xE6\x97\xA5 \xF4\x8F\xBF\xBF"}}},
+        {"NonAscii",  // with the lowest two- and four-byte leads
+         "1=\xC2\xA9 Gr\xC3\xB6\xC3\x9F" "e \xE6\x97\xA5 \xF0\x90\x80\x80 \xF4\x8F\xBF\xBF\n",
+         {{1, "\xC2\xA9 Gr\xC3\xB6\xC3\x9F" "e \xE6\x97\xA5 \xF0\x90\x80\x80 \xF4\x8F\xBF\xBF"}}},
         {"CutAt255Units",
          "1=" + std::string(300, 'x') + "\n2=" + repeated("\xC3\xA4", 300) + "\n3=" + std::string(254, 'a') + kEmoji +
              "\n4=" + std::string(253, 'a') + kEmoji + "z\n5=" + repeated("\\n", 300),
-         {{1, std::string(255, 'x')},
-          {2, repeated("\xC3\xA4", 255)}, {3, std::string(254, 'a')}, {4, std::string(253, 'a') + kEmoji},
-          {5, std::string(255, '\n')}}},
+         {{1, std::string(255, 'x')}, {2, repeated("\xC3\xA4", 255)}, {3, std::string(254, 'a')},
+          {4, std::string(253, 'a') + kEmoji}, {5, std::string(255, '\n')}}},
         {"Empty", "", {{0, std::nullopt}}}};
     for (const auto& [name, content, expected] : cases) {
         SCOPED_TRACE(name);
@@ -78,15 +66,10 @@ TEST(TextCatalog, ListsEachMalformedLineAndKeepsTheRest) {
     // Line 1 is a comment once the byte order mark is skipped; lines 11-19 are no UTF-8:
     // Windows-1252, overlong forms, a surrogate, above U+10FFFF, cut short, a stray
     // continuation byte, a lead byte that never starts a character.
-    std::string content =
-        "\xEF\xBB\xBF# the catalog\n1=one\nno equals sign\n=no id\n12a=letters\n-1=negative\n65536=too big\n+5=plus\n1 2=two "
-        "numbers\n4=four\r\n";
-    for (const char* text : {"Gr\xF6\xDF"
-                             "e",
-                             "\xC0\x80", "\xE0\x80\x80", "\xF0\x80\x80\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "ab\xE2\x82",
-                             "\x80"
-                             "a",
-                             "\xF5\x80\x80\x80"})
+    std::string content = "\xEF\xBB\xBF# the catalog\n1=one\nno equals sign\n=no id\n12a=letters\n-1=negative\n65536=too big\n"
+                          "+5=plus\n1 2=two numbers\n4=four\r\n";
+    for (const char* text : {"Gr\xF6\xDF" "e", "\xC0\x80", "\xE0\x80\x80", "\xF0\x80\x80\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80",
+                             "ab\xE2\x82", "\x80" "a", "\xF5\x80\x80\x80"})
         content += std::string("3=") + text + "\n";
     std::string error;
     const auto catalog = TextCatalog::parse(content, &error);
@@ -131,8 +114,8 @@ TEST(CatalogRegistry, GivesEachLibraryAHandleNeverGivenBefore) {
     EXPECT_EQ(registry.find(first)->lookup(3105), "Only in the standard library");
     // The last shares its low 32 bits with first on 64-bit builds, as a module handle may.
     const LanguageHandle wide = first + (LanguageHandle{1} << (sizeof(LanguageHandle) * 8 - 2));
-    const std::initializer_list<LanguageHandle> unknowns{0, -1, first + 1, first - 1, -first, INT32_MAX, INT32_MIN, wide};
-    for (const LanguageHandle unknown : unknowns)
+    for (const LanguageHandle unknown :
+         std::initializer_list<LanguageHandle>{0, -1, first + 1, first - 1, -first, INT32_MAX, INT32_MIN, wide})
         EXPECT_EQ(registry.find(unknown), nullptr) << unknown;
     EXPECT_EQ(std::tuple(other.find(first), other.close(first)), std::tuple(nullptr, false));  // registries share nothing
     EXPECT_FALSE(registry.close(0));
@@ -155,49 +138,34 @@ TEST(CatalogRegistry, RefusesWhatIsNoLibraryNorUtf8TextWithAMessageNamingTheFile
     writeBytes(dir / "be.txt", std::string("\xFE\xFF\0" "1\0=\0a", 8));
     writeBytes(dir / "huge.txt", "1=one\n");
     std::filesystem::resize_file(dir / "huge.txt", CatalogRegistry::MaxFileSize + 1);  // sparse, quick to make
-    const std::pair<std::filesystem::path, const char*> cases[] = {{dir / "absent.dll", "no such file"},
-                                                                   {dir.path(), "a folder"},
-                                                                   {dir / "huge.txt", "larger than 64 MiB"},
-                                                                   {dir / "cut.dll", "truncated"}, {dir / "x.png", "NUL"},
-                                                                   {dir / "le.txt", "UTF-16"},
-                                                                   {dir / "be.txt", "UTF-16"}};
+    const std::pair<std::filesystem::path, const char*> cases[] = {
+        {dir / "absent.dll", "no such file"}, {dir.path(), "a folder"}, {dir / "huge.txt", "larger than 64 MiB"},
+        {dir / "cut.dll", "truncated"}, {dir / "x.png", "NUL"}, {dir / "le.txt", "UTF-16"}, {dir / "be.txt", "UTF-16"}};
     CatalogRegistry registry;
     for (const auto& [path, reason] : cases) {
         std::string error;
-        EXPECT_EQ(std::tuple(registry.open(path, &error), registry.open(path)), std::tuple(0, 0))
-            << path;  // the error text is optional
+        EXPECT_EQ(std::tuple(registry.open(path, &error), registry.open(path)), std::tuple(0, 0)) << path;  // error optional
         EXPECT_TRUE(error.find(path.string()) != std::string::npos && error.find(reason) != std::string::npos) << error;
     }
     EXPECT_EQ(registry.size(), 0u);
 }
 
-const std::string NotFound(Translator::NotFoundText);
-const std::string StandardText = "Standard: select an item first.";
 const std::string CustomText = "Custom: W\xC3\xA4hlen Sie zuerst ein Element.";
 
 // The standard and custom library as DLLs (true) or as text catalogs (false).
-class TranslatorFallback : public ::testing::TestWithParam<bool> {
-protected:
-    const char* customFile() const { return GetParam() ? "custom.dll" : "custom.txt"; }
-    void SetUp() override {
-        standard = openOrFail(registry, Lang / (GetParam() ? "standard.dll" : "standard.txt"));
-        custom = openOrFail(registry, Lang / customFile());
-        ASSERT_TRUE(standard && custom);
-        translator.setLanguageDLL(standard);
-        translator.setCustomLanguageDLL(custom);
-    }
-    CatalogRegistry registry;
-    Translator translator{&registry};
-    int32_t standard = 0, custom = 0;
-};
+class TranslatorFallback : public ::testing::TestWithParam<bool> {};
 
 TEST_P(TranslatorFallback, TriesCustomThenStandardThenDefault) {
+    CatalogRegistry registry;
+    Translator translator{&registry};
+    translator.setLanguageDLL(openOrFail(registry, Lang / (GetParam() ? "standard.dll" : "standard.txt")));
+    translator.setCustomLanguageDLL(openOrFail(registry, Lang / (GetParam() ? "custom.dll" : "custom.txt")));
     const std::tuple<int32_t, const char*, std::string> cases[] = {
         {3104, "<Remove>", CustomText},  // in both: custom wins
         {3105, "<Remove?>", "Only in the standard library"}, {3106, "<Value>", "Only in the custom library"},
-        {3107, "<Step>", "<Step>"}, {3107, "", NotFound},  // in neither
+        {3107, "<Step>", "<Step>"}, {3107, "", std::string(Translator::NotFoundText)},  // in neither
         {3108, "", "Standard text behind an empty custom one"},  // empty counts as none
-        {3109, "", repeated("0123456789", 30).substr(0, 255)},                       // 300 characters, cut
+        {3109, "", repeated("0123456789", 30).substr(0, 255)},  // 300 characters, cut
         {3110, "", "Standard: two lines\nGr\xC3\xB6\xC3\x9F" "e"}, {3104 + 65536, "", CustomText}};
     for (const auto& [id, defaultText, expected] : cases) EXPECT_EQ(translator.text(id, defaultText), expected) << "id " << id;
 }
