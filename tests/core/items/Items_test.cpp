@@ -59,16 +59,14 @@ struct ViewCase { IClassType chip; int view; std::vector<std::string> titles; st
                   std::vector<int32_t> pageNumbers; std::vector<std::pair<int32_t, bool>> parts; std::string pagesHeading; };
 
 TEST(PreviewViews, TitlesPositionPagesAndHeading) {
-    for (const ViewCase& c :
-         {ViewCase{iSmallOnePage, 0, {"<Card Layout>"}, "", {0}, {{0, true}}, ""},
-          ViewCase{iBigOnePage, 0, {"Blocks 0 - 31", "Blocks 32 - 63"}, "Blocks 0 - 63 of 255", {0}, {{0, true}, {1, false}}, ""},
-          ViewCase{iBigOnePage, 1, {"Blocks 64 - 95 ", "Blocks 96 - 127"}, "Blocks 64 - 127 of 255", {0}, {{2, false}, {3, false}},
-                   ""},
-          ViewCase{iBigOnePage, 3, {"Blocks 192 - 223", "Blocks 224 - 255"}, "Blocks 192 - 255 of 255", {0},
-                   {{6, false}, {7, false}}, ""},
-          ViewCase{iBigEightPages, 0, {"Page 0", "Page 1"}, "Pages 0/1 of 7", {0, 1}, {{0, true}, {0, false}}, "<PAGES> 0 <and> 1"},
-          ViewCase{iBigEightPages, 3, {"Page 6", "Page 7"}, "Pages 6/7 of 7", {6, 7}, {{0, false}, {0, false}},
-                   "<PAGES> 6 <and> 7"}}) {
+    const ViewCase cases[] = {
+        {iSmallOnePage, 0, {"<Card Layout>"}, "", {0}, {{0, true}}, ""},
+        {iBigOnePage, 0, {"Blocks 0 - 31", "Blocks 32 - 63"}, "Blocks 0 - 63 of 255", {0}, {{0, true}, {1, false}}, ""},
+        {iBigOnePage, 1, {"Blocks 64 - 95 ", "Blocks 96 - 127"}, "Blocks 64 - 127 of 255", {0}, {{2, false}, {3, false}}, ""},
+        {iBigOnePage, 3, {"Blocks 192 - 223", "Blocks 224 - 255"}, "Blocks 192 - 255 of 255", {0}, {{6, false}, {7, false}}, ""},
+        {iBigEightPages, 0, {"Page 0", "Page 1"}, "Pages 0/1 of 7", {0, 1}, {{0, true}, {0, false}}, "<PAGES> 0 <and> 1"},
+        {iBigEightPages, 3, {"Page 6", "Page 7"}, "Pages 6/7 of 7", {6, 7}, {{0, false}, {0, false}}, "<PAGES> 6 <and> 7"}};
+    for (const ViewCase& c : cases) {
         CIClass card;
         card.setChipSize(c.chip);
         const PreviewView v = previewView(card, c.view, tr);
@@ -135,9 +133,7 @@ INSTANTIATE_TEST_SUITE_P(Chips, PageAreas, ::testing::Values(
     AreaCase{"Eight1Boundary6", iBigEightPages, true, 1, 0, 6, false, true, false, 33, 0, 7, 7, 8}),
     [](const auto& p) { return std::string(p.param.name); });
 
-ItemRecord item(const char* name, int page, int block, int byte, int bytes) {
-    return field(name, page, block, byte, bytes, 0, kItem);
-}
+ItemRecord item(const char* name, int page, int block, int byte, int n) { return field(name, page, block, byte, n, 0, kItem); }
 
 TEST(PageMap, PaintsExactlyTheBytesTouched) {
     using Cells = std::vector<std::pair<int, int>>;  // (row, column) showing the item, in reading order

@@ -231,7 +231,7 @@ TEST_P(LayoutRoundTripProperty, SaveOpenSaveKeepsRecordsAndBytes) {
         const bool inOrder = caseNumber % 4 != 1;
         const RecordArray records = inOrder ? inReadingOrder(l.records) : l.records;
         const std::string first = save(l.card, records);
-        CIClass card;
+        CIClass card, again;
         const RecordArray opened = open(card);
         EXPECT_EQ(std::tuple(card.ChipSize(), card.UseHIDSection(), card.EnableBitwise()),
                   std::tuple(l.card.ChipSize(), l.card.UseHIDSection(), l.card.EnableBitwise()));
@@ -239,7 +239,6 @@ TEST_P(LayoutRoundTripProperty, SaveOpenSaveKeepsRecordsAndBytes) {
         ASSERT_EQ(opened.records(), inReadingOrder(records).records());
         const std::string second = save(card, opened);
         if (!inOrder) {
-            CIClass again;
             ASSERT_EQ(open(again).records(), opened.records());
         }
         ASSERT_TRUE((inOrder ? first : save(card, opened)) == second) << first << "\n----\n" << second;

@@ -53,32 +53,30 @@ TEST(LayoutProperties, BoxOfPageNMinusOneIsComparedWithItemsOfPageNTheHidAreaWit
     EXPECT_TRUE(acceptLayoutProperties(checkLayoutProperties(allAt("16"), false, records, tr), prompter));
 }
 
-DbUpdateEntries entries(std::string function, std::string constant, std::string number, std::string step, bool hex = false,
-                        std::string field = "NUMBER") {
+DbUpdateEntries upd(std::string function, std::string constant, std::string number, std::string step, bool hex = false,
+                    std::string field = "NUMBER") {
     return {std::move(function), std::move(field), 4, std::move(constant), std::move(number), std::move(step), hex};
 }
 
 TEST(EditorEntries, DatabaseUpdateAndItemEntriesAreCheckedAndBecomeOneRecord) {
     using Box = DbUpdateBox;
     const std::tuple<DbUpdateEntries, int32_t, Box, std::string, std::string> cases[] = {
-        {entries("Constant", "0", "", ""), 0, Box::None, "0", ""}, {entries("Constant", "255", "", ""), 0, Box::None, "255", ""},
-        {entries("Constant", "007", "", ""), 0, Box::None, "7", ""}, {entries("Count", "", "10", "255"), 0, Box::None, "10", "255"},
-        {entries("Constant", "256", "", ""), kTextOutOfRange, Box::ConstantValue, "", ""},
-        {entries("Constant", "", "", ""), kTextOutOfRange, Box::ConstantValue, "", ""},
-        {entries("Count", "", "1", "256"), kTextOutOfRange, Box::CountStep, "", ""},
-        {entries("Count", "", "", "1"), kTextOutOfRange, Box::CountNumber, "", ""},
-        {entries("CardSnNr", "999", "", ""), 0, Box::None, "0", ""}, {entries("CardSnNr", "", "", "", true), 0, Box::None, "1", ""},
-        {entries("Constant", "1", "", "", false, ""), kTextIncomplete, Box::Fields, "", ""}};
+        {upd("Constant", "0", "", ""), 0, Box::None, "0", ""}, {upd("Constant", "255", "", ""), 0, Box::None, "255", ""},
+        {upd("Constant", "007", "", ""), 0, Box::None, "7", ""}, {upd("Count", "", "10", "255"), 0, Box::None, "10", "255"},
+        {upd("Constant", "256", "", ""), kTextOutOfRange, Box::ConstantValue, "", ""},
+        {upd("Constant", "", "", ""), kTextOutOfRange, Box::ConstantValue, "", ""},
+        {upd("Count", "", "1", "256"), kTextOutOfRange, Box::CountStep, "", ""},
+        {upd("Count", "", "", "1"), kTextOutOfRange, Box::CountNumber, "", ""},
+        {upd("CardSnNr", "999", "", ""), 0, Box::None, "0", ""}, {upd("CardSnNr", "", "", "", true), 0, Box::None, "1", ""},
+        {upd("Constant", "1", "", "", false, ""), kTextIncomplete, Box::Fields, "", ""}};
     for (const auto& [e, textId, focus, param1, param2] : cases) {
         SCOPED_TRACE(e.function + " " + e.constantText + " " + e.countNumberText + " " + e.countStepText);
         const auto v = dbUpdateViolation(e, tr);
         EXPECT_EQ(v ? std::pair(v->textId, v->focus) : std::pair(0, Box::None), std::pair(textId, focus));
         const ItemRecord r = dbUpdateRecordOf(e);
-        if (!v) {
-            EXPECT_EQ(
-                std::tuple(r.isDbUpdate, r.name, r.dbFieldName, r.dbColumn, r.param1, r.param2, dbUpdateEntriesOf(r).function),
-                std::tuple(true, e.function, "NUMBER", 4, param1, param2, e.function));
-        }
+        if (v) continue;
+        EXPECT_EQ(std::tuple(r.isDbUpdate, r.name, r.dbFieldName, r.dbColumn, r.param1, r.param2, dbUpdateEntriesOf(r).function),
+                  std::tuple(true, e.function, "NUMBER", 4, param1, param2, e.function));
     }
     // The item editor's record has the kind, place and size of its mode.
     const std::pair<int32_t, const char*> modes[] = {
@@ -87,8 +85,7 @@ TEST(EditorEntries, DatabaseUpdateAndItemEntriesAreCheckedAndBecomeOneRecord) {
         EditorEntries e;
         e.mode = mode, e.itemName = "NAME", e.fieldType = 0, e.sizeText = "4", e.encodeOption = 0;
         e.page = 0, e.row = 20, e.beginByte = 3, e.beginBit = 2;
-        e.function.kind = FunctionKind::Count;
-        e.function.countNumberText = e.function.countStepText = "1";
+        e.function.kind = FunctionKind::Count, e.function.countNumberText = e.function.countStepText = "1";
         const ItemRecord r = itemRecordOf(e, 0x123456);
         EXPECT_EQ(std::tuple(kindWord(r), r.name, r.page, r.block, r.beginByte, r.color, isBitMode(mode) ? r.numBits : r.numBytes,
                              r.beginBit, placementRequestOf(e).beginBit),
@@ -199,29 +196,26 @@ struct ValuesCase { FunctionInput input; int32_t mode; std::array<std::string, 3
                     int16_t initValue; std::array<int16_t, 5> range; };
 
 TEST(FunctionValues, AreStoredAndReadBack) {
-    for (const ValuesCase& c : {
-             ValuesCase{In{.constantText = "300"}, 1, {"300", "", ""}, {}, 0, {}},
-             ValuesCase{In{.option = 1, .valueFromField = true, .fieldName = "Name"}, 3, {"Name", "", ""}, {}, 0, {}},
-             ValuesCase{In{.kind = K::Count, .option = 1, .countNumberText = "10", .countStepText = "5"}, 1, {"5", "10", "1"}, {},
-                        0, {}},
-             ValuesCase{In{.kind = K::Count, .valueFromField = true, .fieldName = "Id", .countStepText = "2"}, 3, {"2", "Id", "0"},
-                        {}, 0, {}},
-             ValuesCase{In{.kind = K::CardSnNr, .option = 3}, 1, {"3", "", ""}, {}, 0, {}},
-             ValuesCase{In{.kind = K::Checksum, .option = 2, .polynomText = "263", .startValueText = "0", .rangePage = 1,
-                           .rangeRow = 19, .rangeCountText = "8"},
-                        1, {"2", "", ""}, {263, 0}, 0, {1, 19, 0, 8, 0}},
-             // A bit checksum keeps its range in bits.
-             ValuesCase{In{.kind = K::Checksum, .option = 3, .startValueText = "1", .rangePage = 2, .rangeRow = 20,
-                           .rangeBeginByte = 3, .rangeBeginBit = 5, .rangeCountText = "12"},
-                        3, {"3", "", ""}, {}, 1, {2, 20, 3, 5, 96}},
-             ValuesCase{In{.kind = K::Checksum, .option = 1, .startValueText = "7", .rangePage = 1, .rangeRow = 21,
-                           .rangeCountText = "16"},
-                        1, {"1", "", ""}, {}, 7, {1, 21, 0, 16, 0}}}) {
+    const ValuesCase cases[] = {
+        {In{.constantText = "300"}, 1, {"300", "", ""}, {}, 0, {}},
+        {In{.option = 1, .valueFromField = true, .fieldName = "Name"}, 3, {"Name", "", ""}, {}, 0, {}},
+        {In{.kind = K::Count, .option = 1, .countNumberText = "10", .countStepText = "5"}, 1, {"5", "10", "1"}, {}, 0, {}},
+        {In{.kind = K::Count, .valueFromField = true, .fieldName = "Id", .countStepText = "2"}, 3, {"2", "Id", "0"}, {}, 0, {}},
+        {In{.kind = K::CardSnNr, .option = 3}, 1, {"3", "", ""}, {}, 0, {}},
+        {In{.kind = K::Checksum, .option = 2, .polynomText = "263", .startValueText = "0", .rangePage = 1, .rangeRow = 19,
+            .rangeCountText = "8"}, 1, {"2", "", ""}, {263, 0}, 0, {1, 19, 0, 8, 0}},
+        // A bit checksum keeps its range in bits.
+        {In{.kind = K::Checksum, .option = 3, .startValueText = "1", .rangePage = 2, .rangeRow = 20, .rangeBeginByte = 3,
+            .rangeBeginBit = 5, .rangeCountText = "12"}, 3, {"3", "", ""}, {}, 1, {2, 20, 3, 5, 96}},
+        {In{.kind = K::Checksum, .option = 1, .startValueText = "7", .rangePage = 1, .rangeRow = 21, .rangeCountText = "16"},
+         1, {"1", "", ""}, {}, 7, {1, 21, 0, 16, 0}}};
+    for (const ValuesCase& c : cases) {
         ItemRecord r;
         r.isFunction = c.mode == 1, r.isBitFunction = c.mode == 3;
         r.param2 = "stale", r.initValue = 99, r.polynomial = {9, 9};
         applyFunctionValues(c.input, c.mode, r);
-        EXPECT_EQ(std::tuple(r.name, std::array<std::string, 3>{r.param1, r.param2, r.param3}, r.polynomial, r.initValue, r.range),
+        const std::array<std::string, 3> params{r.param1, r.param2, r.param3};
+        EXPECT_EQ(std::tuple(r.name, params, r.polynomial, r.initValue, r.range),
                   std::tuple(functionWord(c.input.kind), c.params, c.polynomial, c.initValue, c.range));
         EXPECT_EQ(functionInputOf(r), c.input);
     }
@@ -229,9 +223,8 @@ TEST(FunctionValues, AreStoredAndReadBack) {
 
 TEST(FunctionValuesStorage, SaturatesReadsUnknownChoicesAsOptionZeroAndFillsTheRequest) {
     ItemRecord r;
-    applyFunctionValues(
-        In{.kind = K::Checksum, .option = 2, .polynomText = "70000", .startValueText = "4294967295", .rangeCountText = "-40000"},
-        1, r);
+    applyFunctionValues(In{.kind = K::Checksum, .option = 2, .polynomText = "70000", .startValueText = "4294967295",
+                           .rangeCountText = "-40000"}, 1, r);
     EXPECT_EQ(std::tuple(r.polynomial, r.range[3]), std::tuple(std::array<int16_t, 2>{32767, 32767}, -32768));
     r = ItemRecord{};
     r.name = "Checksum", r.param1 = "9", r.initValue = 4;

@@ -39,9 +39,7 @@ PlacementRequest fn(const std::string& word, int mode, int option, int size, con
 PlacementRequest onPage(int page, int row, int byte, int size) {
     return at(row, byte, size, kModeField, "Name", -1, [page](auto& q) { q.page = static_cast<int16_t>(page); });
 }
-PlacementRequest sized(const std::string& text) {
-    return at(19, 0, 1, kModeField, "Name", -1, [text](auto& q) { q.nrBytesText = text; });
-}
+PlacementRequest sized(std::string t) { return at(19, 0, 1, kModeField, "Name", -1, [t](auto& q) { q.nrBytesText = t; }); }
 PlacementRequest check(int mode, int option, int size, const char* polynom = "", const char* start = "") {
     return fn("Checksum", mode, option, size, [=](auto& q) { q.polynomText = polynom, q.startValueText = start; });
 }
@@ -99,12 +97,11 @@ const std::vector<RuleCase> kRules{
     {"CardSnNrHex", snr(1, 10), kTextCardSnNrHex}, {"CardSnNrMotorola", snr(2, 8), kTextCardSnNrMotorola},
     {"CardSnNrIntel4", snr(3, 4), 0}, {"CardSnNrIntel5", snr(3, 5), kTextCardSnNrIntel},
     {"CardSnNrNoRepresentationNoSizeRule", snr(4, 3), 0}, {"ChecksumTwoBytes", check(kF, kCrc, 2), kTextChecksumOneByte},
-    {"ByteCrcOk", check(kF, kCrc, 1, "263", "0"), 0},
+    {"ByteCrcOk", check(kF, kCrc, 1, "263", "0"), 0}, {"BitParity2", check(kBF, kChecksumParity, 2), kTextNotExactly, B::NrBytes},
     {"ByteCrcPolynomial256", check(kF, kCrc, 1, "256", "0"), kTextOutOfRange, B::Polynom},
     {"ByteCrcStart256", check(kF, kCrc, 1, "263", "256"), kTextOutOfRange, B::StartValue},
     {"ByteParityStart2", check(kF, kChecksumParity, 1, "", "2"), kTextOutOfRange, B::StartValue},
     {"BitAdd8", check(kBF, kChecksumAdd, 8), 0}, {"BitAdd7", check(kBF, kChecksumAdd, 7), kTextNotExactly, B::NrBytes},
-    {"BitParity2", check(kBF, kChecksumParity, 2), kTextNotExactly, B::NrBytes},
     {"BitCrcOk", check(kBF, kCrc, 4, "17", "15"), 0}, {"BitCrcStartZero", check(kBF, kCrc, 4, "17", "0"), 0},
     {"BitCrc9Bits", check(kBF, kCrc, 9, "17", "15"), kTextOutOfRange, B::NrBytes},
     {"BitCrcPolynomialTooSmall", check(kBF, kCrc, 4, "16", "15"), kTextOutOfRange, B::Polynom},
@@ -122,10 +119,9 @@ INSTANTIATE_TEST_SUITE_P(Cases, Placement, ::testing::ValuesIn(kRules), [](const
 
 class Overlap : public ::testing::Test {
 protected:
-    Overlap() { card.setChipSize(iSmallOnePage); }
     PlacementResult place(const PlacementRequest& q) { return ValidatePlacement(q, card, records, prompter, tr); }
     std::vector<PlacementViolation> violations(const PlacementRequest& q) { return placementViolations(q, card, records, tr); }
-    CIClass card;
+    CIClass card = chipOf(iSmallOnePage);
     RecordArray records;
     RecordingPrompter prompter{Answer::Ok};
 };
@@ -154,8 +150,8 @@ TEST_F(Overlap, AsksAndReplacesOnOk) {
 // question; the same name of another kind there is asked about.
 TEST_F(Overlap, TheSameItemPlacedAgainInItsOwnModeReplacesItselfUnasked) {
     const std::tuple<ItemRecord, PlacementRequest, bool> cases[] = {
-        {field("Name", 0, 20, 0, 4), at(20, 0, 4), false}, {function("Count", "1", "0", "0", 0, 20, 0, 4), fn("Count", kF, -1, 4), false},
-        {bitField("Flag", 0, 20, 0, 0, 3), bits(20, 0, 0, 3), false},
+        {field("Name", 0, 20, 0, 4), at(20, 0, 4), false}, {bitField("Flag", 0, 20, 0, 0, 3), bits(20, 0, 0, 3), false},
+        {function("Count", "1", "0", "0", 0, 20, 0, 4), fn("Count", kF, -1, 4), false},
         {bitFunction("Constant", "5", 0, 20, 0, 0, 3), constant(kBF, 3, "5"), false},
         {bitField("Name", 0, 20, 0, 0, 32), at(20, 0, 4), true}, {field("Count", 0, 20, 0, 4), fn("Count", kF, -1, 4), true}};
     for (const auto& [existing, request, asked] : cases) {
