@@ -14,10 +14,7 @@ namespace {
 const std::string kExamples = KESTRIN_EXAMPLES;
 const std::string kLang = kExamples + "/lang/kestrin-en.txt";
 
-struct CliRun {
-    int exit = -1;
-    std::string out, err;
-};
+struct CliRun { int exit = -1; std::string out, err; };
 
 // Runs a shell command: its exit code and standard output.
 CliRun shell(const std::string& command) {
@@ -44,12 +41,9 @@ CliRun kestrin(std::string args, const std::string& layout = {}) {
 const std::string kUsage = "usage: kestrin info LAYOUT.IIF [--json]";
 const std::string kLater = crlf({"[GENERAL]", "Version=9.0.0", "[CARDDESIGN]", "Size=2K"});
 
-struct RunCase {
-    std::string args, layout;
-    int exit;
-    std::string out;  // what standard output holds ("=" first: all it holds)
-    std::string err;  // what standard error holds
-};
+// The arguments, the layout, the exit code, what standard output holds ("=" first: all it holds) and
+// what standard error holds.
+struct RunCase { std::string args, layout; int exit; std::string out, err; };
 
 TEST(Cli, ExitCodesAndMessages) {
     const std::string fields = readBytes(std::string(KESTRIN_CLI_EXPECTED) + "/sample-fields.txt");
@@ -111,9 +105,7 @@ TEST(Cli, ExitCodesAndMessages) {
 // Entries the reader drops are warnings to info and violations to check, first in its list,
 // with the rule they break.
 TEST(Cli, DroppedEntriesAreCheckedFirstAndWarnedOf) {
-    struct DroppedCase {
-        std::string layout, textIds, firstLine, warning;
-    };
+    struct DroppedCase { std::string layout, textIds, firstLine, warning; };
     const DroppedCase cases[] = {
         {crlf({"[CARDDESIGN]", "Size=2K", "[ENCODE]", "Ok(1)=0,19,0,1,0", "Past(1)=0,31,4,5,0", "[BITENCODE]",
                "Flag(1)=0,31,7,4,5,0"}),

@@ -13,11 +13,7 @@ namespace kestrin::test {
 namespace {
 
 struct Rules : DialogFixture {
-    explicit Rules(IClassType chip = iSmallOnePage) : DialogFixture({}, chip) {
-        doc.fields().setFields({{"Surname", "NAME", "Character", 20, 0, true}, {"Number", "NUMBER", "Number", 6, 1, true},
-                                {"Amount", "AMOUNT", "Numeric", 6, 2, true},  {"Birthday", "BIRTH", "Date", 8, 3, true},
-                                {"Photo", "PHOTO", "Binary", 64, 4, true}});
-    }
+    explicit Rules(IClassType chip = iSmallOnePage) : DialogFixture({}, chip) {}
     // A language library in which every text reads "T<number>".
     void numberedTexts() {
         std::vector<int> ids(2000);

@@ -47,7 +47,7 @@ TEST(Geometry, NoNamedControlLeavesItsWindowOrCoversAnother) {
             return button && button->isVisible();
         };
         if (mode == kModeField || mode == kModeBitField)
-            for (int row = 0; row < 3; ++row) {  // each field type with each of its encodings
+            for (int row = 0; row < 5; ++row) {  // each field type with each of its encodings
                 d.clickField(row);
                 for (int encoding = 0; encoding < 4; ++encoding)
                     if (option("optEncode", encoding)) check(*d.root, "field " + std::to_string(row) + " encoding " + std::to_string(encoding));

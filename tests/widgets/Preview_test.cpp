@@ -55,11 +55,7 @@ int pdfPages(const std::filesystem::path& pdf) {
 
 // A PDF's first page as pdftotext finds it: the page's size, the box in points of each word (the
 // first of equal words) and of all of them.
-struct PrintedPage {
-    QSizeF size;
-    std::map<std::string, QRectF> words;
-    QRectF reach;
-};
+struct PrintedPage { QSizeF size; std::map<std::string, QRectF> words; QRectF reach; };
 
 PrintedPage printedPage(const QString& pdf) {
     const QString html = QString::fromStdString(run("pdftotext", {"-bbox", "-f", "1", "-l", "1", pdf, "-"}));
@@ -155,13 +151,13 @@ TEST_P(Printing, OptionsDialogDrivesThePrintingAndEnterOnTheFocusedPrintRunsIt) 
     // On the sheet: the pages heading under the header line, the grids as large as the paper
     // allows and on it whole.
     const PrintedPage page = printedPage(file);
-    const QRectF reach = page.reach;
     ASSERT_EQ(std::make_pair(page.words.count("<Filename>:"), page.words.count("<PAGES>")),
               std::make_pair(std::size_t(1), std::size_t(GetParam() == iBigEightPages)));
-    EXPECT_TRUE(GetParam() != iBigEightPages || page.words.at("<PAGES>").top() > page.words.at("<Filename>:").bottom());
-    EXPECT_TRUE(QRectF(QPointF(), page.size).contains(reach)) << reach.right() << " " << reach.bottom();
-    EXPECT_TRUE(reach.right() > 0.75 * page.size.width() || reach.bottom() > 0.75 * page.size.height())
-        << reach.right() << " " << reach.bottom() << " on " << page.size.width() << " x " << page.size.height();
+    EXPECT_EQ(std::make_tuple(GetParam() != iBigEightPages || page.words.at("<PAGES>").top() > page.words.at("<Filename>:").bottom(),
+                              QRectF(QPointF(), page.size).contains(page.reach),
+                              page.reach.right() > 0.75 * page.size.width() || page.reach.bottom() > 0.75 * page.size.height()),
+              std::make_tuple(true, true, true))
+        << page.reach.right() << " " << page.reach.bottom() << " on " << page.size.width() << " x " << page.size.height();
     preview->show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(preview.get()));
     preview->findChild<QPushButton*>("cmdPrint")->setFocus();
