@@ -9,9 +9,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <map>
 #include <vector>
+
+#include "Automation.h"
 
 // The container's answer to a control that asks for the ambient user mode.
 extern bool qax_runsInDesignMode;
@@ -20,7 +21,7 @@ namespace kestrin::test {
 namespace {
 
 // A form 640 by 480 pixels with the control filling it, photographed after it settled.
-QImage photographControl(bool designMode, const QString& layout) {
+QImage photographControl(bool designMode, const std::wstring& layout = {}) {
     qax_runsInDesignMode = designMode;
     QWidget form;
     form.resize(640, 480);
@@ -30,7 +31,7 @@ QImage photographControl(bool designMode, const QString& layout) {
     if (!created) return {};
     control.setGeometry(form.rect());
     form.show();
-    if (!layout.isEmpty()) control.dynamicCall("OpenLayout(QString)", layout);
+    if (!layout.empty()) control.dynamicCall("OpenLayout(QString)", QString::fromStdWString(layout));
     QEventLoop settle;
     QTimer::singleShot(1000, &settle, &QEventLoop::quit);
     settle.exec();
@@ -41,12 +42,7 @@ QImage photographControl(bool designMode, const QString& layout) {
 
 // A thin horizontal line of the picture: a row that one colour fills for at least three fifths
 // of the width while the rows two above and two below do not (a grid's row lines; not the ground).
-struct Line {
-    int y;
-    QRgb colour;
-};
-
-std::vector<Line> thinLines(const QImage& shot) {
+std::map<int, QRgb> thinLines(const QImage& shot) {
     std::vector<QRgb> filling(shot.height(), 0);  // the colour filling each row, 0 for none
     for (int y = 0; y < shot.height(); ++y) {
         std::map<QRgb, int> counts;
@@ -54,9 +50,9 @@ std::vector<Line> thinLines(const QImage& shot) {
         for (const auto& [colour, count] : counts)
             if (count * 5 >= shot.width() * 3) filling[y] = colour;
     }
-    std::vector<Line> lines;
+    std::map<int, QRgb> lines;  // the colour of each line's row
     for (int y = 2; y + 2 < shot.height(); ++y)
-        if (filling[y] && filling[y - 2] != filling[y] && filling[y + 2] != filling[y]) lines.push_back({y, filling[y]});
+        if (filling[y] && filling[y - 2] != filling[y] && filling[y + 2] != filling[y]) lines[y] = filling[y];
     return lines;
 }
 
@@ -64,21 +60,18 @@ std::vector<Line> thinLines(const QImage& shot) {
 }  // namespace kestrin::test
 
 TEST(Container, RunModeShowsTheTwoGrids) {
-    const QString staff = QString::fromStdWString(
-        std::filesystem::path(KESTRIN_EXAMPLES).append("layouts/Staff.IIF").make_preferred().wstring());
-    const QImage shot = kestrin::test::photographControl(false, staff);
+    const QImage shot = kestrin::test::photographControl(false, kestrin::test::example("layouts/Staff.IIF"));
     ASSERT_FALSE(shot.isNull()) << "the container could not create Kestrin.iClass";
     // The row lines of both grids: the colour most lines have.
     std::map<QRgb, int> colours;
     const auto lines = kestrin::test::thinLines(shot);
-    for (const auto& line : lines) ++colours[line.colour];
+    for (const auto& [y, colour] : lines) ++colours[colour];
     ASSERT_FALSE(colours.empty()) << "no grid lines on the control";
-    const QRgb rowLine = std::max_element(colours.begin(), colours.end(), [](auto& a, auto& b) {
-        return a.second < b.second;
-    })->first;
+    const auto fewer = [](const auto& a, const auto& b) { return a.second < b.second; };
+    const QRgb rowLine = std::max_element(colours.begin(), colours.end(), fewer)->first;
     std::vector<int> upper, lower;
-    for (const auto& line : lines)
-        if (line.colour == rowLine) (line.y < shot.height() / 2 ? upper : lower).push_back(line.y);
+    for (const auto& [y, colour] : lines)
+        if (colour == rowLine) (y < shot.height() / 2 ? upper : lower).push_back(y);
     // The item grid above shows the sample's items a row each, evenly spaced; the update grid
     // below its header and its one row.
     ASSERT_GE(upper.size(), 5u);
@@ -87,7 +80,7 @@ TEST(Container, RunModeShowsTheTwoGrids) {
 }
 
 TEST(Container, DesignModeShowsThePictureInsteadOfTheGrids) {
-    const QImage shot = kestrin::test::photographControl(true, {});
+    const QImage shot = kestrin::test::photographControl(true);
     ASSERT_FALSE(shot.isNull()) << "the container could not create Kestrin.iClass";
     EXPECT_TRUE(kestrin::test::thinLines(shot).empty());
     // The picture: some pixels differ from the ground around it.

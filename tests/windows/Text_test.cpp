@@ -3,10 +3,9 @@
 // libraries a host loaded itself.
 #include <windows.h>
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <numeric>
 
 #include "Differential.h"
@@ -52,142 +51,113 @@ TEST(CodePage, EveryByteAndCharacterConvertsAsWindowsConvertsThem) {
     }
 }
 
-class LanguageLibrary : public ::testing::TestWithParam<const char*> {};
-
-// Every id of the library, read by our reader and by LoadStringA/LoadStringW with the
-// 256-character buffer hosts use. Windows may cut a text between the halves of a surrogate
-// pair and keep the lone half; our reader cuts before the pair instead.
-TEST_P(LanguageLibrary, AnswersAsLoadString) {
-    const std::string path = std::string(KESTRIN_FIXTURES) + "/lang/" + GetParam();
-    std::ifstream in(path, std::ios::binary);
-    std::string error;
-    const std::string image{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    const auto ours = PeStringTable::parse(image, &error);
-    ASSERT_TRUE(ours) << error;
-    const HMODULE module = LoadLibraryExA(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
-    ASSERT_NE(module, nullptr) << "LoadLibraryExA failed: " << GetLastError();
-    Tally tally(GetParam());
-    std::size_t found = 0, pairsKept = 0;
-    for (UINT id = 0; id <= 0xFFFF; ++id) {
-        char narrow[256];
-        wchar_t units[256];
-        const int narrowLength = LoadStringA(module, id, narrow, 256), unitLength = LoadStringW(module, id, units, 256);
-        const auto text = ours->lookup(static_cast<int32_t>(id));
-        const std::wstring whole(units, static_cast<std::size_t>(unitLength));
-        std::string theirs = narrowOf(CP_UTF8, whole);
-        if (text && whole.size() == 255 && whole.back() >= 0xD800 && whole.back() <= 0xDBFF &&
-            *text == narrowOf(CP_UTF8, whole.substr(0, 254))) {
-            ++pairsKept;
-            theirs = *text;
-        }
-        found += text.has_value();
-        tally.same(
-            text ? "text " + *text + " / " + narrowOf(CP_ACP, whole).substr(0, 255) : std::string("none"),
-            narrowLength > 0 ? "text " + theirs + " / " + std::string(narrow, static_cast<std::size_t>(narrowLength)) : "none",
-            "id " + std::to_string(id));
-    }
-    FreeLibrary(module);
-    std::printf("%s: %zu texts, %zu cut inside a surrogate pair\n", GetParam(), found, pairsKept);
-    EXPECT_GT(found, 0u);
-}
-
-INSTANTIATE_TEST_SUITE_P(Fixtures, LanguageLibrary,
-                         ::testing::Values("strings32.dll", "strings64.dll", "standard.dll", "custom.dll"),
-                         [](const auto& param) {
-                             return std::string(param.param).substr(0, std::string(param.param).find('.'));
-                         });
-
 std::filesystem::path fixture(const char* name) { return std::filesystem::path(KESTRIN_FIXTURES) / "lang" / name; }
 
-template <class T>
-LanguageHandle handleOf(T* pointer) {
-    return reinterpret_cast<LanguageHandle>(pointer);
+// Every id of each library, read by our reader and by LoadStringA/LoadStringW with the
+// 256-character buffer hosts use. Windows may cut a text between the halves of a surrogate
+// pair and keep the lone half; our reader cuts before the pair instead.
+TEST(LanguageLibraries, AnswerAsLoadString) {
+    for (const char* name : {"strings32.dll", "strings64.dll", "standard.dll", "custom.dll"}) {
+        std::string error;
+        const auto ours = PeStringTable::parse(readFile(fixture(name).string()), &error);
+        ASSERT_TRUE(ours) << name << ": " << error;
+        const HMODULE module = LoadLibraryExW(fixture(name).wstring().c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+        ASSERT_NE(module, nullptr) << name << ": LoadLibraryExW failed: " << GetLastError();
+        Tally tally(name);
+        std::size_t found = 0;
+        for (UINT id = 0; id <= 0xFFFF; ++id) {
+            char narrow[256];
+            wchar_t units[256];
+            const int narrowLength = LoadStringA(module, id, narrow, 256), unitLength = LoadStringW(module, id, units, 256);
+            const auto text = ours->lookup(static_cast<int32_t>(id));
+            const std::wstring whole(units, static_cast<std::size_t>(unitLength));
+            std::string theirs = narrowOf(CP_UTF8, whole);
+            if (text && whole.size() == 255 && whole.back() >= 0xD800 && whole.back() <= 0xDBFF &&
+                *text == narrowOf(CP_UTF8, whole.substr(0, 254)))
+                theirs = *text;
+            found += text.has_value();
+            const std::string narrowText(narrow, static_cast<std::size_t>(std::max(narrowLength, 0)));
+            tally.same(text ? "text " + *text + " / " + narrowOf(CP_ACP, whole).substr(0, 255) : std::string("none"),
+                       narrowLength > 0 ? "text " + theirs + " / " + narrowText : "none", "id " + std::to_string(id));
+        }
+        FreeLibrary(module);
+        EXPECT_GT(found, 0u) << name;
+    }
 }
 
-// How a host loads its two libraries itself: LoadLibraryExW with these flags, or LoadLibraryW (0).
-struct HostLoad {
-    const char* name;
-    const char* standard;
-    DWORD standardFlags;
-    const char* custom;
-    DWORD customFlags;
-};
-
-class ModuleHandles : public ::testing::TestWithParam<HostLoad> {};
+template <class T>
+LanguageHandle handleOf(T* pointer) { return reinterpret_cast<LanguageHandle>(pointer); }
 
 // For every id (and ids beyond 16 bits), the translator given the module handles a host loaded
 // gives what it gives with registry handles of the same files: the custom library before the
 // standard one, an empty custom text passed over, texts cut at 255 units, the default and the
 // marker. The low two bits of a handle only say how the library was loaded, so the handles
 // with them cleared or set give the same texts.
-TEST_P(ModuleHandles, GiveTheTextsTheRegistryGivesForTheSameFiles) {
-    const HostLoad& load = GetParam();
-    auto loaded = [&](const char* name, DWORD flags) {
+TEST(ModuleHandles, GiveTheTextsTheRegistryGivesForTheSameFiles) {
+    // How a host loads its two libraries itself: LoadLibraryExW with these flags, or LoadLibraryW (0).
+    // The 64-bit fixtures share one preferred base and cannot be relocated: one is loaded as a library.
+    constexpr DWORD DataFile = LOAD_LIBRARY_AS_DATAFILE, ImageResource = LOAD_LIBRARY_AS_IMAGE_RESOURCE;
+    // The standard library, its flags and the custom library's flags.
+    const std::tuple<const char*, DWORD, DWORD> loads[] = {
+        {"standard.dll", DataFile, DataFile}, {"strings32.dll", DataFile, DataFile},
+        {"standard.dll", ImageResource, ImageResource}, {"strings64.dll", ImageResource, ImageResource},
+        {"strings64.dll", 0, DataFile}};
+    std::vector<int32_t> ids(0x10000);
+    std::iota(ids.begin(), ids.end(), 0);
+    ids.insert(ids.end(), {3104 + 0x10000, 3105 - 0x20000, 1 + 0x7FFF0000, INT32_MIN + 2});
+    Tally tally("module handles");
+    const auto loaded = [](const char* name, DWORD flags) {
         const std::wstring path = fixture(name).wstring();
         const HMODULE module = flags ? LoadLibraryExW(path.c_str(), nullptr, flags) : LoadLibraryW(path.c_str());
         EXPECT_NE(module, nullptr) << name << ": error " << GetLastError();
         return handleOf(module);
     };
-    const LanguageHandle standard = loaded(load.standard, load.standardFlags), custom = loaded(load.custom, load.customFlags);
-    ASSERT_TRUE(standard && custom);
-    CatalogRegistry registry;
-    const LanguageHandle standardFile = registry.open(fixture(load.standard)), customFile = registry.open(fixture(load.custom));
-    ASSERT_TRUE(standardFile && customFile);
-    const LanguageHandle low = 3;
-    // {custom, standard} as modules (or registry handles) against the same files in the registry.
-    const std::pair<LanguageHandle, LanguageHandle> given[][2] = {
-        {{custom, standard}, {customFile, standardFile}},
-        {{0, standard}, {0, standardFile}},
-        {{custom, 0}, {customFile, 0}},
-        {{custom, standardFile}, {customFile, standardFile}},
-        {{custom & ~low, standard & ~low}, {customFile, standardFile}},
-        {{custom | low, standard | low}, {customFile, standardFile}}};
-    std::vector<int32_t> ids(0x10000);
-    std::iota(ids.begin(), ids.end(), 0);
-    ids.insert(ids.end(), {3104 + 0x10000, 3105 - 0x20000, 1 + 0x7FFF0000, INT32_MIN + 2});
-    Tally tally(load.name);
-    std::size_t texts = 0;
-    for (const auto& [modules, files] : given) {
-        Translator fromModules(&registry), fromFiles(&registry);
-        fromModules.setCustomLanguageDLL(modules.first);
-        fromModules.setLanguageDLL(modules.second);
-        fromFiles.setCustomLanguageDLL(files.first);
-        fromFiles.setLanguageDLL(files.second);
-        for (const int32_t id : ids) {
-            const std::string_view fallback = id % 2 ? "<Default>" : "";
-            const std::string expected = fromFiles.text(id, fallback);
-            texts += expected != fallback && expected != Translator::NotFoundText;
-            tally.same(fromModules.text(id, fallback), expected,
-                       "id " + std::to_string(id) + ", handles " + std::to_string(modules.first) + " and " +
-                           std::to_string(modules.second));
+    for (const auto& [standardName, standardFlags, customFlags] : loads) {
+        const LanguageHandle standard = loaded(standardName, standardFlags);
+        const LanguageHandle custom = loaded("custom.dll", customFlags);
+        ASSERT_TRUE(standard && custom);
+        CatalogRegistry registry;
+        const LanguageHandle standardFile = registry.open(fixture(standardName));
+        const LanguageHandle customFile = registry.open(fixture("custom.dll"));
+        ASSERT_TRUE(standardFile && customFile);
+        const LanguageHandle low = 3;
+        // {custom, standard} as modules (or registry handles) against the same files in the registry.
+        using Pair = std::pair<LanguageHandle, LanguageHandle>;
+        const Pair bothFiles{customFile, standardFile};
+        const Pair given[][2] = {{{custom, standard}, bothFiles}, {{0, standard}, {0, standardFile}},
+                                 {{custom, 0}, {customFile, 0}}, {{custom, standardFile}, bothFiles},
+                                 {{custom & ~low, standard & ~low}, bothFiles}, {{custom | low, standard | low}, bothFiles}};
+        std::size_t texts = 0;
+        for (const auto& [modules, files] : given) {
+            Translator fromModules(&registry), fromFiles(&registry);
+            fromModules.setCustomLanguageDLL(modules.first);
+            fromModules.setLanguageDLL(modules.second);
+            fromFiles.setCustomLanguageDLL(files.first);
+            fromFiles.setLanguageDLL(files.second);
+            for (const int32_t id : ids) {
+                const std::string_view fallback = id % 2 ? "<Default>" : "";
+                const std::string expected = fromFiles.text(id, fallback);
+                texts += expected != fallback && expected != Translator::NotFoundText;
+                tally.same(fromModules.text(id, fallback), expected,
+                           std::string(standardName) + " loaded with " + std::to_string(standardFlags) + ", id " +
+                               std::to_string(id) + ", handles " + std::to_string(modules.first) + " and " +
+                               std::to_string(modules.second));
+            }
         }
+        FreeLibrary(reinterpret_cast<HMODULE>(custom));
+        FreeLibrary(reinterpret_cast<HMODULE>(standard));
+        EXPECT_GT(texts, 0u) << standardName;
     }
-    FreeLibrary(reinterpret_cast<HMODULE>(custom));
-    FreeLibrary(reinterpret_cast<HMODULE>(standard));
-    EXPECT_GT(texts, 0u);
 }
-
-// The 64-bit fixtures share one preferred base and cannot be relocated: one is loaded as a library.
-constexpr DWORD DataFile = LOAD_LIBRARY_AS_DATAFILE, ImageResource = LOAD_LIBRARY_AS_IMAGE_RESOURCE;
-INSTANTIATE_TEST_SUITE_P(Loaded, ModuleHandles,
-                         ::testing::Values(HostLoad{"DataFile", "standard.dll", DataFile, "custom.dll", DataFile},
-                                           HostLoad{"DataFileStrings", "strings32.dll", DataFile, "custom.dll", DataFile},
-                                           HostLoad{"ImageResource", "standard.dll", ImageResource, "custom.dll", ImageResource},
-                                           HostLoad{"ImageResourceStrings", "strings64.dll", ImageResource, "custom.dll",
-                                                    ImageResource},
-                                           HostLoad{"Library", "strings64.dll", 0, "custom.dll", DataFile}),
-                         [](const auto& param) { return std::string(param.param.name); });
 
 // A number that is no loaded library is passed over without being read through: the default
 // or the marker, or the registry's library given beside it. Among them copies of a library in
 // memory of the program's own, which LoadString would read as the library.
 TEST(NumbersThatAreNoModule, GiveTheFallbacksWithoutBeingReadThrough) {
     const std::wstring path = fixture("strings64.dll").wstring();
-    std::ifstream in(fixture("strings64.dll"), std::ios::binary);
-    const std::string file{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    const std::string file = readFile(fixture("strings64.dll").string());
     const HMODULE freed = LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
-    ASSERT_NE(freed, nullptr);
-    FreeLibrary(freed);
+    ASSERT_TRUE(freed && FreeLibrary(freed));
     const HMODULE loaded = LoadLibraryW(path.c_str());
     ASSERT_NE(loaded, nullptr);
     // Copies of the file and of the loaded image in memory the program allocated itself.

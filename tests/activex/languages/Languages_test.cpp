@@ -7,6 +7,9 @@
 #include <QTableView>
 #include <gtest/gtest.h>
 
+#include <tuple>
+
+#include "Differential.h"
 #include "control/IClass.h"
 #include "control/LanguageLibraries.h"
 #include "support/TestSupport.h"
@@ -29,75 +32,53 @@ struct Libraries {
     HMODULE english = LoadLibraryW(wide(kEnglishDll).c_str());
     HMODULE custom = LoadLibraryExW(wide(kFixtures + "custom.dll").c_str(), nullptr, LOAD_LIBRARY_AS_IMAGE_RESOURCE);
     HMODULE standard = LoadLibraryExW(wide(kFixtures + "standard.dll").c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
-    Libraries() {
-        EXPECT_TRUE(english && custom && standard) << "a library did not load: " << GetLastError();
-    }
-    ~Libraries() {
-        for (HMODULE m : {english, custom, standard})
-            if (m) FreeLibrary(m);
-    }
+    Libraries() { EXPECT_TRUE(english && custom && standard) << "a library did not load: " << GetLastError(); }
+    ~Libraries() { for (HMODULE m : {english, custom, standard}) FreeLibrary(m); }
 };
 
 // What the operator sees of the texts: the two grids' headers, the item grid's tool tip and the message a
 // command without a selected item shows.
-struct Shown {
-    std::string itemHeader, updateHeader, itemTip, message;
-};
+using Shown = std::tuple<std::string, std::string, std::string, std::string>;
 
 struct Host {
     RecordingPrompter prompter{Answer::Ok};
     IClass control;
-    Host() {
+    Host(LanguageHandle standard, LanguageHandle custom = 0) {
         control.setPrompter(&prompter);
         QMetaObject::invokeMethod(&control, "NewLayout", Q_ARG(bool, false));
+        EXPECT_TRUE(control.setProperty("LanguageDLL", qlonglong{standard}) &&
+                    control.setProperty("CustomLanguageDLL", qlonglong{custom}));
     }
-    void set(const char* property, LanguageHandle handle) {
-        EXPECT_TRUE(control.setProperty(property, qlonglong{handle})) << property;
-    }
-    Shown shown() {
+    std::string message() {
         prompter.messages.clear();
         QMetaObject::invokeMethod(&control, "RemoveItem");
+        return prompter.messages.size() == 1 ? prompter.messages[0].text : "(none)";
+    }
+    Shown shown() {
+        const std::string said = message();
         return {control.itemGrid()->model()->headerData(1, Qt::Horizontal).toString().toStdString(),
                 control.dbUpdateGrid()->model()->headerData(3, Qt::Horizontal).toString().toStdString(),
-                control.itemGrid()->toolTip().toStdString(),
-                prompter.messages.size() == 1 ? prompter.messages[0].text : "(none)"};
+                control.itemGrid()->toolTip().toStdString(), said};
     }
 };
-
-void expectShown(const Shown& got, const Shown& want, const std::string& what) {
-    EXPECT_EQ(got.itemHeader, want.itemHeader) << what;
-    EXPECT_EQ(got.updateHeader, want.updateHeader) << what;
-    EXPECT_EQ(got.itemTip, want.itemTip) << what;
-    EXPECT_EQ(got.message, want.message) << what;
-}
-
-const Shown kDefaults{"<Field(s) or Function>", "<Function Properties>", "*=*+*", "*=*+*"};
 
 // The custom library first, then the standard one, then the control's default, else "*=*+*".
 TEST(LanguageDll, TheControlShowsTheTextsOfTheLibrariesItWasHanded) {
     const Libraries dll;
-    const std::string englishTip =
-        TextCatalog::parse(readBytes(KESTRIN_EXAMPLES "/lang/kestrin-en.txt"))->lookup(3195).value_or("?");
-    const Shown english{"Field(s) or Function", "Function Properties", englishTip, kSelectFirst};
-    const std::string customText = "Custom: Wählen Sie zuerst ein Element.", standardText = "Standard: select an item first.";
-    const struct {
-        HMODULE custom, standard;
-        Shown want;
-    } cases[] = {
-        {nullptr, dll.english, english},
-        {dll.custom, dll.english, {english.itemHeader, english.updateHeader, englishTip, customText}},
-        {nullptr, dll.standard, {kDefaults.itemHeader, kDefaults.updateHeader, "*=*+*", standardText}},
-        {dll.custom, dll.standard, {kDefaults.itemHeader, kDefaults.updateHeader, "*=*+*", customText}},
-        {dll.english, dll.custom, english},
-        {nullptr, nullptr, kDefaults},
+    const std::string tip = TextCatalog::parse(readBytes(KESTRIN_EXAMPLES "/lang/kestrin-en.txt"))->lookup(3195).value_or("?");
+    const std::string custom = "Custom: Wählen Sie zuerst ein Element.", standard = "Standard: select an item first.";
+    const std::string field = "Field(s) or Function", function = "Function Properties";
+    const std::string noField = "<Field(s) or Function>", noFunction = "<Function Properties>";
+    const std::tuple<HMODULE, HMODULE, Shown> cases[] = {  // custom, standard, shown
+        {nullptr, dll.english, {field, function, tip, kSelectFirst}},
+        {dll.custom, dll.english, {field, function, tip, custom}},
+        {nullptr, dll.standard, {noField, noFunction, "*=*+*", standard}},
+        {dll.custom, dll.standard, {noField, noFunction, "*=*+*", custom}},
+        {dll.english, dll.custom, {field, function, tip, kSelectFirst}},
+        {nullptr, nullptr, {noField, noFunction, "*=*+*", "*=*+*"}},
     };
-    for (const auto& c : cases) {
-        Host host;
-        host.set("LanguageDLL", handleOf(c.standard));
-        host.set("CustomLanguageDLL", handleOf(c.custom));
-        expectShown(host.shown(), c.want, "custom " + std::to_string(handleOf(c.custom)) + ", standard " +
-                                              std::to_string(handleOf(c.standard)));
-    }
+    for (const auto& [customDll, standardDll, want] : cases)
+        EXPECT_EQ(Host(handleOf(standardDll), handleOf(customDll)).shown(), want) << customDll << ", " << standardDll;
 }
 
 // How the demo host loads its libraries, as a Windows host does: a DLL is loaded by Windows and freed
@@ -113,12 +94,11 @@ TEST(LanguageDll, LoadLanguageLibraryGivesModuleHandlesForDllsAndRegistryHandles
     const LanguageHandle catalog = loadLanguageLibrary(KESTRIN_EXAMPLES "/lang/kestrin-en.txt");
     EXPECT_EQ(processLanguageLibraries().size(), catalogs + 1);
     for (const LanguageHandle handle : {module, catalog}) {
-        Host host;
-        host.set("LanguageDLL", handle);
-        EXPECT_EQ(host.shown().message, kSelectFirst) << handle;
-        EXPECT_TRUE(freeLanguageLibrary(handle)) << handle;
-        EXPECT_FALSE(freeLanguageLibrary(handle)) << handle;
-        EXPECT_EQ(host.shown().message, "*=*+*") << "after freeing " << handle;
+        Host host(handle);
+        EXPECT_EQ(host.message(), kSelectFirst) << handle;
+        const bool freed = freeLanguageLibrary(handle);
+        EXPECT_EQ(std::make_pair(freed, freeLanguageLibrary(handle)), std::make_pair(true, false)) << handle;
+        EXPECT_EQ(host.message(), "*=*+*") << "after freeing " << handle;
     }
     const QString broken = QString::fromStdWString((dir / "broken.dll").wstring());
     EXPECT_EQ(loadLanguageLibrary(broken, &why), 0);
@@ -137,18 +117,16 @@ TEST(LanguageDll, EveryIdOfTheCatalogReadsTheSameFromItsDll) {
         ASSERT_TRUE(catalog && catalog->warnings().empty()) << catalogFile;
         const HMODULE module = LoadLibraryExW(wide(dllFile).c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
         ASSERT_NE(module, nullptr) << dllFile.toStdString();
-        std::size_t found = 0, different = 0;
+        Tally tally(catalogFile);
+        std::size_t found = 0;
         for (UINT id = 0; id <= 0xFFFF; ++id) {
             wchar_t units[256];
             const int length = LoadStringW(module, id, units, 256);
-            const auto expected = catalog->lookup(static_cast<int32_t>(id));
-            const std::string got = QString::fromWCharArray(units, length).toStdString();
             found += length > 0;
-            if (expected.value_or("") != got && ++different <= 5)
-                ADD_FAILURE() << catalogFile << " id " << id << ": \"" << expected.value_or("") << "\" became \"" << got << "\"";
+            tally.same(catalog->lookup(static_cast<int32_t>(id)).value_or(""),
+                       QString::fromWCharArray(units, length).toStdString(), "id " + std::to_string(id));
         }
         FreeLibrary(module);
-        EXPECT_EQ(different, 0u) << catalogFile;
         EXPECT_EQ(found, catalog->size()) << catalogFile;
         EXPECT_GT(found, 10u) << catalogFile;
     }
