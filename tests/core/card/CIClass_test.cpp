@@ -7,15 +7,12 @@
 #include "base/KestrinError.h"
 #include "card/CIClass.h"
 #include "card/CardGeometry.h"
+#include "support/Records.h"
 
 namespace kestrin {
 namespace {
 
-CIClass chip(IClassType type) {
-    CIClass card;
-    card.setChipSize(type);
-    return card;
-}
+using test::chipOf;
 
 std::vector<int32_t> boundaries(const CIClass& card) {
     std::vector<int32_t> out;
@@ -45,17 +42,17 @@ TEST(CIClass, SetBoundariesTakesExactlyEightNumbersGetBoundaryHasItsOwnLimits) {
         {"-2147483648|1|2|3|4|5|6|2147483647", 0, {INT32_MIN, 1, 2, 3, 4, 5, 6, INT32_MAX}},
         {"1|2|3|4|5|6|7|2147483648", 6, kDefault}};
     for (const auto& [text, error, want] : cases) {
-        CIClass card = chip(iBigEightPages);
+        CIClass card = chipOf(iBigEightPages);
         EXPECT_EQ(errorOf([&] { card.SetBoundaries(text); }), error) << text;
         EXPECT_EQ(boundaries(card), want) << text;
     }
     for (IClassType type : {iSmallOnePage, iBigOnePage}) {  // one page: the collection's error, the page keeps 0
-        CIClass card = chip(type);
+        CIClass card = chipOf(type);
         EXPECT_EQ(errorOf([&] { card.SetBoundaries("10|11|12|13|14|15|16|17"); }), kErrSubscriptOutOfRange);
         EXPECT_EQ(card.Pages().Item(1).Boundary, 0);
     }
     // GetBoundary's limits; copies are deep.
-    CIClass card = chip(iBigEightPages);
+    CIClass card = chipOf(iBigEightPages);
     // Beyond the page count: -1; at the count, a key that does not exist; no lower bound check.
     EXPECT_EQ(std::tuple(card.GetBoundary(7), card.GetBoundary(9), errorOf([&] { card.GetBoundary(8); }),
                          errorOf([&] { card.GetBoundary(-1); })),
@@ -65,7 +62,7 @@ TEST(CIClass, SetBoundariesTakesExactlyEightNumbersGetBoundaryHasItsOwnLimits) {
     copy.SetBoundary(2, 30);
     EXPECT_EQ(std::tuple(card.GetBoundary(2), copy.GetBoundary(2)), std::tuple(18, 30));
     EXPECT_EQ(copy.Pages().Item(3).Parent, &copy);
-    CIClass assigned = chip(iSmallOnePage);  // an assigned card takes everything and owns its pages
+    CIClass assigned = chipOf(iSmallOnePage);  // an assigned card takes everything and owns its pages
     assigned.setUseHIDSection(true);
     assigned = copy;
     assigned.SetBoundary(2, 25);

@@ -83,6 +83,11 @@ TEST(LayoutDocument, ItemChangesTable) {
     const auto update = [](DbUpdateEntries e, int replacing) {
         return [=](LayoutDocument& d) { return yes(d.applyDbUpdate(e, replacing).stored); };
     };
+    const auto adopt = [](bool modified) {
+        return [=](LayoutDocument& d) {
+            return d.adoptCard(chipOf(iBigOnePage), modified), yes(d.card()->ChipSize() == iBigOnePage);
+        };
+    };
     const auto session = [](std::vector<EditorEntries> items) {
         return [=](LayoutDocument& d) { return d.batch([&] { for (const auto& e : items) d.applyItem(e); }), yes(d.saved()); };
     };
@@ -108,6 +113,8 @@ TEST(LayoutDocument, ItemChangesTable) {
          start + " NR:CardSnNr", {}, once},
         {"database update with a step of 256", {}, update({"Count", "NUMBER", 1, "", "5", "256", false}, 0), "no", start,
          {"<Please enter a value between> 0 & 255!"}, none},
+        {"card handed back changed", {}, adopt(true), "yes", start, {}, {Change::Card}},
+        {"card handed back unchanged", {}, adopt(false), "yes", start, {}, none},
         {"dialog session with two items", {}, session({fieldAt("N", 26, 1), fieldAt("M", 27, 1)}), "no",
          start + " N@26/light M@27/light", {}, once},
         {"dialog session with only refusals", {}, session({fieldAt("N", 31, 9)}), "yes", start, {"T4600"}, none},
@@ -125,6 +132,15 @@ TEST(LayoutDocument, ItemChangesTable) {
         EXPECT_EQ(std::tuple(result, d.shape(), d.told(), d.changes, d.doc.saved()),
                   std::tuple(c.result, c.after, c.told, c.changes, c.changes.empty()));
     }
+}
+
+// Fetching the host's fields answers whether the project has any.
+TEST(LayoutDocument, FetchingFieldsAnswersWhetherTheProjectHasAny) {
+    Doc d;
+    writeBytes(d.dir / "None.ini", crlf({"[DATABASE]", "NUMCOLUMNS=0"}));
+    writeBytes(d.dir / "One.ini", crlf({"[DATABASE]", "NUMCOLUMNS=1", "[COLUMN1]", "DbFIELD=A"}));
+    const bool missing = d.doc.fetchFields(d.dir / "Missing.ini"), none = d.doc.fetchFields(d.dir / "None.ini");
+    EXPECT_EQ(std::tuple(missing, none, d.doc.fetchFields(d.dir / "One.ini")), std::tuple(false, false, true));
 }
 
 // The life of the layout: each step gives its result, the texts told, the records left and

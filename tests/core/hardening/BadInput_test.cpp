@@ -94,8 +94,7 @@ TEST(BadInput, FilesBeyondTheSizeLimitsAreRefusedWithAMessage) {
 // Values longer than the read buffer arrive cut, counted in characters (the outer quotes do
 // not count); the operator is told once, with the first such entry.
 TEST(InputLimits, LongValuesAreCutAndTold) {
-    std::string accented;
-    for (size_t i = 0; i < kMaxValueChars; ++i) accented += "\xE9";
+    const std::string accented = repeated("\xE9", kMaxValueChars);
     const std::string big(8u << 20, 'x');
     const std::string first = "values are longer than 1023 characters and were cut (the first: [SETTINGS] Font)";
     const auto font = [](const std::string& value) { return crlf({"[SETTINGS]", "Font=" + value}); };
@@ -115,6 +114,8 @@ TEST(InputLimits, LongValuesAreCutAndTold) {
         EXPECT_NE(text.find(told), std::string::npos) << text;
         for (const ItemRecord& r : o->records) EXPECT_LE(r.param1.size(), kMaxValueChars);
     }
+    // A value of as many characters as the buffer holds, but more bytes in UTF-8, is kept whole.
+    EXPECT_EQ(openLayout(font(accented))->result.settings.at(0).second, repeated("\xC3\xA9", kMaxValueChars));
 }
 
 // Items beyond the limit are left out and told; dropped-entry warnings beyond theirs counted.

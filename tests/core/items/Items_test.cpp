@@ -52,6 +52,11 @@ TEST(RecordArray, EachKindReachesTheEditorAndIsFoundAgainByItsPlace) {
             --*other;
         }
     }
+    // A database update has no place on the card: no place finds it.
+    const ItemRecord u = dbUpdate("NAME", "Constant", "1");
+    records.add(u);
+    EXPECT_EQ(records.findByPosition({u.page, u.block, u.beginByte, u.numBytes, u.beginBit, u.numBits}, u.name, kindWord(u)),
+              RecordArray::kNone);
 }
 
 // parts: each grid page's VirtualPage and whether it holds the HID area (the first part only)

@@ -14,20 +14,6 @@ namespace {
 
 const fs::path kExamples = KESTRIN_EXAMPLES;
 
-CIClass cardOf(IClassType type, bool hid = true, bool bit = false) {
-    CIClass card;
-    card.setChipSize(type);
-    card.setUseHIDSection(hid);
-    card.setEnableBitwise(bit);
-    return card;
-}
-
-RecordArray arrayOf(std::initializer_list<ItemRecord> items) {
-    RecordArray records;
-    for (const auto& r : items) records.add(r);
-    return records;
-}
-
 ItemRecord with(ItemRecord r, void (*change)(ItemRecord&)) { return change(r), r; }
 
 HostFieldList sampleFields() {
@@ -74,8 +60,9 @@ TEST(LayoutFiles, BundledLayoutsSaveToTheirOwnBytes) {
 // of the item's own, a big item placed from bit 3, a byte function in bit mode, a quoted
 // constant, checksums with a polynomial, a start value or a bit range, a simple bit function.
 TEST(LayoutFiles, EveryKindOfEntrySavesToTheseBytesAndOpensTheSame) {
-    const CIClass card = cardOf(iBigOnePage, true, true);
-    const RecordArray records = arrayOf(
+    CIClass card = chipOf(iBigOnePage);
+    card.setUseHIDSection(true), card.setEnableBitwise(true);
+    const RecordArray records = recordsOf(
         {field("Name", 0, 19, 0, 16, 0, 11), field("Name", 0, 21, 0, 4, 64, -12),
          with(field("NAME", 0, 23, 0, 1, 0, 14), [](ItemRecord& r) { r.fieldType = 2; }),
          with(field("Track", 0, 40, 0, 4, 0, 5), [](ItemRecord& r) { r.isBinary = true, r.beginBit = 3; }),
@@ -99,7 +86,8 @@ TEST(LayoutFiles, EveryKindOfEntrySavesToTheseBytesAndOpensTheSame) {
 
 // An eight-page card stores the boundaries of pages 1 to 7 as byte addresses; page 0's is never stored.
 TEST(LayoutFiles, AnEightPageCardStoresTheBoundariesOfPagesOneToSeven) {
-    CIClass card = cardOf(iBigEightPages, false);
+    CIClass card = chipOf(iBigEightPages);
+    card.setUseHIDSection(false), card.setEnableBitwise(false);
     card.SetBoundary(3, 25);
     std::vector<std::string> lines{"[GENERAL]", "Version=6.1.4", "[CARDDESIGN]", "Size=16K", "Pages=8", "UseBit=0", "UseHID=0"};
     for (int page = 1; page <= 7; ++page) lines.push_back(std::to_string(page) + "PageBorder=" + (page == 3 ? "200" : "144"));
@@ -135,19 +123,21 @@ TEST(LayoutReader, LaterVersionsAskFirst) {
 // (0 for none) and its place as far as it was read.
 TEST(LayoutReader, EntriesThatDoNotFitAreDroppedWithTheRuleTheyBreak) {
     const auto o = openLayout(crlf(
-        {"[CARDDESIGN]", "Size=2K", "[ENCODE]", "Good(1)=0,19,0,4,0", "WrongPage(1)=3,19,0,4,0", "TooLong(1)=0,31,0,9,0",
+        {"[CARDDESIGN]", "Size=2K", "[ENCODE]", "Good(0)=+0, +19,0,4,0", "WrongPage(1)=3,19,0,4,0", "TooLong(1)=0,31,0,9,0",
          "Block(1)=0,40,0,1,0", "Before(1)=0,-1,7,1,0", "Byte(1)=0,19,8,1,0", "Zero(1)=0,19,0,0,0",
          "Huge(1)=0,19,0,99999,0", "Text(1)=a,b,c,d,e", "Short(1)=0,19", "Header(1)=0,0,0,1,0", "[BITENCODE]",
-         "Bits(1)=0,31,7,0,9,0",
+         "Bits(1)=0,31,7,0,9,0", "Flag(1)=0,21,0,0,3,0",
          "NoBits(1)=0,20,0,0,0,0", "Bit8(1)=0,20,0,8,1,0", "[INITCARD]", "1Value=NoBrackets", "1Place=0,20,0,1",
          "2Value=Count(1.1.0)", "2Place=0,20", "3Value=CardSnNr(0)", "3Place=0,31,0,10", "[BITINITCARD]",
          "1Value=Constant(1)", "1Place=0,31,7,4,5", "[DATABASEUPDATE]", "1Field=x,Constant(1)",
          "2Field=-1,Constant(1)", "3Field=2,Checksum(1.1)", "4Field=70000,Count(1)", "5Field=3"}));
     EXPECT_TRUE(o->result.opened);
     // The header lies on the page: that item is read, and a check finds it there.
-    ASSERT_EQ(o->records.size(), 2);
-    // Good has no ITEMCOLOR entry.
-    EXPECT_EQ(std::tuple(o->records[0].name, o->records[0].color, o->records[1].name), std::tuple("Good", 0, "Header"));
+    ASSERT_EQ(o->records.size(), 3);
+    // Good and Flag have no colour entry; Good's key is numbered 0 and its numbers carry a "+".
+    const auto& r = o->records;
+    EXPECT_EQ(std::tuple(r[0].name, r[0].block, r[0].numBytes, r[0].color, r[1].name, r[2].name, r[2].numBits, r[2].color),
+              std::tuple("Good", 19, 4, 0, "Header", "Flag", 3, 0));
     const std::string expected[] = {  // key / item name / kind / the rule broken
         "WrongPage(1)/WrongPage/Field/3158", "TooLong(1)/TooLong/Field/4600", "Block(1)/Block/Field/4600",
         "Before(1)/Before/Field/4601", "Byte(1)/Byte/Field/0", "Zero(1)/Zero/Field/3158", "Huge(1)/Huge/Field/0",
@@ -184,26 +174,29 @@ TEST(LayoutReader, AUtf16FileReadsAsTheSingleByteOne) {
 
 // Older files: a checksum's start value (Init_) is read for a parity only; a FieldsMultiTrack
 // entry under a big item's own key at its place gives it its begin bit, any other is an item
-// of its own; SETTINGS are handed over as read.
+// of its own; a checksum without a range or polynomial entry reads them as zeros; SETTINGS are
+// handed over as read.
 TEST(LayoutReader, OlderFilesReadAsTheyAlwaysDid) {
     const auto o = openLayout(crlf(
         {"[CARDDESIGN]", "Size=2K", "[ENCODE]", "Photo(1)=0,19,0,4,0", "Logo(1)=0,21,0,2,0", "Card(1)=0,27,0,2,0",
          "[BIGITEM]", "Photo(1)=1,2", "Logo(1)=1,3", "Card(1)=1,4", "[FieldsMultiTrack]", "Photo(1)=0,19,0,3,4",
          "Logo(1)=0,22,0,5,2", "Sign(1)=0,25,0,9,8", "Card(1)=0,27",
          "[INITCARD]", "1Value=Checksum(1.1)", "1Place=0,30,0,1", "2Value=Checksum(3.2)", "2Place=0,30,1,1",
-         "3Value=Checksum(2.3)", "3Place=0,30,2,1", "[BITINITCARD]", "1Value=Checksum(1.4)", "1Place=0,31,0,0,8",
-         "1Mode=1", "[CHECKSUM]", "1Range=0,19,0,8,5", "1Init_=7", "2Range=0,20,0,8", "2Init_=1", "3Range=0,21,0,8",
-         "3Poly_=263,9", "3Init_=4", "4Range=0,22,0,0,8,9", "4Init_=6", "[SETTINGS]", "Zoom=2", "Note=@#@#\"x\""}));
-    ASSERT_EQ(o->records.size(), 9);
-    // fields: name block beginBit numBytes bigItemNumber; checksums: method initValue polynomial last range value
-    const char* expected[] = {"Photo 19 3 4 2", "Logo 21 0 2 3", "Card 27 0 2 4", "1 0 0,0 0", "3 1 0,0 0", "2 0 263,9 0", "1 0 0,0 8",
-                              "Logo 22 5 2 0", "Sign 25 0 8 0"};
-    for (int32_t i = 0; i < 9; ++i) {
+         "3Value=Checksum(2.3)", "3Place=0,30,2,1", "4Value=Checksum(2.5)", "4Place=0,30,3,1", "[BITINITCARD]",
+         "1Value=Checksum(1.4)", "1Place=0,31,0,0,8", "1Mode=1", "[CHECKSUM]", "1Range=0,19,0,8,5", "1Init_=7",
+         "2Range=0,20,0,8", "2Init_=1", "3Range=0,21,0,8", "3Poly_=263,9", "3Init_=4", "4Range=0,22,0,0,8,9", "4Init_=6",
+         "[SETTINGS]", "Zoom=2", "Note=@#@#\"x\""}));
+    ASSERT_EQ(o->records.size(), 10);
+    // fields: name block beginBit numBytes bigItemNumber; checksums: method initValue polynomial range's block/last value
+    const char* expected[] = {"Photo 19 3 4 2", "Logo 21 0 2 3", "Card 27 0 2 4", "1 0 0,0 19/0", "3 1 0,0 20/0", "2 0 263,9 21/0",
+                              "2 0 0,0 0/0", "1 0 0,0 22/8", "Logo 22 5 2 0", "Sign 25 0 8 0"};
+    for (int32_t i = 0; i < 10; ++i) {
         const ItemRecord& r = o->records[i];
         EXPECT_EQ(r.isBinary ? r.name + " " + std::to_string(r.block) + " " + std::to_string(r.beginBit) + " " +
                                    std::to_string(r.numBytes) + " " + std::to_string(r.bigItemNumber)
                              : r.param1 + " " + std::to_string(r.initValue) + " " + std::to_string(r.polynomial[0]) +
-                                   "," + std::to_string(r.polynomial[1]) + " " + std::to_string(r.range[4]),
+                                   "," + std::to_string(r.polynomial[1]) + " " + std::to_string(r.range[1]) + "/" +
+                                   std::to_string(r.range[4]),
                   expected[i]);
     }
     ASSERT_EQ(o->result.settings.size(), 2u);

@@ -146,4 +146,15 @@ TEST(FileSystem, AWriteInterruptedByASignalGoesOn) {
     EXPECT_TRUE(!error && received == expected) << error.message() << ", " << received.size() << " of " << expected.size();
 }
 
+// A copy works when the file it copies gets descriptor 0, as it does while standard input is closed.
+TEST(FileSystem, ACopyWorksWhileStandardInputIsClosed) {
+    TempDir dir;
+    writeBytes(dir / "From.IIF", "[GENERAL]\r\n");
+    const int input = ::dup(0);
+    ::close(0);
+    const std::error_code error = systemFileSystem().copy(dir / "From.IIF", dir / "To.IIF");
+    if (input >= 0) ::dup2(input, 0), ::close(input);
+    EXPECT_EQ(std::tuple(error, readBytes(dir / "To.IIF")), std::tuple(std::error_code{}, "[GENERAL]\r\n"));
+}
+
 }  // namespace

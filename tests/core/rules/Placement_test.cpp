@@ -53,12 +53,6 @@ std::vector<int32_t> idsOf(const std::vector<Violation>& found) {
     for (const auto& v : found) ids.push_back(v.textId);
     return ids;
 }
-CIClass chipOf(IClassType type) {
-    CIClass card;
-    card.setChipSize(type);
-    return card;
-}
-
 // textId 0: accepted
 struct RuleCase { const char* name; PlacementRequest request; int32_t textId; EditorBox focus = EditorBox::None;
                   IClassType chip = iSmallOnePage; };

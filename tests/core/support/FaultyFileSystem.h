@@ -18,7 +18,8 @@ inline const char* callName(Call c) {
 // How the chosen call fails. Error: it returns the given errno (a close still releases its
 // handle). ShortWrite: a write stores only part of its bytes and says so; later writes succeed.
 // DiskFull: a write stores part of its bytes; every later write or copy fails with ENOSPC.
-enum class Fault { Error, ShortWrite, DiskFull };
+// NoProgress: a write stores nothing yet reports no error; later writes succeed.
+enum class Fault { Error, ShortWrite, DiskFull, NoProgress };
 
 // The operating system's file system seen under another folder name, counting every call and
 // failing the ones chosen. The save is handed paths under virtualRoot, which does not exist:
@@ -53,6 +54,7 @@ public:
         const bool chosen = next(Call::Write);
         if (diskFull_) return error(ENOSPC);
         if (chosen && fault_ == Fault::Error) return error(errno_);
+        if (chosen && fault_ == Fault::NoProgress) return written = 0, std::error_code{};
         if (chosen) diskFull_ = fault_ == Fault::DiskFull, bytes = bytes.substr(0, std::max<std::size_t>(bytes.size() / 2, 1));
         return os().write(file, bytes, written);
     }

@@ -1,6 +1,7 @@
 #pragma once
 #include <string>
 
+#include "card/CIClass.h"
 #include "items/ItemRecord.h"
 #include "items/RecordArray.h"
 
@@ -41,6 +42,12 @@ inline ItemRecord dbUpdate(std::string dbField, std::string word, std::string p1
     r.isDbUpdate = true, r.dbFieldName = std::move(dbField), r.name = std::move(word);
     r.param1 = std::move(p1), r.param2 = std::move(p2);
     return r;
+}
+
+inline CIClass chipOf(IClassType type) {
+    CIClass card;
+    card.setChipSize(type);
+    return card;
 }
 
 // A record array holding these records in this order.

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <random>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/Prompter.h"
@@ -73,6 +74,12 @@ inline void writeBytes(const std::filesystem::path& p, const std::string& bytes)
 inline std::string crlf(const std::vector<std::string>& lines) {
     std::string out;
     for (const auto& l : lines) out += l + "\r\n";
+    return out;
+}
+
+inline std::string repeated(std::string_view piece, std::size_t count) {
+    std::string out;
+    while (count--) out += piece;
     return out;
 }
 

@@ -64,12 +64,6 @@ inline ByteWriter peImage(std::string_view rsrc, bool plus = false) {
     return image;
 }
 
-std::string repeated(std::string_view piece, std::size_t count) {
-    std::string out;
-    while (count--) out += piece;
-    return out;
-}
-
 std::unique_ptr<PeStringTable> parsed(std::string_view image) {
     std::string error;
     auto table = PeStringTable::parse(image, &error);
@@ -171,6 +165,10 @@ TEST(PeStringTableHostile, IsRefusedWithItsReason) {
         {withTable(oneLanguage(0x7FFFFFF0)), "data entry lies past the end"},
         {withTable(oneLanguage(0x48).dataEntry(0x80000000, 34)), "data of string block 1 lies outside every section"},
         {withTable(oneLanguage(0x48).dataEntry(ResourceRva, 0x10000)), "data of string block 1 runs past its section's data"},
+        // The section maps its first byte only; then a block reaching 2 bytes into the bytes after the section's data.
+        {patched(sectionTableAt(false) + 8, 1), "data of string block 1 lies outside every section"},
+        {withTable(oneLanguage(0x48).dataEntry(ResourceRva + 0x58, 0x1AA).block({u"ok"})) + std::string(0x200, '\0'),
+         "data of string block 1 runs past its section's data"},
         // The block at 0x58: a text of 300 units in 8 bytes; then 4 of its 16 slots in 10 bytes.
         {withTable(oneLanguage(0x48).dataEntry(ResourceRva + 0x58, 8).u16(300).u32(0).u16(0)), "a text runs past the block's end"},
         {withTable(oneLanguage(0x48).dataEntry(ResourceRva + 0x58, 10).u16(1).u16('a').u32(0).u16(0)), "ends before its 16 texts"},

@@ -20,12 +20,6 @@ namespace {
 const std::filesystem::path Lang = std::filesystem::path(KESTRIN_FIXTURES) / "lang";
 const std::string kEmoji = "\xF0\x9F\x98\x80";
 
-std::string repeated(std::string_view piece, std::size_t count) {
-    std::string out;
-    while (count--) out += piece;
-    return out;
-}
-
 using Texts = std::vector<std::pair<int32_t, std::optional<std::string>>>;
 
 TEST(TextCatalog, GivesTheTextsAsWritten) {
@@ -43,9 +37,9 @@ TEST(TextCatalog, GivesTheTextsAsWritten) {
         // Only the low 16 bits of a looked-up id count.
         {"Ids", "007=agent\n0=zero\n65535=last\n32=x\n",
          {{7, "agent"}, {0, "zero"}, {65535, "last"}, {-1, "last"}, {65536, "zero"}, {65536 * 3 + 32, "x"}, {INT32_MIN, "zero"}}},
-        {"NonAscii",  // with the lowest two- and four-byte leads
-         "1=\xC2\xA9 Gr\xC3\xB6\xC3\x9F" "e \xE6\x97\xA5 \xF0\x90\x80\x80 \xF4\x8F\xBF\xBF\n",
-         {{1, "\xC2\xA9 Gr\xC3\xB6\xC3\x9F" "e \xE6\x97\xA5 \xF0\x90\x80\x80 \xF4\x8F\xBF\xBF"}}},
+        {"NonAscii",  // with the lowest and highest two-byte leads and the lowest four-byte one
+         "1=\xC2\xA9\xDF\xBF Gr\xC3\xB6\xC3\x9F" "e \xE6\x97\xA5 \xF0\x90\x80\x80 \xF4\x8F\xBF\xBF\n",
+         {{1, "\xC2\xA9\xDF\xBF Gr\xC3\xB6\xC3\x9F" "e \xE6\x97\xA5 \xF0\x90\x80\x80 \xF4\x8F\xBF\xBF"}}},
         {"CutAt255Units",
          "1=" + std::string(300, 'x') + "\n2=" + repeated("\xC3\xA4", 300) + "\n3=" + std::string(254, 'a') + kEmoji +
              "\n4=" + std::string(253, 'a') + kEmoji + "z\n5=" + repeated("\\n", 300),
@@ -174,9 +168,10 @@ INSTANTIATE_TEST_SUITE_P(Libraries, TranslatorFallback, ::testing::Bool(),
                          [](const auto& p) { return std::string(p.param ? "Dlls" : "TextCatalogs"); });
 
 TEST(UpperCase, CapitalisesTheLettersOfTheWesternCodePage) {
-    // The last row has no single capital (ß) or is no letter of the code page.
+    // The last rows have no single capital (ß), are no letters of the code page, or are capitals already.
     const std::pair<const char*, const char*> cases[] = {
-        {"<Pages> 1-2", "<PAGES> 1-2"}, {"páginas çà", "PÁGINAS ÇÀ"}, {"ÿ š œ ž", "Ÿ Š Œ Ž"}, {"÷ ß µ € 日本", "÷ ß µ € 日本"}};
+        {"<Pages> 1-2", "<PAGES> 1-2"}, {"páginas çà", "PÁGINAS ÇÀ"}, {"ÿ š œ ž", "Ÿ Š Œ Ž"}, {"÷ ß µ € 日本", "÷ ß µ € 日本"},
+        {"ē ł ő Ł Ó Ş", "ē ł ő Ł Ó Ş"}};
     for (auto [text, upper] : cases) EXPECT_EQ(upperCase(text), upper) << text;
 }
 
