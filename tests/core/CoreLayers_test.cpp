@@ -2,6 +2,7 @@
 // never one above. The order is the one the core's build file names.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <regex>
@@ -14,9 +15,8 @@ namespace {
 namespace fs = std::filesystem;
 
 int rankOf(const std::vector<std::string>& order, const std::string& folder) {
-    for (size_t i = 0; i < order.size(); ++i)
-        if (order[i] == folder) return static_cast<int>(i);
-    return -1;
+    const auto at = std::find(order.begin(), order.end(), folder);
+    return at == order.end() ? -1 : static_cast<int>(at - order.begin());
 }
 
 TEST(CoreLayers, NoFileIncludesAFolderAboveItsOwn) {

@@ -139,8 +139,8 @@ TEST(LayoutDocument, FetchingFieldsAnswersWhetherTheProjectHasAny) {
     Doc d;
     writeBytes(d.dir / "None.ini", crlf({"[DATABASE]", "NUMCOLUMNS=0"}));
     writeBytes(d.dir / "One.ini", crlf({"[DATABASE]", "NUMCOLUMNS=1", "[COLUMN1]", "DbFIELD=A"}));
-    const bool missing = d.doc.fetchFields(d.dir / "Missing.ini"), none = d.doc.fetchFields(d.dir / "None.ini");
-    EXPECT_EQ(std::tuple(missing, none, d.doc.fetchFields(d.dir / "One.ini")), std::tuple(false, false, true));
+    for (const auto& [file, any] : {std::pair{"Missing.ini", false}, {"None.ini", false}, {"One.ini", true}, {"None.ini", false}})
+        EXPECT_EQ(d.doc.fetchFields(d.dir / file), any) << file;
 }
 
 // The life of the layout: each step gives its result, the texts told, the records left and
@@ -201,19 +201,17 @@ TEST(LayoutDocument, OpenTakesTheFileAndItsSwitchesAndTheAuditNamesWhatItDropped
 // the layout's file or through the host's callback when it has none.
 TEST(LayoutDocument, CloseTable) {
     // itemsInFile -1: no file
-    struct CloseCase { bool edited, named; std::vector<Answer> answers; bool callbackSaves, closed;
+    struct CloseCase { bool named; std::vector<Answer> answers; bool callbackSaves, closed;
                        std::vector<std::string> questions; int itemsInFile; };
     const std::vector<std::string> both = {"T3124", "T3125"};
-    for (const CloseCase& c : {CloseCase{true, true, {Answer::No}, false, false, {"T3124"}, 0},
-                               CloseCase{true, true, {Answer::Yes, Answer::Cancel}, false, false, both, 0},
-                               CloseCase{true, true, {Answer::Yes, Answer::No}, false, true, both, 0},
-                               CloseCase{true, true, {Answer::Yes, Answer::Yes}, false, true, both, 1},
-                               CloseCase{true, false, {Answer::Yes, Answer::Yes}, false, false, both, -1},
-                               CloseCase{true, false, {Answer::Yes, Answer::Yes}, true, true, both, -1}}) {
-        Doc d;
+    using A = Answer;
+    for (const CloseCase& c : {CloseCase{true, {A::No}, false, false, {"T3124"}, 0}, {true, {A::Yes, A::Cancel}, false, false, both, 0},
+                               {true, {A::Yes, A::No}, false, true, both, 0}, {true, {A::Yes, A::Yes}, false, true, both, 1},
+                               {false, {A::Yes, A::Yes}, false, false, both, -1}, {false, {A::Yes, A::Yes}, true, true, both, -1}}) {
+        Doc d;  // an edited layout, saved to a file when named
         d.doc.newLayout();
         EXPECT_EQ(c.named && d.doc.saveAs(d.dir / "Open.IIF"), c.named);
-        if (c.edited) d.doc.applyItem(fieldAt("NAME", 22, 3));
+        d.doc.applyItem(fieldAt("NAME", 22, 3));
         d.prompter.messages.clear();
         for (Answer a : c.answers) d.prompter.answerNext(a);
         int called = 0;

@@ -72,8 +72,7 @@ TEST(PreviewViews, TitlesPositionPagesAndHeading) {
         {iBigEightPages, 0, {"Page 0", "Page 1"}, "Pages 0/1 of 7", {0, 1}, {{0, true}, {0, false}}, "<PAGES> 0 <and> 1"},
         {iBigEightPages, 3, {"Page 6", "Page 7"}, "Pages 6/7 of 7", {6, 7}, {{0, false}, {0, false}}, "<PAGES> 6 <and> 7"}};
     for (const ViewCase& c : cases) {
-        CIClass card;
-        card.setChipSize(c.chip);
+        const CIClass card = chipOf(c.chip);
         const PreviewView v = previewView(card, c.view, tr);
         std::vector<std::pair<int32_t, bool>> parts;
         for (const auto& page : v.pages) parts.emplace_back(page.VirtualPage, page.HasHIDSpace);
@@ -91,8 +90,7 @@ constexpr int32_t kInside = 0xEBEBEB, kBeyond = 0xD7D7D7, kItem = 0x3366CC;
 // one-page 16 kbit card, taken as the preview takes it.
 MapGrid mapOf(IClassType chip, int page, int part, bool wholePage, const RecordArray& records, bool hid = true,
               int boundary = -1) {
-    CIClass card;
-    card.setChipSize(chip);
+    CIClass card = chipOf(chip);
     card.setUseHIDSection(hid);
     if (boundary >= 0) card.SetBoundary(page, boundary);
     const CPage p = part == 0 ? *card.page(page) : previewView(card, part / 2, tr).pages[static_cast<size_t>(part % 2)];
@@ -171,8 +169,7 @@ TEST(PageMap, PaintsExactlyTheBytesTouched) {
 // on yellow, byte numbers over their eight bits, every other byte shaded; an item's bits take its
 // colour, name and "name (byte.bit)" tip, one named cell a block; a mark colours the bits chosen.
 TEST(BitMap, ShowsBlocksBytesItemsAndTheMark) {
-    CIClass card;
-    card.setChipSize(iSmallOnePage);
+    CIClass card = chipOf(iSmallOnePage);
     card.setUseHIDSection(true);
     const CPage& page = *card.page(0);
     const PlaceMark mark{itemSpan(bitField("M", 0, 31, 7, 6, 2)), "M"};

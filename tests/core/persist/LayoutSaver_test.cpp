@@ -107,9 +107,7 @@ TEST_F(LayoutSaver, ItemsAreSavedOnlyWhenTheyReadBackTheSame) {
     card.setEnableBitwise(true);
     for (const auto& c : cases) {
         SCOPED_TRACE(c.refusal ? c.refusal : c.item.name + " " + c.item.param1);
-        records = RecordArray();
-        records.add(field("Fine", 0, 21, 0, 8));
-        records.add(c.item);
+        records = recordsOf({field("Fine", 0, 21, 0, 8), c.item});
         const std::string before = fs::exists(layout) ? readBytes(layout) : "";
         const SaveOutcome out = save();
         ASSERT_EQ(out.saved, c.refusal == nullptr) << out.message;
