@@ -205,9 +205,10 @@ TEST(LayoutDocument, CloseTable) {
                        std::vector<std::string> questions; int itemsInFile; };
     const std::vector<std::string> both = {"T3124", "T3125"};
     using A = Answer;
-    for (const CloseCase& c : {CloseCase{true, {A::No}, false, false, {"T3124"}, 0}, {true, {A::Yes, A::Cancel}, false, false, both, 0},
-                               {true, {A::Yes, A::No}, false, true, both, 0}, {true, {A::Yes, A::Yes}, false, true, both, 1},
-                               {false, {A::Yes, A::Yes}, false, false, both, -1}, {false, {A::Yes, A::Yes}, true, true, both, -1}}) {
+    for (const CloseCase& c :
+         {CloseCase{true, {A::No}, false, false, {"T3124"}, 0}, {true, {A::Yes, A::Cancel}, false, false, both, 0},
+          {true, {A::Yes, A::No}, false, true, both, 0}, {true, {A::Yes, A::Yes}, false, true, both, 1},
+          {false, {A::Yes, A::Yes}, false, false, both, -1}, {false, {A::Yes, A::Yes}, true, true, both, -1}}) {
         Doc d;  // an edited layout, saved to a file when named
         d.doc.newLayout();
         EXPECT_EQ(c.named && d.doc.saveAs(d.dir / "Open.IIF"), c.named);
