@@ -109,8 +109,7 @@ TEST(IClassGrids, AControlJustMadeShowsItsGridsAndTheyFollowItsSize) {
             out << m.headerData(c, Qt::Horizontal).toString() + "/" + QString::number(host.grid(name)->columnWidth(c));
         return out << QString::number(m.rowCount());
     };
-    const int dpi = host.control.logicalDpiX();
-    const auto px = [dpi](int twips) { return "/" + QString::number(twipsToPixels(twips, dpi)); };
+    const auto px = [dpi = host.control.logicalDpiX()](int twips) { return "/" + QString::number(twipsToPixels(twips, dpi)); };
     EXPECT_EQ(shown("grdItems"), QStringList({px(400), "T3113" + px(3500), "T3118" + px(1000), "Page" + px(1000),
                                               "T3115" + px(1000), "T3116" + px(1000), "T3117" + px(1000), "T4607" + px(1000),
                                               "T4642" + px(1000), "1"}));
@@ -121,10 +120,15 @@ TEST(IClassGrids, AControlJustMadeShowsItsGridsAndTheyFollowItsSize) {
         EXPECT_EQ(std::make_tuple(items.width(), updates.width(), items.top(), updates.top(), updates.bottom() + 1),
                   std::make_tuple(size.width(), size.width(), 0, items.bottom() + 1, size.height()));
     }
-    const IClass bare;  // no library handed over: the default texts
+    const QLocale before;
+    QLocale::setDefault(QLocale::German);  // the decimal separator is the locale's at the control's start
+    const IClass bare;                     // no library handed over: the default texts
+    QLocale::setDefault(before);
     EXPECT_EQ(std::make_tuple(bare.itemGrid()->model()->headerData(1, Qt::Horizontal).toString(),
-                              bare.itemGrid()->columnWidth(1), bare.itemGrid()->model()->rowCount()),
-              std::make_tuple(QString("<Field(s) or Function>"), twipsToPixels(3500, bare.logicalDpiX()), 1));
+                              bare.itemGrid()->columnWidth(1), bare.itemGrid()->model()->rowCount(), bare.decimalSeparator(),
+                              bare.itemGrid()->model()->headerData(1, Qt::Horizontal, Qt::ToolTipRole)),  // text only
+              std::make_tuple(QString("<Field(s) or Function>"), twipsToPixels(3500, bare.logicalDpiX()), 1, QChar(','),
+                              QVariant()));
 }
 
 // A key or a mouse press in a grid makes it the grid worked in; there Delete asks and removes the
@@ -227,8 +231,7 @@ TEST(IClassSession, AHostMakesEditsSavesClosesAndReopensALayoutByMemberName) {
     // A cell of the grid by row and column; one outside it has no text.
     const auto& model = dynamic_cast<const TextGridModel&>(*host.grid("grdItems")->model());
     EXPECT_EQ(QStringList({model.cellText(1, 4), model.cellText(-1, 1), model.cellText(2, 1), model.cellText(0, -1),
-                           model.cellText(0, model.columnCount())}),
-              QStringList({"25", "", "", "", ""}));
+                           model.cellText(0, model.columnCount())}), QStringList({"25", "", "", "", ""}));
     host.grid("grdItems")->setCurrentIndex(host.grid("grdItems")->model()->index(1, 1));
     QString block;
     bool readOnly = false;  // the operator edits through the dialogs only: no grid takes typing
@@ -309,10 +312,8 @@ TEST(IClassCommands, ItemDialogsOpenWhileALayoutIsEnteredAndACancelledOneChanges
         saved.events.clear();
         saved.prompter.messages.clear();
         saved.call(member);
-        EXPECT_EQ(std::make_tuple(saved.dialogs, saved.messageTexts(), saved.events.size(),
-                                  saved.get("Saved").toBool()),
-                  std::make_tuple(opened, *told ? std::vector<std::string>{told} : std::vector<std::string>{}, 0u,
-                                  true));
+        EXPECT_EQ(std::make_tuple(saved.dialogs, saved.messageTexts(), saved.events.size(), saved.get("Saved").toBool()),
+                  std::make_tuple(opened, *told ? std::vector<std::string>{told} : std::vector<std::string>{}, 0u, true));
     }
 }
 
@@ -379,6 +380,7 @@ TEST(IClassTexts, TheCustomLibraryOverridesTheStandardOneAndToolTipsFollowAfterD
         return QStringList({host.grid("grdItems")->model()->headerData(1, Qt::Horizontal).toString(),
                             host.grid("grdItems")->toolTip(), host.grid("grdDBUpdateFields")->toolTip()});
     };
+    EXPECT_EQ(shown(), QStringList({"T3113", "T3195", "T3196"}));  // those of the library the host handed over
     writeBytes(host.dir / "broken.dll", "MZ this is no Windows image");
     QString why;
     const LanguageHandle broken = loadLanguageLibrary(host.path("broken.dll"), &why);

@@ -61,10 +61,9 @@ struct Controls {
     // of each one shown, "*" after the checked one and "-" after one that cannot be chosen.
     QStringList options(const QString& frame) const {
         QStringList out;
-        for (int i = 0; i < 4; ++i) {
-            auto* o = child<QRadioButton>(QStringLiteral("%1(%2)").arg(frame).arg(i));
-            if (o->isVisible()) out << o->text() + (o->isChecked() ? "*" : "") + (o->isEnabled() ? "" : "-");
-        }
+        for (int i = 0; i < 4; ++i)
+            if (auto* o = child<QRadioButton>(QStringLiteral("%1(%2)").arg(frame).arg(i)); o->isVisible())
+                out << o->text() + (o->isChecked() ? "*" : "") + (o->isEnabled() ? "" : "-");
         return out;
     }
     // Those of the named controls that show.

@@ -13,19 +13,17 @@ namespace kestrin::test {
 namespace {
 
 struct Rules : DialogFixture {
-    explicit Rules(IClassType chip = iSmallOnePage) : DialogFixture({}, chip) {}
+    using DialogFixture::DialogFixture;
+    explicit Rules(IClassType chip) : DialogFixture({}, chip) {}
     // A language library in which every text reads "T<number>".
     void numberedTexts() {
         std::vector<int> ids(2000);
         std::iota(ids.begin(), ids.end(), 3000);
         doc.translator().setLanguageDLL(numberedLibrary(registry, dir / "numbered.txt", ids));
     }
-    QString caption(const QString& name) const {
-        QWidget* w = child(name);
-        if (auto* b = qobject_cast<QAbstractButton*>(w)) return b->text();
-        if (auto* l = qobject_cast<QLabel*>(w)) return l->text();
-        if (auto* g = qobject_cast<QGroupBox*>(w)) return g->title();
-        return w ? w->windowTitle() : QString();
+    QString caption(const QString& name) const {  // a button's or label's text, a frame's title
+        const QWidget* w = child(name);
+        return w ? w->property(qobject_cast<const QGroupBox*>(w) ? "title" : "text").toString() : QString();
     }
 };
 
@@ -126,13 +124,14 @@ TEST(DialogEncodings, EachFieldTypeOffersItsOptionsAndFormats) {
     }
 }
 
-// Each function captions and shows its own property options and the first one it offers is
-// chosen; its boxes are shown with it.
+// Each function captions and shows its own property options (by text number where they have one,
+// even when the library has a text 0) and the first one it offers is chosen; its boxes are shown
+// with it. A counter starts counting from the number box.
 TEST(DialogFunctions, EachFunctionOffersItsPropertiesAndStartsWithTheFirst) {
     const QStringList boxes = {"txtConstantValue", "fraCountFirstValue", "txtCountNumber", "txtCountStep",
                                "fraRange", "txtPolynom", "txtStartValue"};
     const std::tuple<int, QStringList, QStringList> cases[] = {
-        {0, {"<Value>*", "<Field>"}, {"txtConstantValue"}},
+        {0, {"T3106*", "T3111"}, {"txtConstantValue"}},
         {1, {"<Write before increment>*", "<Increment before Write>"}, {"fraCountFirstValue", "txtCountNumber", "txtCountStep"}},
         {2, {"<String decimal>*", "<String hexadecimal>", "<Motorola dec.(HiByte-LoByte)>", "<Intel dec.(LoByte-HiByte)>"}, {}},
         {3, {"<ADD>*", "<Polynomial CRC>", "<Parity (0: Even, 1: Odd)>"}, {"fraRange", "txtStartValue"}},
@@ -141,12 +140,15 @@ TEST(DialogFunctions, EachFunctionOffersItsPropertiesAndStartsWithTheFirst) {
         for (const auto& [function, options, shownBoxes] : cases) {
             SCOPED_TRACE("mode " + std::to_string(mode) + ", function " + std::to_string(function));
             Rules d;
+            d.doc.translator().setLanguageDLL(numberedLibrary(d.registry, d.dir / "texts.txt", {0, 3106, 3111}));
             d.open<frmEditiClass>(mode);
             d.click(QStringLiteral("optFunction(%1)").arg(3 - function));  // another function first
             d.click(QStringLiteral("optProperty(%1)").arg(function == 3 ? 1 : 3));
             d.click(QStringLiteral("optFunction(%1)").arg(function));
-            EXPECT_EQ(std::make_tuple(d.options("optProperty"), d.shown(boxes), d.text("txtSelectedField")),
-                      std::make_tuple(options, shownBoxes, QStringList({"Constant", "Count", "CardSnNr", "Checksum"})[function]));
+            const QString word = QStringList({"Constant", "Count", "CardSnNr", "Checksum"})[function];
+            const bool fromNumber = d.checked("optCountFirstValue(0)");
+            EXPECT_EQ(std::make_tuple(d.options("optProperty"), d.shown(boxes), d.text("txtSelectedField"), fromNumber),
+                      std::make_tuple(options, shownBoxes, word, true));
         }
     // A counter's first value comes from the number box or from a field of the list.
     Rules d;
@@ -163,8 +165,7 @@ TEST(DialogFunctions, EachFunctionOffersItsPropertiesAndStartsWithTheFirst) {
 TEST(DialogFunctions, TheUpdateDialogShowsTheChosenFunctionsBoxes) {
     const QStringList boxes = {"txtConstantValue", "txtCountNumber", "txtCountStep", "optProperty(0)", "optProperty(1)"};
     const std::vector<ItemRecord> updates = {dbUpdate("NUMBER", "CardSnNr", "1"), dbUpdate("NAME", "Count", "7", "3")};
-    Rules d;
-    d.doc.setLayout(CIClass(), recordsOf(updates));
+    Rules d(updates);
     d.open<frmDBUpdate>();
     const std::pair<const char*, QStringList> shownFor[] = {{"", {"txtConstantValue"}},
                                                             {"optFunction(2)", {"optProperty(0)", "optProperty(1)"}},
@@ -179,8 +180,7 @@ TEST(DialogFunctions, TheUpdateDialogShowsTheChosenFunctionsBoxes) {
         {0, "NUMBER", "optFunction(2)", {"", "", "", "optProperty(1)"}},
         {1, "NAME", "optFunction(1)", {"", "7", "3", "optProperty(0)"}}};
     for (const auto& [index, field, function, values] : edited) {
-        Rules e;
-        e.doc.setLayout(CIClass(), recordsOf(updates));
+        Rules e(updates);
         e.open<frmDBUpdate>(index);
         const QString checked = e.checked("optProperty(0)") ? "optProperty(0)" : "optProperty(1)";
         EXPECT_EQ(QStringList({e.text("txtConstantValue"), e.text("txtCountNumber"), e.text("txtCountStep"), checked}), values);
@@ -197,13 +197,15 @@ TEST(DialogLimits, ThePlaceListsOfferThePagesFreeBlocksBytesAndBits) {
             Rules d(chip);
             if (which < 2) d.open<frmEditiClass>(which == 0 ? kModeField : kModeBitFunction);
             else d.open<frmMultiTrack>();
-            EXPECT_EQ(std::make_tuple(d.entries("cboPage"), d.entries("cboRow"), d.entries("cboBeginByte")),
-                      std::make_tuple(range(0, pages - 1), range(19, 31), range(0, 7)));
+            EXPECT_EQ(std::make_tuple(d.entries("cboPage"), d.entries("cboRow"), d.entries("cboBeginByte"),
+                                      which > 0 ? d.entries("cboBeginBit") : range(0, 7)),  // byte items have no begin bit
+                      std::make_tuple(range(0, pages - 1), range(19, 31), range(0, 7), range(0, 7)));
             QStringList lists = {"cboPage", "cboRow", "cboBeginByte"};
-            if (which > 0) lists << "cboBeginBit";  // byte items have no begin bit
+            if (which > 0) lists << "cboBeginBit";
             for (const QString& list : lists) EXPECT_EQ(d.child<QComboBox>(list)->currentIndex(), 0) << list.toStdString();
-            if (which > 0) {
-                EXPECT_EQ(d.entries("cboBeginBit"), range(0, 7));
+            if (pages == 8) {  // another page offers its own rows
+                d.choose("cboPage", "3");
+                EXPECT_EQ(d.entries("cboRow"), range(6, 31));
             }
         }
     }
@@ -260,6 +262,11 @@ TEST(DialogLimits, TheMultiTrackArrowsStopAtTheRoomLeft) {
         }
         EXPECT_EQ(ends, QStringList({QString::number(room), "1"})) << block << "/" << byte;
     }
+    // A page taller than the dialog scrolls, with every column of its map in view.
+    Rules big(iBigOnePage);
+    const QTableWidget& map = *big.open<frmMultiTrack>().findChild<QTableWidget*>("grdPreview");
+    EXPECT_EQ(std::make_pair(map.verticalScrollBar()->maximum() > 0, map.horizontalHeader()->length() <= map.viewport()->width()),
+              std::make_pair(true, true)) << map.horizontalHeader()->length() << " " << map.viewport()->width();
 }
 
 // A dialog opens with nothing to apply, for a new item or one being edited, and OK then closes
@@ -284,12 +291,10 @@ TEST(DialogState, ADialogOpensWithNothingToApplyAndTellsHowItEnded) {
                                                     {kModeFunction, 2}};
     for (const auto& [mode, edit] : editors) {
         SCOPED_TRACE("mode " + std::to_string(mode) + ", editing " + std::to_string(edit));
-        Rules d;
-        d.doc.setLayout(CIClass(), recordsOf(items));
+        Rules d(items);
         okThenCancel(d, d.open<frmEditiClass>(mode, edit));
     }
-    Rules d;
-    d.doc.setLayout(CIClass(), recordsOf(items));
+    Rules d(items);
     okThenCancel(d, d.open<frmMultiTrack>());
 }
 

@@ -54,7 +54,8 @@ TEST(EditiClassFields, APlaceBeyondThePageIsRefusedAndOneOnItIsAppliedByOk) {
     ed.click("cmdOK");
     EXPECT_EQ(std::make_tuple(ed.records().size(), form.isVisible()), std::make_tuple(0, true));
     ed.prompter.messages.clear();
-    ed.place(20, 2, "4");
+    ed.place(20, 1, "4");
+    ed.choose("cboBeginByte", "2");  // the mark follows the place chosen
     const QColor mark = memoryMapColor(kMapMarkColor);
     EXPECT_EQ(std::make_tuple(ed.mapColour(21, 2) == mark, ed.mapColour(21, 3), ed.mapColour(21, 6), ed.mapColour(21, 7) == mark),
               std::make_tuple(false, mark, mark, false));
@@ -64,22 +65,21 @@ TEST(EditiClassFields, APlaceBeyondThePageIsRefusedAndOneOnItIsAppliedByOk) {
               std::make_tuple(false, false, int(QDialog::Accepted), 1, false, 0u));
     ASSERT_EQ(ed.records().size(), 1);
     const ItemRecord& r = ed.records()[0];
-    EXPECT_EQ(
-        std::make_tuple(r.name, std::string(kindWord(r)), r.page, r.block, r.beginByte, r.numBytes, r.encodingCode, r.fieldType),
-        std::make_tuple(std::string("NAME"), std::string(kKindField), 0, 20, 2, 4, 0, int{kFieldTypeCharacter}));
-    EXPECT_TRUE(lightColour(r.color)) << std::hex << r.color;
-    EXPECT_EQ(std::make_pair(ed.child<QTableWidget>("grdPreview")->item(21, 3)->text(), ed.mapColour(21, 3)),
-              std::make_pair(QString("NAME"), memoryMapColor(r.color)));
+    EXPECT_EQ(std::make_tuple(r.name, std::string(kindWord(r)), r.page, r.block, r.beginByte, r.numBytes, r.encodingCode,
+                              r.fieldType, lightColour(r.color), ed.child<QTableWidget>("grdPreview")->item(21, 3)->text(),
+                              ed.mapColour(21, 3)),
+              std::make_tuple(std::string("NAME"), std::string(kKindField), 0, 20, 2, 4, 0, int{kFieldTypeCharacter}, true,
+                              QString("NAME"), memoryMapColor(r.color))) << std::hex << r.color;
 }
 
 TEST(EditiClassFields, EditingPresetsTheControlsAndReplacesTheItemOrPutsItBackWhenRefused) {
-    ItemRecord old = field("NUMBER", 0, 20, 1, 6, 4, 0x00A0B0C0);
+    ItemRecord old = field("NUMBER", 2, 20, 1, 6, 4, 0x00A0B0C0);
     old.fieldType = kFieldTypeNumber;
-    Dialog ed({field("OTHER", 0, 25, 0, 2), old});
+    Dialog ed({field("OTHER", 0, 25, 0, 2), old}, iBigEightPages);
     ed.editor(kModeField, 1);
-    EXPECT_EQ(QStringList({ed.text("txtSelectedField"), ed.current("cboRow"), ed.text("txtNrBytes"), ed.current("cboBeginByte"),
-                           ed.current("cboFormat")}),
-              QStringList({"NUMBER", "20", "6", "1", "Postfix F"}));
+    EXPECT_EQ(QStringList({ed.text("txtSelectedField"), ed.current("cboPage"), ed.current("cboRow"), ed.text("txtNrBytes"),
+                           ed.current("cboBeginByte"), ed.current("cboFormat")}),
+              QStringList({"NUMBER", "2", "20", "6", "1", "Postfix F"}));
     EXPECT_EQ(std::make_pair(ed.checked("optEncode(3)"), ed.applyEnabled()), std::make_pair(true, false));
     ed.place(31, 6, "6");
     ed.click("cmdApply");
@@ -99,6 +99,11 @@ TEST(EditiClassFields, EditingPresetsTheControlsAndReplacesTheItemOrPutsItBackWh
 TEST(EditiClassFunctions, ANewFunctionIsWrittenWithWhatWasTypedAndChosen) {
     Dialog ed;
     ed.editor(kModeBitFunction);
+    // The bit view's top row numbers each byte's bits; none of its cells can be picked or typed into.
+    const QTableWidget& bits = *ed.child<QTableWidget>("grdPreview");
+    EXPECT_EQ(std::make_tuple(bits.item(0, bitGridColumn(0, 0))->toolTip(), bits.item(0, bitGridColumn(7, 7))->toolTip(),
+                              bits.item(0, bitGridColumn(3, 5))->flags()),
+              std::make_tuple(QString("0.0"), QString("7.7"), Qt::ItemFlags(Qt::ItemIsEnabled)));
     ed.click("optFunction(3)");
     ed.click("optProperty(2)");
     const Boxes typed = {{"txtNrBytes", "4"}, {"txtPolynom", "19"}, {"txtStartValue", "3"}, {"txtRangeBytesCount", "2"}};
@@ -109,8 +114,8 @@ TEST(EditiClassFunctions, ANewFunctionIsWrittenWithWhatWasTypedAndChosen) {
     const ItemRecord& r = ed.records()[0];
     const FunctionInput in = functionInputOf(r);
     EXPECT_EQ(std::tuple(std::string(kindWord(r)), r.block, r.beginByte, r.beginBit, r.numBits, in.option, in.polynomText,
-                         in.startValueText, in.rangeCountText, lightColour(r.color)),
-              std::tuple(std::string(kKindBitFunction), 23, 2, 4, 4, 2, "19", "3", "2", true));
+                         in.startValueText, in.rangeBeginByte, in.rangeCountText, lightColour(r.color)),
+              std::tuple(std::string(kKindBitFunction), 23, 2, 4, 4, 2, "19", "3", 0, "2", true));
 }
 
 // A value box is checked against its own limits when it is left and again by Apply; the box keeps
@@ -140,11 +145,9 @@ TEST(EditiClassFunctions, AValueOutOfRangeIsRefusedAndItsBoxKeepsTheFocus) {
 
 // Editing a function presets its controls; Apply replaces it keeping its colour.
 TEST(EditiClassFunctions, EditingAChecksumOrACountPresetsItsValues) {
-    FunctionInput checksum;
-    checksum.kind = FunctionKind::Checksum, checksum.option = kChecksumCrc, checksum.polynomText = "263";
-    checksum.startValueText = "5", checksum.rangeRow = 20, checksum.rangeBeginByte = 3, checksum.rangeCountText = "4";
-    FunctionInput count;
-    count.kind = FunctionKind::Count, count.countNumberText = "7", count.countStepText = "3";
+    FunctionInput checksum{.kind = FunctionKind::Checksum, .option = kChecksumCrc, .polynomText = "263", .startValueText = "5",
+                           .rangeRow = 20, .rangeBeginByte = 3, .rangeCountText = "4"};
+    const FunctionInput count{.kind = FunctionKind::Count, .countNumberText = "7", .countStepText = "3"};
     for (const auto& [in, bytes, option, boxes] :
          {std::tuple{checksum, 1, "optProperty(2)", Boxes{{"txtPolynom", "263"}, {"txtStartValue", "5"}}},
           std::tuple{count, 2, "optProperty(0)", Boxes{{"txtCountNumber", "7"}, {"txtCountStep", "3"}}}}) {
@@ -156,10 +159,12 @@ TEST(EditiClassFunctions, EditingAChecksumOrACountPresetsItsValues) {
         for (const auto& [box, shown] : boxes) EXPECT_EQ(ed.text(box), shown) << box;
         if (in.kind != FunctionKind::Checksum) continue;
         EXPECT_EQ(ed.current("cboRangeBeginRow") + ed.current("cboRangeBeginByte"), "203");
+        ed.choose("cboRangeBeginByte", "5");
+        EXPECT_TRUE(ed.applyEnabled());
         ed.type("txtStartValue", "9");
         ed.click("cmdApply");
         EXPECT_EQ(ed.messageTexts(), std::vector<std::string>{});
-        checksum.startValueText = "9";
+        checksum.startValueText = "9", checksum.rangeBeginByte = 5;
         EXPECT_EQ(std::make_pair(functionInputOf(ed.records()[0]), ed.records()[0].color), std::make_pair(checksum, 0x00909090));
     }
 }
@@ -219,6 +224,10 @@ TEST(Properties, OkIsRefusedWhileABoundaryCutsAnItemAndClosingSkipsTheChecks) {
     EXPECT_EQ(d.messageTexts(), (std::vector<std::string>{"T4610\r\nT4611", "T4643\r\nT4644"}));
     EXPECT_EQ(std::make_tuple(d.prompter.messages.front().icon, p.isVisible(), p.Unchanged, p.Card->GetBoundary(0)),
               std::make_tuple(Icon::Exclamation, true, true, 18));
+    // The cut box shows in red on the tool-tip colour; the others stay black on white.
+    const QPalette cut = d.bound(0)->palette(), kept = d.bound(1)->palette(), tip = QApplication::palette();
+    EXPECT_EQ(std::make_tuple(cut.base().color(), cut.text().color(), kept.base().color(), kept.text().color()),
+              std::make_tuple(tip.toolTipBase().color(), QColor(Qt::red), QColor(Qt::white), QColor(Qt::black)));
     d.click("chkICBitwise");
     p.close();
     EXPECT_EQ(std::make_tuple(d.prompter.messages.size(), p.Cancelled, p.Card->EnableBitwise(), p.Card->GetBoundary(0)),
@@ -245,6 +254,8 @@ TEST(DBUpdate, ABoxOutOfRangeIsRefusedAndOkWritesTheChosenFieldAndFunctionAsOneR
     d.type("txtCountStep", "255");
     d.click("cmdOK");
     EXPECT_EQ(std::make_tuple(d.messageTexts().size(), u.Cancelled, u.isVisible()), std::make_tuple(1u, false, false));
+    u.show(), d.click("cmdCancel");  // shown again and cancelled: Cancelled tells so, what OK wrote stays
+    EXPECT_TRUE(u.Cancelled);
     ItemRecord update = dbUpdate("NUMBER", "Count", "10", "255");
     update.dbColumn = 1;
     EXPECT_EQ(d.records().records(), (std::vector<ItemRecord>{field("Card", 0, 20, 0, 4), update}));
@@ -270,12 +281,12 @@ TEST(MultiTrack, ApplyStoresABinaryFieldAndRefusesAnOverlapWithAnotherItem) {
               std::make_tuple(std::string(kKindBinaryField), std::string("NUMBER"), 20, 2, 3, 12));
     EXPECT_EQ(std::make_tuple(d.child<QTableWidget>("grdPreview")->item(21, 3)->text(), d.mapColour(21, 3), d.applyEnabled()),
               std::make_tuple(QString("NUMBER"), memoryMapColor(r.color), false));
-    d.click("cmdOK");
-    EXPECT_FALSE(m.Cancelled || m.isVisible());
 
     Dialog edit({r, other});
     frmMultiTrack& e = edit.open<frmMultiTrack>(0);
-    EXPECT_EQ(std::make_pair(edit.current("cboRow"), edit.text("txtNrBytes")), std::make_pair(QString("20"), QString("12")));
+    const QTableWidgetItem* shown = edit.child<QTableWidget>("grdPreview")->item(21, 3);  // the map shows the item at once
+    EXPECT_EQ(std::make_tuple(edit.current("cboRow"), edit.text("txtNrBytes"), shown ? shown->text() : QString()),
+              std::make_tuple(QString("20"), QString("12"), QString("NUMBER")));
     edit.choose("cboBeginByte", "0");
     edit.click("cmdApply");  // no message: the later list holds only the refusal
     r.beginByte = 0;
@@ -284,8 +295,7 @@ TEST(MultiTrack, ApplyStoresABinaryFieldAndRefusesAnOverlapWithAnotherItem) {
     edit.click("cmdOK");
     EXPECT_EQ(std::make_pair(edit.messageTexts(), edit.applyEnabled()), std::make_pair(std::vector<std::string>{"T3166: Other."}, true));
     edit.click("cmdCancel");
-    EXPECT_TRUE(e.Cancelled);
-    EXPECT_EQ(edit.records().records(), (std::vector<ItemRecord>{r, other}));
+    EXPECT_EQ(std::make_pair(e.Cancelled, edit.records().records()), std::make_pair(true, std::vector<ItemRecord>{r, other}));
 
     // An item before the free blocks (a layout made with the HID area off) is shown where it lies,
     // and Apply of a change then refuses the place.
