@@ -30,8 +30,7 @@ void expectOpensTo(const std::string& bytes, const CIClass& card, const RecordAr
     EXPECT_TRUE(o->card.ChipSize() == card.ChipSize() && o->card.UseHIDSection() == card.UseHIDSection() &&
                 o->card.EnableBitwise() == card.EnableBitwise());
     for (int32_t p = 1; p < card.PagesCount(); ++p) EXPECT_EQ(o->card.GetBoundary(p), card.GetBoundary(p)) << p;
-    ASSERT_EQ(o->records.size(), records.size());
-    for (int32_t i = 0; i < records.size(); ++i) EXPECT_EQ(o->records[i], records[i]) << i;
+    EXPECT_EQ(o->records.records(), records.records());
 }
 
 // The bundled layouts open with the bundled project to the cards and items they hold, and

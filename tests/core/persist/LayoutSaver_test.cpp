@@ -116,9 +116,7 @@ TEST_F(LayoutSaver, ItemsAreSavedOnlyWhenTheyReadBackTheSame) {
                                  out.message.find(c.refusal) != std::string::npos, fs::exists(layout) ? readBytes(layout) : ""),
                       std::tuple(1u, 0u, true, before)) << out.message;
         } else {
-            const auto read = openLayout(readBytes(layout));
-            ASSERT_EQ(read->records.size(), 2);
-            EXPECT_EQ(read->records[1], c.item);
+            EXPECT_EQ(openLayout(readBytes(layout))->records.records(), records.records());
         }
     }
 }
