@@ -130,12 +130,34 @@ def linux_sources():
             if not f.name.endswith("Windows.cpp")]
 
 
+def built_here(lines):
+    """For each line, whether this platform compiles it: lines under "#ifdef _WIN32" (or the
+    "#else" of "#ifndef _WIN32") are Windows-only, and a mutant of them could never fail here."""
+    stack, out = [], []
+    for line in lines:
+        directive = re.match(r'\s*#\s*(ifdef|ifndef|if|else|elif|endif)\b\s*(\w*)', line)
+        if directive:
+            word, name = directive.groups()
+            if word in ("ifdef", "ifndef", "if"):
+                # True: the Windows branch of a _WIN32 test, False: its other branch, None: another test
+                stack.append(word == "ifdef" if word != "if" and name == "_WIN32" else None)
+            elif word in ("else", "elif") and stack and stack[-1] is not None:
+                stack[-1] = not stack[-1]
+            elif word == "endif" and stack:
+                stack.pop()
+        out.append(not any(windows for windows in stack if windows))
+    return out
+
+
 def all_mutants():
     found = []
     for file in linux_sources():
         rel = file.relative_to(ROOT).as_posix()
         seen = {}
-        for no, line in enumerate(file.read_text(encoding="utf-8").splitlines(keepends=True), 1):
+        lines = file.read_text(encoding="utf-8").splitlines(keepends=True)
+        for no, (line, here) in enumerate(zip(lines, built_here(lines)), 1):
+            if not here:
+                continue
             for m in line_mutants(rel, no, line if line.endswith("\n") else line + "\n"):
                 base = f"{rel}\0{m.original.strip()}\0{m.kind}\0{m.mutated.strip()}"
                 seen[base] = seen.get(base, 0) + 1
