@@ -148,7 +148,9 @@ TEST(Cli, DroppedEntriesAreCheckedFirstAndWarnedOf) {
 // The width and height a PNG file's header gives.
 std::pair<int, int> pngSize(const fs::path& png) {
     const std::string b = fs::exists(png) ? readBytes(png.string()) : std::string();
-    const auto at = [&](std::size_t i) { return uint8_t(b[i]) << 24 | uint8_t(b[i + 1]) << 16 | uint8_t(b[i + 2]) << 8 | uint8_t(b[i + 3]); };
+    const auto at = [&](std::size_t i) {
+        return uint8_t(b[i]) << 24 | uint8_t(b[i + 1]) << 16 | uint8_t(b[i + 2]) << 8 | uint8_t(b[i + 3]);
+    };
     return b.size() < 24 || b.compare(12, 4, "IHDR") != 0 ? std::pair(0, 0) : std::pair(at(16), at(20));
 }
 

@@ -50,7 +50,8 @@ TEST(Geometry, NoNamedControlLeavesItsWindowOrCoversAnother) {
             for (int row = 0; row < 5; ++row) {  // each field type with each of its encodings
                 d.clickField(row);
                 for (int encoding = 0; encoding < 4; ++encoding)
-                    if (option("optEncode", encoding)) check(*d.root, "field " + std::to_string(row) + " encoding " + std::to_string(encoding));
+                    if (option("optEncode", encoding))
+                        check(*d.root, "field " + std::to_string(row) + " encoding " + std::to_string(encoding));
             }
         if (mode == kModeField) {
             d.clickField(1), option("optEncode", 3);  // a number in BCD, with its format list
