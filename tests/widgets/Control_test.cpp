@@ -317,24 +317,29 @@ TEST(IClassCommands, ItemDialogsOpenWhileALayoutIsEnteredAndACancelledOneChanges
     }
 }
 
-TEST(IClassCommands, PropertiesConfirmedOnANewLayoutAreOneChange) {
+// The operator switches bitwise encoding in the properties dialog and leaves it by OK or Cancel.
+TEST(IClassCommands, PropertiesConfirmedAreOneChangeAndCancelledNone) {
     Host host;
-    const auto confirmBitwise = [](QDialog& d) {
-        d.show();
-        Controls{&d}.click("chkICBitwise");
-        Controls{&d}.click("cmdOK");
-        return d.result();
+    const auto switchBitwiseThen = [](const char* button) {
+        return [button](QDialog& d) {
+            d.show();
+            Controls{&d}.click("chkICBitwise");
+            Controls{&d}.click(button);
+            return d.result();
+        };
     };
-    host.onDialog = confirmBitwise;  // Cancel: nullptr
+    host.onDialog = switchBitwiseThen("cmdOK");
     host.call("NewLayout", true);
     EXPECT_EQ(std::make_tuple(host.dialogs, host.events, host.get("UseBit").toBool()),
               std::make_tuple(std::vector<QString>{"frmProperties"}, kRefresh, true));
     host.events.clear();
-    host.onDialog = nullptr;
-    host.call("SetProperties");  // cancelled: no event
-    host.onDialog = confirmBitwise;
+    host.onDialog = switchBitwiseThen("cmdCancel");
     host.call("SetProperties");
-    EXPECT_EQ(std::make_pair(host.events, host.get("Saved").toBool()), std::make_pair(std::vector<QString>{"Changed"}, false));
+    EXPECT_EQ(std::make_pair(host.events, host.get("UseBit").toBool()), std::make_pair(std::vector<QString>{}, true));
+    host.onDialog = switchBitwiseThen("cmdOK");
+    host.call("SetProperties");
+    EXPECT_EQ(std::make_tuple(host.events, host.get("Saved").toBool(), host.get("UseBit").toBool()),
+              std::make_tuple(std::vector<QString>{"Changed"}, false, false));
 }
 
 TEST(IClassCommands, WithoutALayoutTheCardCommandsLeaveNoCardForThePreview) {
