@@ -85,11 +85,15 @@ TEST(LayoutDocument, ItemChangesTable) {
     };
     const auto adopt = [](bool modified) {
         return [=](LayoutDocument& d) {
-            return d.adoptCard(chipOf(iBigOnePage), modified), yes(d.card()->ChipSize() == iBigOnePage);
+            d.adoptCard(chipOf(iBigOnePage), modified);
+            return yes(d.card()->ChipSize() == iBigOnePage);
         };
     };
     const auto session = [](std::vector<EditorEntries> items) {
-        return [=](LayoutDocument& d) { return d.batch([&] { for (const auto& e : items) d.applyItem(e); }), yes(d.saved()); };
+        return [=](LayoutDocument& d) {
+            d.batch([&] { for (const auto& e : items) d.applyItem(e); });
+            return yes(d.saved());
+        };
     };
     const ItemCase cases[] = {
         {"new item, last, light colour", {}, apply("N", 26, 4), "1 at 4", start + " N@26/light", {}, once},

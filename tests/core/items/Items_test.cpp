@@ -150,7 +150,7 @@ TEST(PageMap, PaintsExactlyTheBytesTouched) {
         {"AcrossPartsTail", iBigOnePage, 0, 1, false, item("F", 0, 31, 6, 4), {{1, 1}, {1, 2}}},
         {"WholePageEnd", iBigOnePage, 0, 0, true, item("F", 0, 255, 7, 3), {{256, 8}}},
         {"DatabaseUpdate", iSmallOnePage, 0, 0, false,
-         [] { ItemRecord r = item("F", 0, 20, 0, 2); return r.isDbUpdate = true, r; }(), {}},
+         [] { ItemRecord r = item("F", 0, 20, 0, 2); r.isDbUpdate = true; return r; }(), {}},
         {"NoLength", iSmallOnePage, 0, 0, false, item("F", 0, 20, 0, 0), {}}};
     for (const auto& [name, chip, page, part, wholePage, record, cells] : cases) {
         const MapGrid map = mapOf(chip, page, part, wholePage, recordsOf({record}));

@@ -60,7 +60,8 @@ TEST(LayoutFiles, BundledLayoutsSaveToTheirOwnBytes) {
 // constant, checksums with a polynomial, a start value or a bit range, a simple bit function.
 TEST(LayoutFiles, EveryKindOfEntrySavesToTheseBytesAndOpensTheSame) {
     CIClass card = chipOf(iBigOnePage);
-    card.setUseHIDSection(true), card.setEnableBitwise(true);
+    card.setUseHIDSection(true);
+    card.setEnableBitwise(true);
     const RecordArray records = recordsOf(
         {field("Name", 0, 19, 0, 16, 0, 11), field("Name", 0, 21, 0, 4, 64, -12),
          with(field("NAME", 0, 23, 0, 1, 0, 14), [](ItemRecord& r) { r.fieldType = 2; }),
@@ -86,7 +87,8 @@ TEST(LayoutFiles, EveryKindOfEntrySavesToTheseBytesAndOpensTheSame) {
 // An eight-page card stores the boundaries of pages 1 to 7 as byte addresses; page 0's is never stored.
 TEST(LayoutFiles, AnEightPageCardStoresTheBoundariesOfPagesOneToSeven) {
     CIClass card = chipOf(iBigEightPages);
-    card.setUseHIDSection(false), card.setEnableBitwise(false);
+    card.setUseHIDSection(false);
+    card.setEnableBitwise(false);
     card.SetBoundary(3, 25);
     std::vector<std::string> lines{"[GENERAL]", "Version=6.1.4", "[CARDDESIGN]", "Size=16K", "Pages=8", "UseBit=0", "UseHID=0"};
     for (int page = 1; page <= 7; ++page) lines.push_back(std::to_string(page) + "PageBorder=" + (page == 3 ? "200" : "144"));

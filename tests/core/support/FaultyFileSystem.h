@@ -30,7 +30,11 @@ public:
         : virtual_(std::move(virtualRoot)), real_(std::move(realRoot)) {}
 
     // Fails call number index (from 0); calling it again adds a further failing call.
-    void failCall(int index, Fault fault, int error = 0) { failAt_.push_back(index), fault_ = fault, errno_ = error; }
+    void failCall(int index, Fault fault, int error = 0) {
+        failAt_.push_back(index);
+        fault_ = fault;
+        errno_ = error;
+    }
 
     bool hardLinks = true;  // false: every link fails with EPERM, as on file systems without them
     std::vector<Call> calls;
@@ -47,14 +51,18 @@ public:
     std::error_code createNew(const std::filesystem::path& path, Handle& out) override {
         return guarded(Call::CreateNew, path, [&] {
             const auto ec = os().createNew(map(path), out);
-            return openHandles += !ec, ec;
+            openHandles += !ec;
+            return ec;
         });
     }
     std::error_code write(Handle file, std::string_view bytes, std::size_t& written) override {
         const bool chosen = next(Call::Write);
         if (diskFull_) return error(ENOSPC);
         if (chosen && fault_ == Fault::Error) return error(errno_);
-        if (chosen && fault_ == Fault::NoProgress) return written = 0, std::error_code{};
+        if (chosen && fault_ == Fault::NoProgress) {
+            written = 0;
+            return {};
+        }
         if (chosen) diskFull_ = fault_ == Fault::DiskFull, bytes = bytes.substr(0, std::max<std::size_t>(bytes.size() / 2, 1));
         return os().write(file, bytes, written);
     }

@@ -20,9 +20,11 @@ using namespace std::string_literals;
 using MaybeBytes = std::optional<std::string>;
 
 inline MaybeBytes readIfPresent(const std::filesystem::path& p) {
-    std::ostringstream bytes;  // whole buffers at a time: the kill test reads large files often
-    if (std::ifstream in{p, std::ios::binary}) return (bytes << in.rdbuf(), std::move(bytes).str());
-    return std::nullopt;
+    std::ifstream in(p, std::ios::binary);
+    if (!in) return std::nullopt;
+    std::ostringstream bytes;
+    bytes << in.rdbuf();  // whole buffers at a time: the kill test reads large files often
+    return std::move(bytes).str();
 }
 
 // A layout opened from bytes on a card of the chip given, answering questions as given.
