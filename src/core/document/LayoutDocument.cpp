@@ -322,7 +322,7 @@ LayoutDocument::DbUpdateResult LayoutDocument::applyDbUpdate(const DbUpdateEntri
     else
         records_.add(record);
     recordsChanged();
-    return {true, 0};
+    return {true};
 }
 
 EditorRecord LayoutDocument::editorRecordOfRow(int32_t row) const {

@@ -60,7 +60,6 @@ public:
     }
 
     std::error_code write(Handle file, std::string_view bytes, std::size_t& written) override {
-        written = 0;
         for (;;) {
             const ssize_t n = ::write(file, bytes.data(), bytes.size());
             if (n < 0 && errno == EINTR) continue;
