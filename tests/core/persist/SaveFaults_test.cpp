@@ -1,6 +1,8 @@
 // Every file system call of a save fails in turn, with each error that call can meet: the
 // layout and chip encode files stay the old or become the complete new ones, the backup holds
 // a complete layout, a refused save tells the operator once, and no temporary file stays.
+// Before every call that may change the disk, where a killed save would stop, each file is
+// complete too.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -52,7 +54,7 @@ protected:
             records.add(r);
         TempDir reference, past;
         EXPECT_TRUE(saveTo(reference.path(), records).saved);
-        const SavedFiles expected = SavedFiles::read(reference.path(), "Card");
+        expected = SavedFiles::read(reference.path(), "Card");
         if (GetParam().overExistingLayout) {
             RecordArray older, old;
             older.add(field("Name", 0, 19, 0, 4));
@@ -77,6 +79,7 @@ protected:
         before.write(dir.path(), "Card");
         writeBytes(dir / kLeftover, "left by a crashed save");
         if (!GetParam().hardLinks) files.hardLinks = false;
+        files.beforeChange = [this, &dir] { expectEachFileComplete(dir.path()); };
         prompter.messages.clear();
         return saveTo(dir / "unseen", records, files);
     }
@@ -85,6 +88,17 @@ protected:
         FaultyFileSystem files(dir / "unseen", dir.path());
         EXPECT_TRUE(saveFailing(dir, files).saved);
         return files.calls;
+    }
+    // The layout and chip encode file are the old or the new ones; the backup is the old one
+    // or the layout before this save. A file absent before may be absent still.
+    void expectEachFileComplete(const fs::path& folder) {
+        const SavedFiles now = SavedFiles::read(folder, "Card");
+        const auto isOneOf = [](const MaybeBytes& file, const MaybeBytes& one, const MaybeBytes& other) {
+            return file == one || file == other;
+        };
+        EXPECT_TRUE(isOneOf(now.layout, before.layout, expected.layout) && isOneOf(now.encode, before.encode, expected.encode) &&
+                    isOneOf(now.backup, before.backup, before.layout))
+            << contents.nameOf(now.layout) << " / " << contents.nameOf(now.encode) << " / " << contents.nameOf(now.backup);
     }
     void expectFiles(const fs::path& folder, const std::string& layout, const std::string& encode,
                      const std::string& backup) {
@@ -98,7 +112,7 @@ protected:
     HostFieldList fields;
     RecordingPrompter prompter;
     Translator translator;
-    SavedFiles before;
+    SavedFiles expected, before;
     KnownContents contents;
 };
 

@@ -41,8 +41,8 @@ public:
     bool injected = false;
     std::filesystem::path failedPath;  // the real path the failed call was about (empty for handles)
     int openHandles = 0;
-    // Runs once, at the first call that may change the disk (any call but status): the
-    // save has rendered its files and checked the old ones by then.
+    // Runs before every call that may change the disk (any call but status): where a save
+    // killed at that moment would stop.
     std::function<void()> beforeChange;
 
     std::error_code status(const std::filesystem::path& path, FileStatus& out) override {
@@ -99,7 +99,7 @@ private:
     }
     // Counts a call; true when it is the one to fail.
     bool next(Call c) {
-        if (c != Call::Status && beforeChange) std::exchange(beforeChange, nullptr)();
+        if (c != Call::Status && beforeChange) beforeChange();
         calls.push_back(c);
         const bool chosen = std::find(failAt_.begin(), failAt_.end(), static_cast<int>(calls.size()) - 1) != failAt_.end();
         injected = injected || chosen;
