@@ -3,7 +3,6 @@
 #include <memory>
 #include <optional>
 #include <sstream>
-#include <tuple>
 
 #include "Records.h"
 #include "TestSupport.h"
@@ -23,7 +22,7 @@ inline MaybeBytes readIfPresent(const std::filesystem::path& p) {
     std::ifstream in(p, std::ios::binary);
     if (!in) return std::nullopt;
     std::ostringstream bytes;
-    bytes << in.rdbuf();  // whole buffers at a time: the kill test reads large files often
+    bytes << in.rdbuf();
     return std::move(bytes).str();
 }
 
@@ -79,13 +78,12 @@ struct KnownContents {
 };
 
 // Two large layouts of one-byte fields ("A0000".., "B0000"..) with different counts, so that
-// every file of one differs from the other's, for the tests that end a save midway.
+// every file of one differs from the other's.
 struct TwoLayouts {
     CIClass card;
     RecordArray records[2];
     HostFieldList fields;
     Translator translator;
-    KnownContents contents;  // "layout A", "encode A", "layout B", "encode B"
 
     explicit TwoLayouts(int countA, int countB) {
         card.setChipSize(iBigOnePage);
@@ -98,26 +96,10 @@ struct TwoLayouts {
                 hostFields.push_back({name, name, "Character", 1, static_cast<int16_t>(hostFields.size()), true});
             }
         fields.setFields(std::move(hostFields));
-        for (const std::string which : {"A", "B"}) {
-            TempDir one;
-            save(one.path(), which == "B");
-            const SavedFiles files = SavedFiles::read(one.path(), "Card");
-            contents.add("layout " + which, files.layout), contents.add("encode " + which, files.encode);
-        }
     }
-    SaveOutcome save(const std::filesystem::path& folder, int which, FileSystem& files = systemFileSystem()) const {
+    SaveOutcome save(const std::filesystem::path& folder, int which) const {
         RecordingPrompter quiet;
-        return saveLayout(folder / "Card.IIF", &card, records[which], fields, quiet, translator, {}, files);
-    }
-    // Each of the three files holds one complete layout or chip encode file, A's or B's.
-    std::string incomplete(const std::filesystem::path& folder) const {
-        const SavedFiles now = SavedFiles::read(folder, "Card");
-        std::string found;
-        for (const auto& [what, bytes, kind] : {std::tuple{"the layout is ", now.layout, "layout "},
-                                                std::tuple{"the chip encode file is ", now.encode, "encode "},
-                                                std::tuple{"the backup is ", now.backup, "layout "}})
-            if (const std::string name = contents.nameOf(bytes); name != kind + "A"s && name != kind + "B"s) found += what + name;
-        return found;
+        return saveLayout(folder / "Card.IIF", &card, records[which], fields, quiet, translator);
     }
 };
 
