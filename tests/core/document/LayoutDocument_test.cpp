@@ -98,7 +98,6 @@ TEST(LayoutDocument, ItemChangesTable) {
     const ItemCase cases[] = {
         {"new item, last, light colour", {}, apply("N", 26, 4), "1 at 4", start + " N@26/light", {}, once},
         {"new item past the page end", {}, apply("N", 31, 9), "0 at -1", start, {"T4600"}, none},
-        {"new item in the header", {}, apply("N", 5, 1), "0 at -1", start, {"T4601"}, none},
         {"the same item placed again", {}, apply("B", 22, 2), "2 at 3", "NAME:Constant A@20/111 C@24/333 B@22/light", {}, once},
         {"edit over its own old place", {}, apply("A", 21, 2, 1), "1 at 1", "NAME:Constant A@21/111 B@22/222 C@24/333", {}, once},
         {"edit onto another, cancelled", {Answer::Cancel}, apply("A", 22, 2, 1), "0 at -1", start, {"T3166: B."}, none},
@@ -138,15 +137,6 @@ TEST(LayoutDocument, ItemChangesTable) {
     }
 }
 
-// Fetching the host's fields answers whether the project has any.
-TEST(LayoutDocument, FetchingFieldsAnswersWhetherTheProjectHasAny) {
-    Doc d;
-    writeBytes(d.dir / "None.ini", crlf({"[DATABASE]", "NUMCOLUMNS=0"}));
-    writeBytes(d.dir / "One.ini", crlf({"[DATABASE]", "NUMCOLUMNS=1", "[COLUMN1]", "DbFIELD=A"}));
-    for (const auto& [file, any] : {std::pair{"Missing.ini", false}, {"None.ini", false}, {"One.ini", true}, {"None.ini", false}})
-        EXPECT_EQ(d.doc.fetchFields(d.dir / file), any) << file;
-}
-
 // The life of the layout: each step gives its result, the texts told, the records left and
 // whether the layout is open and saved.
 TEST(LayoutDocument, NewOpensACardWithTheHidAreaInUseAndSavesIt) {
@@ -169,7 +159,7 @@ TEST(LayoutDocument, NewOpensACardWithTheHidAreaInUseAndSavesIt) {
               std::tuple(false, false, 6));
 }
 
-TEST(LayoutDocument, OpenTakesTheFileAndItsSwitchesAndTheAuditNamesWhatItDropped) {
+TEST(LayoutDocument, OpenTakesTheFileAndItsSwitchesTheAuditNamesWhatItDroppedAndFieldsAreFetched) {
     Doc d;
     d.doc.setLayout(CIClass(), {});
     EXPECT_EQ(d.changes, std::vector<Change>{Change::Records});  // a layout handed over is heard as one
@@ -177,10 +167,9 @@ TEST(LayoutDocument, OpenTakesTheFileAndItsSwitchesAndTheAuditNamesWhatItDropped
     writeBytes(d.dir / "Hid.IIF", crlf({"[GENERAL]", "Version=6.1.4", "[CARDDESIGN]", "Size=2K", "Pages=1", "UseBit=1",
                                         "UseHID=0", "[ENCODE]", "NAME(1)=0,6,0,4,0"}));
     ASSERT_TRUE(d.doc.open(d.dir / "Hid.IIF").opened);
-    EXPECT_TRUE(d.doc.saved() && d.doc.useBit() && !d.doc.useHID());
-    EXPECT_EQ(std::tuple(d.doc.card()->page(0)->BeginFreeSpace, d.doc.records().size(), d.doc.layoutFile()),
-              std::tuple(6, 1, d.dir / "Hid.IIF"));
-    EXPECT_EQ(d.changes, std::vector<Change>{Change::Records});
+    EXPECT_EQ(std::tuple(d.doc.saved(), d.doc.useBit(), d.doc.useHID(), d.doc.card()->page(0)->BeginFreeSpace,
+                         d.doc.records().size(), d.doc.layoutFile(), d.changes),
+              std::tuple(true, true, false, 6, 1, d.dir / "Hid.IIF", std::vector<Change>{Change::Records}));
 
     // A check of the open layout reports what its file held that could not be read, before the
     // rules its items break, until a save writes a file without it.
@@ -199,6 +188,11 @@ TEST(LayoutDocument, OpenTakesTheFileAndItsSwitchesAndTheAuditNamesWhatItDropped
     ASSERT_TRUE(d.doc.open(d.dir / "Past.IIF").opened);
     d.doc.newLayout();
     EXPECT_EQ(audit(), "");
+    // Fetching the host's fields answers whether the project has any.
+    writeBytes(d.dir / "None.ini", crlf({"[DATABASE]", "NUMCOLUMNS=0"}));
+    writeBytes(d.dir / "One.ini", crlf({"[DATABASE]", "NUMCOLUMNS=1", "[COLUMN1]", "DbFIELD=A"}));
+    for (const auto& [file, any] : {std::pair{"Missing.ini", false}, {"None.ini", false}, {"One.ini", true}, {"None.ini", false}})
+        EXPECT_EQ(d.doc.fetchFields(d.dir / file), any) << file;
 }
 
 // Close asks whether to close and, with unsaved changes, whether to save first. Yes saves to

@@ -131,7 +131,6 @@ INSTANTIATE_TEST_SUITE_P(Chips, PageAreas, ::testing::Values(
     AreaCase{"BigPart1", iBigOnePage, true, 0, 1, -1, false, false, false, 33, 32, 1, 0, 0},
     AreaCase{"Eight0Hid", iBigEightPages, true, 0, 0, -1, false, true, true, 33, 0, 20, 20, 20},
     AreaCase{"Eight0NoHid", iBigEightPages, false, 0, 0, -1, false, true, false, 33, 0, 7, 7, 20},
-    AreaCase{"Eight5Boundary10", iBigEightPages, true, 5, 0, 10, false, true, false, 33, 0, 7, 7, 12},
     AreaCase{"Eight3Boundary32", iBigEightPages, true, 3, 0, 32, false, true, false, 33, 0, 7, 7, 34},
     AreaCase{"Eight1Boundary6", iBigEightPages, true, 1, 0, 6, false, true, false, 33, 0, 7, 7, 8}),
     [](const auto& p) { return std::string(p.param.name); });
@@ -175,20 +174,17 @@ TEST(BitMap, ShowsBlocksBytesItemsAndTheMark) {
     const PlaceMark mark{itemSpan(bitField("M", 0, 31, 7, 6, 2)), "M"};
     const MapGrid map = bitMap(page, recordsOf({bitField("B", 0, 19, 0, 6, 4, kItem), bitField("C", 0, 20, 1, 0, 2, kItem)}), &mark);
     ASSERT_EQ(std::tuple(map.rows(), map.columns(), bitMapRow(page, 19)), std::tuple(14, 65, 1));
-    EXPECT_EQ(std::tuple(map.textAt(1, 0), map.textAt(13, 0), map.at(13, 0).background),
-              std::tuple("19", "31", kMapBlockNumberColor));
-    EXPECT_EQ(std::tuple(map.textAt(0, 1), map.textAt(0, 57), map.text(map.at(0, 64).tip), map.columnSpan(0, 9)),
-              std::tuple("0", "7", "7.7", 8));
-    EXPECT_EQ(std::tuple(map.at(13, 8).background, map.at(13, 9).background, map.at(13, 17).background),
-              std::tuple(kMapFreeColor, kByteEdgeColor, kMapFreeColor));
+    EXPECT_EQ(std::tuple(map.textAt(1, 0), map.textAt(13, 0), map.at(13, 0).background, map.textAt(0, 1), map.textAt(0, 57),
+                         map.text(map.at(0, 64).tip), map.columnSpan(0, 9), map.at(13, 8).background, map.at(13, 9).background,
+                         map.at(13, 17).background),
+              std::tuple("19", "31", kMapBlockNumberColor, "0", "7", "7.7", 8, kMapFreeColor, kByteEdgeColor, kMapFreeColor));
     for (int column : {7, 8, 9, 10})
         EXPECT_EQ(std::tuple(map.at(1, column).background, map.text(map.at(1, column).owner)), std::tuple(kItem, "B")) << column;
     EXPECT_EQ(std::tuple(map.at(1, 6).owner, map.at(1, 11).owner, map.textAt(1, 7), map.columnSpan(1, 8), map.columnSpan(1, 11)),
               std::tuple(0, 0, "B", 4, 1));
-    EXPECT_EQ(std::tuple(map.textAt(2, 9), map.columnSpan(2, 10)), std::tuple("C", 2));  // a run of two bits is one cell
-    EXPECT_EQ(
-        std::tuple(map.text(map.at(1, 10).tip), map.at(13, 63).background, map.at(13, 64).background, map.at(13, 62).background),
-        std::tuple("B (1.1)", kMapMarkColor, kMapMarkColor, kByteEdgeColor));
+    EXPECT_EQ(std::tuple(map.textAt(2, 9), map.columnSpan(2, 10), map.text(map.at(1, 10).tip), map.at(13, 63).background,
+                         map.at(13, 64).background, map.at(13, 62).background),  // C: a run of two bits is one cell
+              std::tuple("C", 2, "B (1.1)", kMapMarkColor, kMapMarkColor, kByteEdgeColor));
     CPage full = page;  // no free block left: the map has its heading and no bits
     full.BeginFreeSpace = full.blockCount();
     EXPECT_EQ(bitMap(full, RecordArray()).rows(), 1);

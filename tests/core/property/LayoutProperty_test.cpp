@@ -25,7 +25,6 @@
 
 using namespace kestrin;
 using namespace kestrin::test;
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -265,7 +264,6 @@ TEST(PlacementProperty, InvalidPlacementsNeverCorruptTheRecords) {
         for (const ItemRecord& r : layout.records)
             if (!r.isDbUpdate) placed.push_back(r);
         for (int k = 0; k < 15; ++k) {
-            const int64_t pages = layout.card.PagesCount();
             // The item again, something on top of it, or a new candidate of any kind.
             PlacementRequest q = placementRequestOf(!placed.empty() && rng.chance(1, 2) ? rng.pick(placed) : gen.candidate());
             q.beginByte = static_cast<int16_t>(q.beginByte + rng.between(-1, 1) * rng.chance(1, 2));
@@ -274,7 +272,7 @@ TEST(PlacementProperty, InvalidPlacementsNeverCorruptTheRecords) {
                 const auto big = [&](int64_t lo, int64_t hi) {
                     return static_cast<int16_t>(rng.chance(1, 2) ? -1 : rng.between(lo, hi)); };
                 switch (rng.between(0, 8)) {
-                    case 0: q.page = big(pages, 12); break;
+                    case 0: q.page = big(layout.card.PagesCount(), 12); break;
                     case 1: q.row = static_cast<int16_t>(rng.between(-5, 300)); break;
                     case 2: q.beginByte = big(8, 300); break;
                     case 3: q.beginBit = big(8, 700); break;
@@ -285,21 +283,20 @@ TEST(PlacementProperty, InvalidPlacementsNeverCorruptTheRecords) {
                     default: q.rangeRow = static_cast<int16_t>(rng.between(INT16_MIN, INT16_MAX)); break;
                 }
             }
-            const RecordArray before = layout.records;
+            RecordArray expected = layout.records;
             const Answer answer = rng.chance(1, 2) ? Answer::Ok : Answer::Cancel;
             RecordingPrompter prompter(answer);
             const PlacementResult result = ValidatePlacement(q, layout.card, layout.records, prompter, kTranslator);
             ASSERT_TRUE(result.code >= kPlacementRejected && result.code <= kPlacementReplaced);
             ++outcomes[result.code];
             const bool asked = prompter.messages.size() == 1 && prompter.messages[0].question;
-            RecordArray expected = before;
             if (result.code != kPlacementReplaced) {
                 ASSERT_EQ(prompter.messages.size(), result.code == kPlacementRejected ? 1u : 0u);
             } else {
-                ASSERT_TRUE(result.removedIndex >= 0 && result.removedIndex < before.size());
-                expected.removeAt(result.removedIndex);
+                ASSERT_TRUE(result.removedIndex >= 0 && result.removedIndex < expected.size());
                 ASSERT_TRUE(asked ? answer == Answer::Ok && prompter.messages[0].buttons == Buttons::OkCancel
-                                  : prompter.messages.empty() && before[result.removedIndex].name == q.itemName);
+                                  : prompter.messages.empty() && expected[result.removedIndex].name == q.itemName);
+                expected.removeAt(result.removedIndex);
             }
             ASSERT_EQ(layout.records.records(), expected.records());
         }

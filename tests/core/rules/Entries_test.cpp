@@ -104,8 +104,7 @@ TEST(EncodingCodes, ListFormatsGiveTheStoredCodeAndReadBack) {
         {kFieldTypeNumber, 3, -1, 2, "Prefix 0", 0},  {kFieldTypeNumber, 3, 2, 2, "Prefix 0", 0},
         {kFieldTypeDate, 0, 3, 4, "DD/MM/CCYY", 67},  {kFieldTypeDate, 1, 2, 3, "DD MM CC YY", 34},
         {kFieldTypeDate, 2, 2, 3, "DD MM CC YY", 10}, {kFieldTypeDate, 0, 4, 4, "DD/MM/CCYY", 64},
-        {kFieldTypeCharacter, 0, -1, 0, "", 0},       {kFieldTypeBinary, 0, -1, 0, "", 0},
-        {kFieldTypeNumber, 9, -1, 0, "", 0}};
+        {kFieldTypeCharacter, 0, -1, 0, "", 0}, {kFieldTypeBinary, 0, -1, 0, "", 0}, {kFieldTypeNumber, 9, -1, 0, "", 0}};
     for (const auto& [type, option, format, formats, first, code] : cases) {
         const auto list = formatList(type, option);
         EXPECT_EQ(std::tuple(list.size(), list.empty() ? std::string_view() : list.front(), EncodingCode(type, option, format)),

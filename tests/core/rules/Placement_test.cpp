@@ -235,8 +235,7 @@ TEST_P(Audit, EachItemIsReplayedAgainstTheItemsBeforeIt) {
 const std::vector<AuditCase> kLayouts{
     {"Clean", iBigEightPages,
      {field("Name", 0, 19, 0, 16), with(sum(1, 20, {1, 6, 0, 16, 0}), [](auto& r) { r.param1 = "2", r.polynomial = {263, 0}; }),
-      bitFunction("Constant", "7", 1, 21, 0, 0, 3), binary(field("Photo", 2, 6, 0, 64)), dbUpdate("X", "Count", "1", "1")},
-     {}},
+      bitFunction("Constant", "7", 1, 21, 0, 0, 3), binary(field("Photo", 2, 6, 0, 64)), dbUpdate("X", "Count", "1", "1")}, {}},
     {"EveryRule", iBigEightPages,
      {field("First", 1, 17, 0, 24), field("Second", 1, 18, 4, 2), field("Hid", 0, 10, 0, 1),
       function("CardSnNr", "0", "", "", 1, 22, 0, 9), bitFunction("Constant", "8", 1, 26, 0, 0, 3),
