@@ -44,8 +44,8 @@ TEST(Cp1252, EveryByteComesBackFromUtf8AndWhatItCannotHoldBecomesQuestionMarks) 
 // first section of that name; listing the file gives every section name, duplicates included.
 TEST(ProfileDocument, ListsKeysAndSectionsAsTheProfileFunctionsDo) {
     const auto doc = ProfileDocument::parse("x=0\r\n[s]\r\na=1\r\nno equals\r\n;c=1\r\n=v\r\nb=\r\n[T]\r\n[ s ]\r\nlater=2\r\n");
-    EXPECT_EQ(doc.keys("S"), (std::vector<std::string>{"a", "", "b"}));
-    EXPECT_EQ(doc.sections(), (std::vector<std::string>{"s", "T", "s"}));
+    EXPECT_EQ(std::tuple(doc.keys("S"), doc.sections()),
+              std::tuple(std::vector<std::string>{"a", "", "b"}, std::vector<std::string>{"s", "T", "s"}));
     EXPECT_EQ(std::tuple(doc.hasSection(" t "), doc.hasSection("S"), doc.hasSection("u"), doc.keys("u").size()),
               std::tuple(true, true, false, 0u));
 }

@@ -47,19 +47,14 @@ class SaveFaults : public ::testing::TestWithParam<Scenario> {
 protected:
     SaveFaults() {
         card.setChipSize(iBigOnePage);
-        card.setEnableBitwise(true);
         fields.setFields({{"Name", "NAME", "Character", 16, 0, true}, {"Level", "LEVEL", "Number", 3, 3, true}});
-        for (const ItemRecord& r : {field("Name", 0, 19, 0, 16, 0, 0x00E0C0A0), bitField("Flag", 0, 26, 0, 3, 4),
-                                    function("Count", "1", "1000", "0", 0, 28, 0, 4), dbUpdate("LEVEL", "Count", "5", "1")})
-            records.add(r);
+        records = recordsOf({field("Name", 0, 19, 0, 16), field("Level", 0, 20, 0, 3)});  // a chip encode file of its own
         TempDir reference, past;
         EXPECT_TRUE(saveTo(reference.path(), records).saved);
         expected = SavedFiles::read(reference.path(), "Card");
         if (GetParam().overExistingLayout) {
-            RecordArray older, old;
-            older.add(field("Name", 0, 19, 0, 4));
-            old.add(field("Name", 0, 19, 0, 8));
-            EXPECT_TRUE(saveTo(past.path(), older).saved && saveTo(past.path(), old).saved);
+            EXPECT_TRUE(saveTo(past.path(), recordsOf({field("Name", 0, 19, 0, 4)})).saved &&
+                        saveTo(past.path(), recordsOf({field("Name", 0, 19, 0, 8)})).saved);
             before = SavedFiles::read(past.path(), "Card");
         }
         for (const auto& [name, bytes] :
@@ -181,15 +176,13 @@ TEST_P(SaveFaults, AChipEncodeFileThatCannotBeTakenBackIsReported) {
 // save's) is neither moved over the target nor removed, by a second commit or by destruction.
 TEST(StagedFile, ACommittedFileLeavesItsFormerTemporaryNameAlone) {
     TempDir dir;
-    fs::path temporary;
-    {
-        auto staged = StagedFile::write(systemFileSystem(), dir / "Card.IIF", "committed", nullptr);
-        ASSERT_TRUE(staged);
-        temporary = staged->tempPath();
-        ASSERT_TRUE(staged->commit(nullptr));
-        writeBytes(temporary, "the next save's");
-        EXPECT_FALSE(staged->commit(nullptr));
-    }
+    auto staged = StagedFile::write(systemFileSystem(), dir / "Card.IIF", "committed", nullptr);
+    ASSERT_TRUE(staged);
+    const fs::path temporary = staged->tempPath();
+    ASSERT_TRUE(staged->commit(nullptr));
+    writeBytes(temporary, "the next save's");
+    EXPECT_FALSE(staged->commit(nullptr));
+    staged.reset();  // destroyed
     EXPECT_EQ(std::tuple(readIfPresent(dir / "Card.IIF"), readIfPresent(temporary)),
               std::tuple(MaybeBytes("committed"), MaybeBytes("the next save's")));
 }

@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
-#include <sstream>
 
 #include "Records.h"
 #include "TestSupport.h"
@@ -19,11 +18,7 @@ using namespace std::string_literals;
 using MaybeBytes = std::optional<std::string>;
 
 inline MaybeBytes readIfPresent(const std::filesystem::path& p) {
-    std::ifstream in(p, std::ios::binary);
-    if (!in) return std::nullopt;
-    std::ostringstream bytes;
-    bytes << in.rdbuf();
-    return std::move(bytes).str();
+    return std::filesystem::exists(p) ? MaybeBytes(readBytes(p)) : std::nullopt;
 }
 
 // A layout opened from bytes on a card of the chip given, answering questions as given.
