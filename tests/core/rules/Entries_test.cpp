@@ -194,7 +194,9 @@ using In = FunctionInput;
 struct ValuesCase { FunctionInput input; int32_t mode; std::array<std::string, 3> params; std::array<int16_t, 2> polynomial;
                     int16_t initValue; std::array<int16_t, 5> range; };
 
-TEST(FunctionValues, AreStoredAndReadBack) {
+// A function's values are stored and read back; numbers beyond the file's fields saturate, unknown
+// choices read back as option 0, and the placement request is filled from them.
+TEST(FunctionValues, AreStoredSaturatedAndReadBackAndFillTheRequest) {
     const ValuesCase cases[] = {
         {In{.constantText = "300"}, 1, {"300", "", ""}, {}, 0, {}},
         {In{.option = 1, .valueFromField = true, .fieldName = "Name"}, 3, {"Name", "", ""}, {}, 0, {}},
@@ -218,9 +220,6 @@ TEST(FunctionValues, AreStoredAndReadBack) {
                   std::tuple(functionWord(c.input.kind), c.params, c.polynomial, c.initValue, c.range));
         EXPECT_EQ(functionInputOf(r), c.input);
     }
-}
-
-TEST(FunctionValuesStorage, SaturatesReadsUnknownChoicesAsOptionZeroAndFillsTheRequest) {
     ItemRecord r;
     applyFunctionValues(In{.kind = K::Checksum, .option = 2, .polynomText = "70000", .startValueText = "4294967295",
                            .rangeCountText = "-40000"}, 1, r);

@@ -121,8 +121,9 @@ protected:
 };
 
 // An overlap asks OK or Cancel, naming the item in the way: OK replaces it and names its slot,
-// Cancel refuses with no box to go back to.
-TEST_F(Overlap, AsksAndReplacesOnOk) {
+// Cancel refuses with no box to go back to. An item placed again where it stands, in the mode of
+// its own kind, replaces itself without a question; the same name of another kind there is asked about.
+TEST_F(Overlap, AsksAndReplacesOnOkButTheSameItemPlacedAgainInItsOwnModeUnasked) {
     const std::tuple<ItemRecord, int32_t, Answer> cases[] = {
         {field("Name", 0, 20, 1, 2), kTextOverlapSameName, Answer::Ok}, {field("Other", 0, 20, 0, 4), kTextOverlapOther, Answer::Ok},
         {bitField("Name", 0, 20, 0, 0, 8), kTextOverlapOther, Answer::Ok},
@@ -138,17 +139,12 @@ TEST_F(Overlap, AsksAndReplacesOnOk) {
         EXPECT_EQ(std::tuple(prompter.messages[0].buttons, prompter.messages[0].text, records.size(), records[0].name),
                   std::tuple(Buttons::OkCancel, tr.text(textId) + ": " + existing.name + ".", ok ? 1 : 2, "Keep"));
     }
-}
-
-// An item placed again where it stands, in the mode of its own kind, replaces itself without a
-// question; the same name of another kind there is asked about.
-TEST_F(Overlap, TheSameItemPlacedAgainInItsOwnModeReplacesItselfUnasked) {
-    const std::tuple<ItemRecord, PlacementRequest, bool> cases[] = {
+    const std::tuple<ItemRecord, PlacementRequest, bool> placedAgain[] = {
         {field("Name", 0, 20, 0, 4), at(20, 0, 4), false}, {bitField("Flag", 0, 20, 0, 0, 3), bits(20, 0, 0, 3), false},
         {function("Count", "1", "0", "0", 0, 20, 0, 4), fn("Count", kF, -1, 4), false},
         {bitFunction("Constant", "5", 0, 20, 0, 0, 3), constant(kBF, 3, "5"), false},
         {bitField("Name", 0, 20, 0, 0, 32), at(20, 0, 4), true}, {field("Count", 0, 20, 0, 4), fn("Count", kF, -1, 4), true}};
-    for (const auto& [existing, request, asked] : cases) {
+    for (const auto& [existing, request, asked] : placedAgain) {
         records = recordsOf({existing});
         prompter = RecordingPrompter(Answer::Ok);
         const std::vector<PlacementViolation> found = violations(request);  // what a check of the layout lists
