@@ -52,8 +52,7 @@ TEST(LayoutFiles, BundledLayoutsSaveToTheirOwnBytes) {
 // of the item's own, a big item placed from bit 3, a byte function in bit mode, a quoted
 // constant, checksums with a polynomial, a start value or a bit range, a simple bit function.
 TEST(LayoutFiles, EveryKindOfEntrySavesToTheseBytesAndOpensTheSame) {
-    CIClass card = chipOf(iBigOnePage);
-    card.setUseHIDSection(true);
+    CIClass card = chipOf(iBigOnePage);  // with the HID section
     card.setEnableBitwise(true);
     const RecordArray records = recordsOf(
         {field("Name", 0, 19, 0, 16, 0, 11), field("Name", 0, 21, 0, 4, 64, -12),
@@ -81,9 +80,8 @@ TEST(LayoutFiles, EveryKindOfEntrySavesToTheseBytesAndOpensTheSame) {
 
 // An eight-page card stores the boundaries of pages 1 to 7 as byte addresses; page 0's is never stored.
 TEST(LayoutFiles, AnEightPageCardStoresTheBoundariesOfPagesOneToSeven) {
-    CIClass card = chipOf(iBigEightPages);
+    CIClass card = chipOf(iBigEightPages);  // bitwise off
     card.setUseHIDSection(false);
-    card.setEnableBitwise(false);
     card.SetBoundary(3, 25);
     std::vector<std::string> lines{"[GENERAL]", "Version=6.1.4", "[CARDDESIGN]", "Size=16K", "Pages=8", "UseBit=0", "UseHID=0"};
     for (int page = 1; page <= 7; ++page) lines.push_back(std::to_string(page) + "PageBorder=" + (page == 3 ? "200" : "144"));

@@ -57,21 +57,16 @@ public:
     }
     std::error_code write(Handle file, std::string_view bytes, std::size_t& written) override {
         const bool chosen = next(Call::Write);
-        if (diskFull_) return error(ENOSPC);
-        if (chosen && fault_ == Fault::Error) return error(errno_);
-        if (chosen && fault_ == Fault::NoProgress) {
-            written = 0;
-            return {};
-        }
-        if (chosen) diskFull_ = fault_ == Fault::DiskFull, bytes = bytes.substr(0, std::max<std::size_t>(bytes.size() / 2, 1));
+        if (diskFull_ || (chosen && fault_ == Fault::Error)) return error(diskFull_ ? ENOSPC : errno_);
+        diskFull_ = chosen && fault_ == Fault::DiskFull;
+        if (chosen) bytes = bytes.substr(0, fault_ == Fault::NoProgress ? 0 : std::max<std::size_t>(bytes.size() / 2, 1));
         return os().write(file, bytes, written);
     }
     std::error_code sync(Handle file) override { return next(Call::Sync) ? error(errno_) : os().sync(file); }
     std::error_code close(Handle file) override {
-        const bool chosen = next(Call::Close);
         --openHandles;
-        const auto ec = os().close(file);
-        return chosen ? error(errno_) : ec;
+        const auto ec = os().close(file);  // changes no file a save names: beforeChange may run after it
+        return next(Call::Close) ? error(errno_) : ec;
     }
     std::error_code rename(const std::filesystem::path& from, const std::filesystem::path& to) override {
         return guarded(Call::Rename, to, [&] { return os().rename(map(from), map(to)); });
