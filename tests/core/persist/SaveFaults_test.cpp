@@ -73,7 +73,7 @@ protected:
         for (int i : failing) files.failCall(i, fault, error);
         before.write(dir.path(), "Card");
         writeBytes(dir / kLeftover, "left by a crashed save");
-        if (!GetParam().hardLinks) files.hardLinks = false;
+        files.hardLinks = GetParam().hardLinks;
         files.beforeChange = [this, &dir] { expectEachFileComplete(dir.path()); };
         prompter.messages.clear();
         return saveTo(dir / "unseen", records, files);
@@ -88,11 +88,9 @@ protected:
     // or the layout before this save. A file absent before may be absent still.
     void expectEachFileComplete(const fs::path& folder) {
         const SavedFiles now = SavedFiles::read(folder, "Card");
-        const auto isOneOf = [](const MaybeBytes& file, const MaybeBytes& one, const MaybeBytes& other) {
-            return file == one || file == other;
-        };
-        EXPECT_TRUE(isOneOf(now.layout, before.layout, expected.layout) && isOneOf(now.encode, before.encode, expected.encode) &&
-                    isOneOf(now.backup, before.backup, before.layout))
+        EXPECT_TRUE((now.layout == before.layout || now.layout == expected.layout) &&
+                    (now.encode == before.encode || now.encode == expected.encode) &&
+                    (now.backup == before.backup || now.backup == before.layout))
             << contents.nameOf(now.layout) << " / " << contents.nameOf(now.encode) << " / " << contents.nameOf(now.backup);
     }
     void expectFiles(const fs::path& folder, const std::string& layout, const std::string& encode,
