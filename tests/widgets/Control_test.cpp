@@ -5,7 +5,6 @@
 #include "base/Twips.h"
 #include "control/IClass.h"
 #include "control/LanguageLibraries.h"
-#include "control/TextGridModel.h"
 #include "persist/ProfileDocument.h"
 #include "preview/PrintServices.h"
 
@@ -131,13 +130,25 @@ TEST(IClassGrids, AControlJustMadeShowsItsGridsAndTheyFollowItsSize) {
                               QVariant()));
 }
 
-// A key or a mouse press in a grid makes it the grid worked in; there Delete asks and removes the
-// current row and Enter opens its dialog. The strip between the grids drags their boundary.
-TEST(IClassGrids, KeysActOnTheGridWorkedInAndTheStripDragsTheBoundary) {
+// Database updates of a layout opened before the host fetched its fields are named once the
+// fields arrive, without the layout counting as changed. A key or a mouse press in a grid makes it
+// the grid worked in; there Delete asks and removes the current row and Enter opens its dialog.
+// The strip between the grids drags their boundary.
+TEST(IClassGrids, FetchedFieldsNameTheUpdatesKeysActOnTheGridWorkedInAndTheStripDragsTheBoundary) {
     Host host;
+    QAbstractItemModelTester checker(host.grid("grdDBUpdateFields")->model(), kFatal);
     host.set("ProjectFile", QString(KESTRIN_WIDGET_EXAMPLES "/project/Sample.ini"));
     ASSERT_TRUE(host.callFor<bool>("OpenLayout", QString(KESTRIN_WIDGET_EXAMPLES "/layouts/Visitors16K.IIF")));
-    ASSERT_TRUE(host.callFor<bool>("FetchDBFields"));  // names the updates' fields
+    const auto updates = [&] {  // field, function and settings of the two updates
+        QStringList cells;
+        for (int row = 0; row < 2; ++row)
+            for (int column = 1; column < 4; ++column) cells << host.cell("grdDBUpdateFields", row, column);
+        return cells.join('|');
+    };
+    EXPECT_EQ(updates(), "|Constant|<Value>: 1.||CardSnNr|<Decimal>");
+    ASSERT_TRUE(host.callFor<bool>("FetchDBFields"));
+    EXPECT_EQ(std::make_pair(updates(), host.get("Saved").toBool()),
+              std::make_pair(QString("ACCESSLEVEL|Constant|<Value>: 1.|ENCODECOUNT|CardSnNr|<Decimal>"), true));
     host.control.resize(600, 400);
     host.control.show();
     const int items = host.control.document().records().size();
@@ -171,23 +182,6 @@ TEST(IClassGrids, KeysActOnTheGridWorkedInAndTheStripDragsTheBoundary) {
     EXPECT_EQ(std::make_tuple(host.grid("grdItems")->height(), host.grid("grdDBUpdateFields")->geometry().top(),
                               host.grid("grdDBUpdateFields")->height(), host.grid("grdDBUpdateFields")->isVisible()),
               std::make_tuple(120, 120, 280, true));
-}
-
-// No C++ exception leaves a member: a raised error reaches the host through the exception
-// signal before the member returns.
-TEST(IClassInterface, RaisedErrorsArriveThroughTheExceptionSignal) {
-    Host host;
-    QStringList errors;
-    QObject::connect(&host.control, &IClass::exception, [&](int code, const QString& source, const QString& text) {
-        errors << QStringLiteral("%1 %2: %3").arg(code).arg(source, text);
-    });
-    EXPECT_FALSE(host.callFor<bool>("OpenLayout", QString()));
-    EXPECT_FALSE(host.callFor<bool>("OpenLayout", host.path("Missing.IIF")));
-    host.call("NewLayout", false);
-    host.call("SetAppBoundaries", QString("10|11|12|13|14|15|16|17"));  // a one-page card takes none
-    ASSERT_EQ(errors.size(), 3);
-    EXPECT_EQ(errors.mid(0, 2) << errors[2].left(2),
-              QStringList({"52 iClass UserControl: No filename given.", "53 iClass UserControl: File doesn't exist", "9 "}));
 }
 
 // The probe name "1" does nothing; any other name tells, under the host's name, that the
@@ -226,12 +220,9 @@ TEST(IClassSession, AHostMakesEditsSavesClosesAndReopensALayoutByMemberName) {
         host.call("AddField");
         EXPECT_EQ(host.events, kRefresh);
     }
-    EXPECT_EQ(std::make_tuple(host.dialogs, host.cell("grdItems", 0, 1), host.cell("grdItems", 1, 4), host.get("Saved").toBool()),
-              std::make_tuple(std::vector<QString>{"frmEditiClass", "frmEditiClass"}, QString("NAME"), QString("25"), false));
-    // A cell of the grid by row and column; one outside it has no text.
-    const auto& model = dynamic_cast<const TextGridModel&>(*host.grid("grdItems")->model());
-    EXPECT_EQ(QStringList({model.cellText(1, 4), model.cellText(-1, 1), model.cellText(2, 1), model.cellText(0, -1),
-                           model.cellText(0, model.columnCount())}), QStringList({"25", "", "", "", ""}));
+    EXPECT_EQ(std::make_tuple(host.dialogs, host.cell("grdItems", 0, 1), host.cell("grdItems", 1, 4), host.get("Saved").toBool(),
+                              host.get("UseHID").toBool()),  // a new layout uses the HID area
+              std::make_tuple(std::vector<QString>{"frmEditiClass", "frmEditiClass"}, QString("NAME"), QString("25"), false, true));
     host.grid("grdItems")->setCurrentIndex(host.grid("grdItems")->model()->index(1, 1));
     QString block;
     bool readOnly = false;  // the operator edits through the dialogs only: no grid takes typing
@@ -251,11 +242,18 @@ TEST(IClassSession, AHostMakesEditsSavesClosesAndReopensALayoutByMemberName) {
     EXPECT_EQ(std::make_pair(host.messageTexts(), host.control.document().records().size()),
               std::make_pair(std::vector<std::string>{"T3104\r\nT3105"}, 1));
 
+    // SaveLayout asks for a name in the encode folder the first time; the chip encode file goes there.
+    std::filesystem::create_directories(host.dir / "encode");
+    host.set("EncodePath", host.path("encode"));
+    EXPECT_FALSE(host.callFor<QVariant>("SaveLayout").toBool());  // no name chosen: cancelled
     host.answer = host.path("Staff");
-    EXPECT_TRUE(host.callFor<bool>("SaveiClassAs"));
-    EXPECT_EQ(std::make_tuple(host.chosen, host.messageTexts(), host.get("LayoutFile").toString(), host.get("Saved").toBool()),
-              std::make_tuple(QStringList({"T3122", host.path(""), "Lumisk (*.IIF);;T3121 (*.*)"}),
-                              std::vector<std::string>{"T3104\r\nT3105", "T3123"}, host.path("Staff.IIF"), true));
+    EXPECT_TRUE(host.callFor<QVariant>("SaveLayout").toBool());
+    const QStringList asked{"T3122", host.path("encode"), "Lumisk (*.IIF);;T3121 (*.*)"};
+    EXPECT_EQ(std::make_tuple(host.chosen, host.messageTexts(), host.get("LayoutFile").toString(), host.get("Saved").toBool(),
+                              std::filesystem::exists(host.dir / "encode" / "Staff.CHP"),
+                              ProfileDocument::parse(readBytes(host.dir / "Staff.IIF")).getInt("CARDDESIGN", "UseHID", 0)),
+              std::make_tuple(asked + asked, std::vector<std::string>{"T3104\r\nT3105", "T3123"}, host.path("Staff.IIF"), true,
+                              true, 1));
 
     EXPECT_TRUE(host.callFor<bool>("CloseLayout"));
     EXPECT_EQ(std::make_tuple(host.messageTexts().back(), host.cell("grdItems", 0, 1), host.grid("grdItems")->model()->rowCount(),
@@ -266,24 +264,6 @@ TEST(IClassSession, AHostMakesEditsSavesClosesAndReopensALayoutByMemberName) {
     EXPECT_TRUE(host.callFor<bool>("OpenLayout", host.path("Staff.IIF")));
     EXPECT_EQ(std::make_tuple(host.cell("grdItems", 0, 1), host.cell("grdItems", 0, 4), host.get("Saved").toBool(), host.events),
               std::make_tuple(QString("NAME"), QString("20"), true, kRefresh));
-}
-
-// SaveLayout asks for a name in the encode folder the first time; a new layout uses the HID area
-// and UseBit goes into the card.
-TEST(IClassSession, SaveLayoutUsesTheEncodePathAndANewLayoutSavesItsHidArea) {
-    Host host;
-    host.startLayout();
-    EXPECT_TRUE(host.get("UseHID").toBool());
-    std::filesystem::create_directories(host.dir / "encode");
-    host.set("EncodePath", host.path("encode"));
-    EXPECT_FALSE(host.callFor<QVariant>("SaveLayout").toBool());  // no name chosen: cancelled
-    host.answer = host.path("Card.IIF");
-    EXPECT_TRUE(host.callFor<QVariant>("SaveLayout").toBool());
-    EXPECT_EQ(std::make_tuple(host.chosen.mid(4), std::filesystem::exists(host.dir / "encode" / "Card.CHP"),
-                              ProfileDocument::parse(readBytes(host.dir / "Card.IIF")).getInt("CARDDESIGN", "UseHID", 0)),
-              std::make_tuple(QStringList({host.path("encode"), host.chosen[2]}), true, 1));
-    host.set("UseBit", true);
-    EXPECT_TRUE(host.control.document().card()->EnableBitwise());
 }
 
 // Each member, whether it does nothing until a layout is entered, the dialog it opens and the
@@ -340,39 +320,35 @@ TEST(IClassCommands, PropertiesConfirmedAreOneChangeAndCancelledNone) {
     host.call("SetProperties");
     EXPECT_EQ(std::make_tuple(host.events, host.get("Saved").toBool(), host.get("UseBit").toBool()),
               std::make_tuple(std::vector<QString>{"Changed"}, false, false));
+    host.set("UseBit", true);  // the property goes into the card
+    EXPECT_TRUE(host.control.document().card()->EnableBitwise());
 }
 
-TEST(IClassCommands, WithoutALayoutTheCardCommandsLeaveNoCardForThePreview) {
+// No C++ exception leaves a member: a raised error reaches the host through the exception
+// signal before the member returns. Without a layout the card commands leave no card for the preview.
+TEST(IClassCommands, RaisedErrorsArriveThroughTheExceptionSignalAndTheCardCommandsNeedALayout) {
     Host host;
+    QStringList errors;
+    QObject::connect(&host.control, &IClass::exception, [&](int code, const QString& source, const QString& text) {
+        errors << QStringLiteral("%1 %2: %3").arg(code).arg(source, text);
+    });
+    EXPECT_FALSE(host.callFor<bool>("OpenLayout", QString()));
+    EXPECT_FALSE(host.callFor<bool>("OpenLayout", host.path("Missing.IIF")));
     for (bool layout : {false, true}) {
-        if (layout) host.call("NewLayout", false);
+        if (layout) {
+            host.call("NewLayout", false);
+            host.call("SetAppBoundaries", QString("10|11|12|13|14|15|16|17"));  // a one-page card takes none
+        }
         const IClass::IClassType chip = IClass::iBigEightPages;
         EXPECT_TRUE(QMetaObject::invokeMethod(&host.control, "SetChipType", QGenericArgument("IClassType", &chip)));
         host.call("SetAppBoundaries", QString("10|12|13|14|15|16|17|18"));
         host.call("ShowPreview");
     }
+    ASSERT_EQ(errors.size(), 3);
+    EXPECT_EQ(errors.mid(0, 2) << errors[2].left(2),
+              QStringList({"52 iClass UserControl: No filename given.", "53 iClass UserControl: File doesn't exist", "9 "}));
     EXPECT_EQ(std::make_tuple(host.messageTexts(), host.control.document().card()->GetBoundary(1), host.dialogs),
               std::make_tuple(std::vector<std::string>{"Error: no iClass object found!"}, 12, std::vector<QString>{"frmPreview"}));
-}
-
-// Database updates of a layout opened before the host fetched its fields are named once the
-// fields arrive, without the layout counting as changed.
-TEST(IClassFields, FetchingFieldsNamesTheDatabaseUpdatesOfAnOpenLayout) {
-    IClass control;
-    control.setProperty("ProjectFile", QString(KESTRIN_WIDGET_EXAMPLES "/project/Sample.ini"));
-    ASSERT_TRUE(control.OpenLayout(KESTRIN_WIDGET_EXAMPLES "/layouts/Visitors16K.IIF"));
-    QAbstractItemModel& grid = *control.dbUpdateGrid()->model();
-    QAbstractItemModelTester checker(&grid, kFatal);
-    const auto rows = [&] {  // field, function and settings of the two updates
-        QStringList cells;
-        for (int row = 0; row < 2; ++row)
-            for (int column = 1; column < 4; ++column) cells << grid.index(row, column).data().toString();
-        return cells.join('|');
-    };
-    EXPECT_EQ(rows(), "|Constant|<Value>: 1.||CardSnNr|<Decimal>");
-    EXPECT_TRUE(control.FetchDBFields());
-    EXPECT_EQ(std::make_pair(rows(), control.property("Saved").toBool()),
-              std::make_pair(QString("ACCESSLEVEL|Constant|<Value>: 1.|ENCODECOUNT|CardSnNr|<Decimal>"), true));
 }
 
 // The language libraries a host hands over. One that cannot be loaded gives no handle and a reason
