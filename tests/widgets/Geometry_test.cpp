@@ -13,10 +13,10 @@
 namespace kestrin::test {
 namespace {
 
-// The named controls of a shown window that collide: outside it, or over one another (a
-// control inside a named frame or page is not over it; a bare strip, such as the grab zone
-// between the control's grids, is no control).
-std::vector<std::string> collisions(QWidget& window) {
+// No named control of a shown window collides: lies outside it, or over another (a control
+// inside a named frame or page is not over it; a bare strip, such as the grab zone between the
+// control's grids, is no control).
+void check(QWidget& window, const std::string& state) {
     QApplication::processEvents();
     std::vector<QWidget*> shown;
     for (QWidget* w : window.findChildren<QWidget*>())
@@ -31,13 +31,10 @@ std::vector<std::string> collisions(QWidget& window) {
             if (w < other && !w->isAncestorOf(other) && !other->isAncestorOf(w) && place(w).intersects(place(other)))
                 found.push_back(w->objectName().toStdString() + " over " + other->objectName().toStdString());
     }
-    return found;
+    EXPECT_EQ(found, std::vector<std::string>{}) << window.objectName().toStdString() << " " << state;
 }
 
 TEST(Geometry, NoNamedControlLeavesItsWindowOrCoversAnother) {
-    const auto check = [](QWidget& window, const std::string& state) {
-        EXPECT_EQ(collisions(window), std::vector<std::string>{}) << window.objectName().toStdString() << " " << state;
-    };
     for (int32_t mode : {kModeField, kModeBitField, kModeFunction, kModeBitFunction}) {
         DialogFixture d;
         d.open<frmEditiClass>(mode);
