@@ -49,7 +49,6 @@ const std::string kDropped = crlf({"[CARDDESIGN]", "Size=2K", "[ENCODE]", "Ok(1)
 struct RunCase { std::string args, layout; int exit; std::string out, err; };
 
 TEST(Cli, ExitCodesAndMessages) {
-    const std::string project = kExamples + "/project/Sample.ini";
     std::vector<RunCase> cases;
     for (const char* dpi : {"23", "601", "99999999999", "-96", "1e3"})
         cases.push_back({"map L --png x --dpi " + std::string(dpi), "", 2, "=",
@@ -79,7 +78,8 @@ TEST(Cli, ExitCodesAndMessages) {
         {"info L", kDropped, 0, "Items: 1\n", "warning: [ENCODE] Past(1): 5 bytes do not fit the page; entry dropped\n"},
         {"check L --lang " + kLang, kDropped, 1,
          "=Past (Field, page 0, block 31, byte 4): [4600] The item does not fit into this page.\n1 violation\n", ""},
-        {"fields " + project + " --json", "", 0, "=" + readBytes(std::string(KESTRIN_CLI_EXPECTED) + "/sample-fields.json"), ""},
+        {"fields " + kExamples + "/project/Sample.ini --json", "", 0,
+         "=" + readBytes(std::string(KESTRIN_CLI_EXPECTED) + "/sample-fields.json"), ""},
         // check lists every broken rule with its item, the HID cover last
         {"check L --json --lang " + kLang,
          crlf({"[CARDDESIGN]", "Size=2K", "UseHID=1", "[ENCODE]", "Name(1)=0,18,0,4,0", "Other(1)=0,20,0,8,0",
