@@ -249,18 +249,19 @@ TEST(DialogLimits, TheSizeBoxCutsChecksTheRoomLeftAndSteps) {
     EXPECT_EQ(stepped, QStringList({"2", "1", "1", "2", "3"}));  // an empty box counts as 1 first
 }
 
-// The multi-track dialog's arrows stop at the room left in the page from the chosen place.
-TEST(DialogLimits, TheMultiTrackArrowsStopAtTheRoomLeft) {
+// The multi-track dialog's arrows step from the size typed and stop at the room left in the page
+// from the chosen place.
+TEST(DialogLimits, TheMultiTrackArrowsStepFromTheTypedSizeAndStopAtTheRoomLeft) {
     for (const auto& [block, byte, room] : {std::tuple{31, 6, 2}, std::tuple{30, 0, 16}, std::tuple{19, 0, 104}}) {
         Rules d;
         d.open<frmMultiTrack>();
-        d.place(block, byte, "1");
+        d.place(block, byte, QString::number(room - 1));
         QStringList ends;
-        for (const int step : {1, -1}) {
-            for (int i = 0; i < room + 3; ++i) d.child<QSpinBox>("spinBytes")->stepBy(step);
+        for (const auto& [step, times] : {std::pair{1, 1}, {1, room}, {-1, room + 3}}) {
+            for (int i = 0; i < times; ++i) d.child<QSpinBox>("spinBytes")->stepBy(step);
             ends << d.text("txtNrBytes");
         }
-        EXPECT_EQ(ends, QStringList({QString::number(room), "1"})) << block << "/" << byte;
+        EXPECT_EQ(ends, QStringList({QString::number(room), QString::number(room), "1"})) << block << "/" << byte;
     }
     // A page taller than the dialog scrolls, with every column of its map in view.
     Rules big(iBigOnePage);

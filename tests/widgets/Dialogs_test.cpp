@@ -119,7 +119,7 @@ TEST(EditiClassFunctions, ANewFunctionIsWrittenWithWhatWasTypedAndChosen) {
 }
 
 // A value box is checked against its own limits when it is left and again by Apply; the box keeps
-// the focus and the limits are part of the message.
+// the focus and the limits are part of the message. The range count is judged with the place, on Apply.
 TEST(EditiClassFunctions, AValueOutOfRangeIsRefusedAndItsBoxKeepsTheFocus) {
     // The mode, the function, what is typed, the box left (or, with apply, refused by Apply) and its limits.
     const std::tuple<int32_t, const char*, Boxes, const char*, const char*, bool> cases[] = {
@@ -127,6 +127,8 @@ TEST(EditiClassFunctions, AValueOutOfRangeIsRefusedAndItsBoxKeepsTheFocus) {
         {kModeFunction, "optFunction(3)", {{"txtPolynom", "1000"}}, "txtPolynom", " 257 & 511!", false},
         {kModeBitFunction, "optFunction(3)", {{"txtNrBytes", "3"}, {"txtPolynom", "20"}, {"txtStartValue", "0"}},
          "txtPolynom", " 9 & 15!", true},
+        {kModeFunction, "optFunction(3)", {{"txtStartValue", "256"}}, "txtStartValue", " 0 & 255!", false},
+        {kModeFunction, "optFunction(3)", {{"txtRangeBytesCount", "300"}}, "txtRangeBytesCount", "", false},
     };
     for (const auto& [mode, function, boxes, box, limits, apply] : cases) {
         SCOPED_TRACE(box + std::string(apply ? " on Apply" : " on leaving"));
@@ -136,27 +138,41 @@ TEST(EditiClassFunctions, AValueOutOfRangeIsRefusedAndItsBoxKeepsTheFocus) {
         if (std::string(function) == "optFunction(3)") ed.click("optProperty(2)");
         for (const auto& [name, typed] : boxes) ed.type(name, typed);
         apply ? ed.click("cmdApply") : ed.leave(box);
-        ASSERT_EQ(ed.prompter.messages.size(), 1u);
+        ASSERT_EQ(ed.prompter.messages.size(), std::size_t(*limits != 0));
+        if (!*limits) continue;
         EXPECT_EQ(std::make_tuple(ed.prompter.messages[0].text.find(limits) != std::string::npos,
                                   form.focusWidget() == ed.child<QLineEdit>(box), ed.records().size()),
                   std::make_tuple(true, true, 0)) << ed.prompter.messages[0].text;
     }
 }
 
-// Editing a function presets its controls; Apply replaces it keeping its colour.
-TEST(EditiClassFunctions, EditingAChecksumOrACountPresetsItsValues) {
+// Editing a function presets its controls, the first-value choice of a counter and the field a
+// value comes from among them; the entries read back say so. Apply replaces it keeping its colour.
+TEST(EditiClassFunctions, EditingAFunctionPresetsItsValuesAndWhereTheyComeFrom) {
     FunctionInput checksum{.kind = FunctionKind::Checksum, .option = kChecksumCrc, .polynomText = "263", .startValueText = "5",
                            .rangeRow = 20, .rangeBeginByte = 3, .rangeCountText = "4"};
     const FunctionInput count{.kind = FunctionKind::Count, .countNumberText = "7", .countStepText = "3"};
-    for (const auto& [in, bytes, option, boxes] :
-         {std::tuple{checksum, 1, "optProperty(2)", Boxes{{"txtPolynom", "263"}, {"txtStartValue", "5"}}},
-          std::tuple{count, 2, "optProperty(0)", Boxes{{"txtCountNumber", "7"}, {"txtCountStep", "3"}}}}) {
+    const FunctionInput countFromField{.kind = FunctionKind::Count, .option = kCountIncrementBeforeWrite,
+                                       .valueFromField = true, .fieldName = "NAME", .countStepText = "3"};
+    const FunctionInput constantFromField{.kind = FunctionKind::Constant, .option = kConstantField, .valueFromField = true,
+                                          .fieldName = "AMOUNT"};
+    // The function, its size, the options checked and what the boxes and the field list show.
+    const std::tuple<FunctionInput, int, QStringList, Boxes> cases[] = {
+        {checksum, 1, {"optProperty(2)"}, {{"txtPolynom", "263"}, {"txtStartValue", "5"}}},
+        {count, 2, {"optProperty(0)", "optCountFirstValue(0)"}, {{"txtCountNumber", "7"}, {"txtCountStep", "3"}}},
+        {countFromField, 2, {"optProperty(1)", "optCountFirstValue(1)"}, {{"cboFieldList", "NAME"}, {"txtCountStep", "3"}}},
+        {constantFromField, 2, {"optProperty(1)"}, {{"cboFieldList", "AMOUNT"}}}};
+    for (const auto& [in, bytes, options, boxes] : cases) {
+        SCOPED_TRACE(functionWord(in.kind));
         ItemRecord old = function(std::string(functionWord(in.kind)), "", "", "", 0, 25, 0, bytes, 0x00909090);
         applyFunctionValues(in, kModeFunction, old);
         Dialog ed({old});
-        ed.editor(kModeFunction, 0);
-        EXPECT_TRUE(ed.checked(QStringLiteral("optFunction(%1)").arg(int(in.kind))) && ed.checked(option));
-        for (const auto& [box, shown] : boxes) EXPECT_EQ(ed.text(box), shown) << box;
+        const FunctionInput read = ed.editor(kModeFunction, 0).entries().function;
+        EXPECT_EQ(std::make_pair(read.valueFromField, read.fieldName), std::make_pair(in.valueFromField, in.fieldName));
+        EXPECT_TRUE(ed.checked(QStringLiteral("optFunction(%1)").arg(int(in.kind))));
+        for (const QString& option : options) EXPECT_TRUE(ed.checked(option)) << option.toStdString();
+        for (const auto& [box, shown] : boxes)
+            EXPECT_EQ(QString(box).startsWith("cbo") ? ed.current(box) : ed.text(box), shown) << box;
         if (in.kind != FunctionKind::Checksum) continue;
         EXPECT_EQ(ed.current("cboRangeBeginRow") + ed.current("cboRangeBeginByte"), "203");
         ed.choose("cboRangeBeginByte", "5");

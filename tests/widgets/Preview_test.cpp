@@ -37,12 +37,17 @@ TEST(Preview, ButtonsStepThroughTheViewsAndTheGridsShowTheirPages) {
         for (const char* name : {"grdPreview1", "lblPreview1", "lblPageOf"})
             EXPECT_EQ(form.findChild<QWidget*>(name)->isHidden(), c.chip == iSmallOnePage) << name;
         EXPECT_EQ(form.findChild<QTableWidget*>(c.grid)->item(c.row, c.column)->text(), c.text);
-        // In a room too low for it the window is as high as the room and wider by the grids' scroll bar,
-        // so that no column is hidden; in room enough it needs no scroll bar.
+        // In room enough the window shows the grids whole, with no scroll bar; in a room too low for it the
+        // window is as high as the room and wider by the grids' scroll bar, so that no column is hidden.
         form.fitInto(QSize(4000, 4000));
+        form.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&form));
+        const QScrollArea& scroll = *form.findChild<QScrollArea*>("scrPreview");
+        EXPECT_EQ(std::make_pair(scroll.verticalScrollBar()->isVisible(), scroll.horizontalScrollBar()->isVisible()),
+                  std::make_pair(false, false));
         const QSize whole = form.size();
         form.fitInto(QSize(4000, whole.height() / 2));
-        const int bar = form.findChild<QScrollArea*>("scrPreview")->verticalScrollBar()->sizeHint().width();
+        const int bar = scroll.verticalScrollBar()->sizeHint().width();
         EXPECT_EQ(form.size(), QSize(whole.width() + bar, whole.height() / 2)) << whole.width() << "x" << whole.height();
     }
 }
