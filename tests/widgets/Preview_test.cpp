@@ -26,23 +26,20 @@ TEST(Preview, ButtonsStepThroughTheViewsAndTheGridsShowTheirPages) {
         records.add(field("Badge", 5, 8, 0, 1, 0, 0x0000FF));
         const Translator translator;
         frmPreview form(card, records, translator, "card.iif", PrintServices{});
-        auto button = [&](const char* name) { return form.findChild<QPushButton*>(name); };
-        button("cmdPrevious")->click();
-        for (int i = 0; i < 4; ++i) button("cmdNext")->click();
-        EXPECT_FALSE(button("cmdNext")->isEnabled());
-        button("cmdPrevious")->click();
-        EXPECT_EQ(
-            std::make_tuple(form.viewIndex(), form.findChild<QLabel*>("lblPreview0")->text(), button("cmdPrevious")->isEnabled()),
-            std::make_tuple(c.view, QString(c.title0), c.view > 0));
-        for (const char* name : {"grdPreview1", "lblPreview1", "lblPageOf"})
-            EXPECT_EQ(form.findChild<QWidget*>(name)->isHidden(), c.chip == iSmallOnePage) << name;
-        EXPECT_EQ(form.findChild<QTableWidget*>(c.grid)->item(c.row, c.column)->text(), c.text);
+        const Controls ui{&form};
+        for (const char* button : {"cmdPrevious", "cmdNext", "cmdNext", "cmdNext", "cmdNext"}) ui.click(button);
+        EXPECT_FALSE(ui.child("cmdNext")->isEnabled());
+        ui.click("cmdPrevious");
         // In room enough the window shows the grids whole, with no scroll bar; in a room too low for it the
         // window is as high as the room and wider by the grids' scroll bar, so that no column is hidden.
         form.fitInto(QSize(4000, 4000));
         form.show();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(&form));
-        const QScrollArea& scroll = *form.findChild<QScrollArea*>("scrPreview");
+        EXPECT_EQ(std::make_tuple(form.viewIndex(), ui.child<QLabel>("lblPreview0")->text(), ui.child("cmdPrevious")->isEnabled(),
+                                  ui.shown({"grdPreview1", "lblPreview1", "lblPageOf"}).size(),
+                                  ui.child<QTableWidget>(c.grid)->item(c.row, c.column)->text()),
+                  std::make_tuple(c.view, QString(c.title0), c.view > 0, c.chip == iSmallOnePage ? 0 : 3, QString(c.text)));
+        const QScrollArea& scroll = *ui.child<QScrollArea>("scrPreview");
         EXPECT_EQ(std::make_pair(scroll.verticalScrollBar()->isVisible(), scroll.horizontalScrollBar()->isVisible()),
                   std::make_pair(false, false));
         const QSize whole = form.size();
