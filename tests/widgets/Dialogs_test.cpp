@@ -200,12 +200,34 @@ TEST(EditiClassFunctions, EditingAFunctionPresetsItsValuesAndWhereTheyComeFrom) 
         if (in.kind != FunctionKind::Checksum) continue;
         EXPECT_EQ(ed.current("cboRangeBeginRow") + ed.current("cboRangeBeginByte"), "203");
         ed.choose("cboRangeBeginByte", "5");
-        EXPECT_TRUE(ed.applyEnabled());
         ed.type("txtStartValue", "9");
         ed.click("cmdApply");
         EXPECT_EQ(ed.messageTexts(), std::vector<std::string>{});
         checksum.startValueText = "9", checksum.rangeBeginByte = 5;
         EXPECT_EQ(std::make_pair(functionInputOf(ed.records()[0]), ed.records()[0].color), std::make_pair(checksum, 0x00909090));
+    }
+}
+
+// Every choice made on an item being edited is a change to apply: its format, the field its value
+// comes from, the checksum range, a value typed, a property or first-value option clicked.
+TEST(EditiClassFunctions, EveryChoiceOnAnEditedItemIsAChangeToApply) {
+    ItemRecord bcd = field("NUMBER", 0, 20, 0, 6, 4);  // a BCD number, postfix F
+    bcd.fieldType = kFieldTypeNumber;
+    const std::vector<ItemRecord> items = {bcd, function("Count", "3", "NAME", "1", 0, 22, 0, 2),
+                                           function("Checksum", "0", "", "", 0, 24, 0, 1)};
+    // The mode, the item edited, the control and the entry chosen or text typed.
+    const std::tuple<int32_t, int, QString, const char*> changes[] = {
+        {kModeField, 0, "cboFormat", "Prefix 0"},     {kModeFunction, 1, "cboFieldList", "AMOUNT"},
+        {kModeFunction, 1, "txtCountStep", "4"},       {kModeFunction, 1, "optProperty(0)", ""},
+        {kModeFunction, 1, "optCountFirstValue(0)", ""}, {kModeFunction, 2, "cboRangeBeginRow", "21"},
+        {kModeFunction, 2, "cboRangeBeginByte", "5"}};
+    for (const auto& [mode, index, control, entry] : changes) {
+        Dialog ed(items);
+        ed.editor(mode, index);
+        const bool before = ed.applyEnabled();
+        control.startsWith("cbo") ? ed.choose(control, entry)
+                                  : (control.startsWith("txt") ? ed.type(control, entry) : ed.click(control));
+        EXPECT_EQ(std::make_pair(before, ed.applyEnabled()), std::make_pair(false, true)) << control.toStdString();
     }
 }
 

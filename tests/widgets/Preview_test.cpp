@@ -46,6 +46,8 @@ TEST(Preview, ButtonsStepThroughTheViewsAndTheGridsShowTheirPages) {
         form.fitInto(QSize(4000, whole.height() / 2));
         const int bar = scroll.verticalScrollBar()->sizeHint().width();
         EXPECT_EQ(form.size(), QSize(whole.width() + bar, whole.height() / 2)) << whole.width() << "x" << whole.height();
+        ui.click("cmdOK");  // OK closes the preview
+        EXPECT_EQ(std::make_pair(form.isVisible(), form.result()), std::make_pair(false, int(QDialog::Accepted)));
     }
 }
 
