@@ -161,8 +161,6 @@ TEST(EditiClassFunctions, AValueOrSizeOutOfRangeIsRefusedAndItsBoxKeepsTheFocus)
          "txtNrBytes", " 1 & 125!", false},
         {kModeBitField, "", {{"cboRow", "30"}, {"cboBeginByte", "1"}, {"cboBeginBit", "5"}, {"txtNrBytes", "125"}},
          "txtNrBytes", "", false},
-        {kModeField, "", {{"cboRow", "19"}, {"txtNrBytes", "105"}}, "txtNrBytes", " 1 & 104!", false},
-        {kModeField, "", {{"cboRow", "19"}, {"txtNrBytes", "104"}}, "txtNrBytes", "", false},
     };
     for (const auto& [mode, function, boxes, box, limits, apply] : cases) {
         SCOPED_TRACE(box + std::string(apply ? " on Apply" : " on leaving"));
@@ -456,9 +454,7 @@ TEST(Properties, BoundaryBoxesTakeFiveToThirtyOne) {
         d.bound(2)->setFocus(Qt::TabFocusReason);
         QApplication::processEvents();
         EXPECT_EQ(std::make_tuple(d.bound(1)->text(), d.messageTexts(), p.focusWidget() == d.bound(1)),
-                  std::make_tuple(kept, accepted ? std::vector<std::string>{} : std::vector<std::string>{"T3189 5 & 31!"},
-                                  !accepted))
-            << typed.toStdString();
+                  std::make_tuple(kept, std::vector<std::string>(!accepted, "T3189 5 & 31!"), !accepted)) << typed.toStdString();
     }
 }
 
@@ -609,12 +605,11 @@ TEST(DialogLimits, ThePlaceListsOfferThePagesFreeBlocksBytesAndBits) {
             Dialog d(chip);
             if (which < 2) d.open<frmEditiClass>(which == 0 ? kModeField : kModeBitFunction);
             else d.open<frmMultiTrack>();
+            const bool bits = which > 0;  // byte items have no begin bit
             EXPECT_EQ(std::make_tuple(d.entries("cboPage"), d.entries("cboRow"), d.entries("cboBeginByte"),
-                                      which > 0 ? d.entries("cboBeginBit") : range(0, 7)),  // byte items have no begin bit
-                      std::make_tuple(range(0, pages - 1), range(19, 31), range(0, 7), range(0, 7)));
-            QStringList lists = {"cboPage", "cboRow", "cboBeginByte"};
-            if (which > 0) lists << "cboBeginBit";
-            for (const QString& list : lists) EXPECT_EQ(d.child<QComboBox>(list)->currentIndex(), 0) << list.toStdString();
+                                      bits ? d.entries("cboBeginBit") : range(0, 7), d.current("cboPage"), d.current("cboRow"),
+                                      d.current("cboBeginByte"), bits ? d.current("cboBeginBit") : QString("0")),
+                      std::make_tuple(range(0, pages - 1), range(19, 31), range(0, 7), range(0, 7), "0", "19", "0", "0"));
             if (pages == 8) {  // another page offers its own rows
                 d.choose("cboPage", "3");
                 EXPECT_EQ(d.entries("cboRow"), range(6, 31));

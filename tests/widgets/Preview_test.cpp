@@ -90,10 +90,9 @@ void answerPrintOptions(bool toFile, bool allPages, bool cancel) {
     QTimer::singleShot(0, [=] {
         const Controls box{QApplication::activeModalWidget()};
         ASSERT_EQ(box.root ? box.root->objectName() : QString(), "frmPrintPreview");
-        EXPECT_EQ(std::make_tuple(box.checked("optPrint(0)"), box.checked("optRange(0)"),
-                                  box.child("fraDestination")->isAncestorOf(box.child("optPrint(1)")),
-                                  box.child("fraRange")->isAncestorOf(box.child("optRange(1)"))),
-                  std::make_tuple(true, true, true, true));
+        EXPECT_TRUE(box.checked("optPrint(0)") && box.checked("optRange(0)") &&
+                    box.child("fraDestination")->isAncestorOf(box.child("optPrint(1)")) &&
+                    box.child("fraRange")->isAncestorOf(box.child("optRange(1)")));
         box.click(toFile ? "optPrint(1)" : "optPrint(0)");
         box.click(allPages ? "optRange(1)" : "optRange(0)");
         box.click(cancel ? "cmdCancel" : "cmdOK");
