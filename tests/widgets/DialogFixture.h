@@ -1,8 +1,8 @@
 #pragma once
 // One fixture for every dialog test: a layout document on a card (2 kbit, HID area on: free
-// blocks 19 to 31 unless told), host fields of the five types, a catalog whose texts read "T<number>" so a
-// test sees which text was shown, a recording prompter, and helpers that drive the real
-// controls by their names.
+// blocks 19 to 31 unless told), host fields of the five types, a catalog registry in which a test may
+// open a library whose texts read "T<number>" (to see which text was shown), a recording prompter, and
+// helpers that drive the real controls by their names.
 #include <QtTest>
 #include <QtWidgets>
 #include <gtest/gtest.h>
@@ -113,8 +113,6 @@ struct DialogFixture : Controls {
     std::unique_ptr<QWidget> form;
 
     explicit DialogFixture(std::vector<ItemRecord> items = {}, IClassType chip = iSmallOnePage) {
-        doc.translator().setLanguageDLL(
-            numberedLibrary(registry, dir / "lang.txt", {3166, 3189, 4600, 4609, 4610, 4611, 4643, 4644}));
         doc.fields().setFields({{"Surname", "NAME", "Character", 20, 0, true}, {"Number", "NUMBER", "Number", 6, 1, true},
                                 {"Amount", "AMOUNT", "Numeric", 6, 2, true},  {"Birthday", "BIRTH", "Date", 8, 3, true},
                                 {"Photo", "PHOTO", "Binary", 64, 4, true}});

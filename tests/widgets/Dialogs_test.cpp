@@ -312,7 +312,6 @@ TEST(MultiTrack, ApplyStoresABinaryFieldAndRefusesAnOverlapWithAnotherItem) {
     for (const QTableView* grid : m.findChildren<QTableView*>())  // the operator does not type into a grid
         EXPECT_EQ(grid->editTriggers(), QAbstractItemView::NoEditTriggers) << grid->objectName().toStdString();
     d.clickField(1);
-    EXPECT_EQ(d.text("txtSelectedField"), "NUMBER");
     d.place(20, 2, "1x2");
     d.choose("cboBeginBit", "3");
     d.click("cmdApply");
@@ -320,8 +319,9 @@ TEST(MultiTrack, ApplyStoresABinaryFieldAndRefusesAnOverlapWithAnotherItem) {
     ItemRecord r = d.records()[1];
     EXPECT_EQ(std::make_tuple(std::string(kindWord(r)), r.name, r.block, r.beginByte, r.beginBit, r.numBytes),
               std::make_tuple(std::string(kKindBinaryField), std::string("NUMBER"), 20, 2, 3, 12));
-    EXPECT_EQ(std::make_tuple(d.child<QTableWidget>("grdPreview")->item(21, 3)->text(), d.mapColour(21, 3), d.applyEnabled()),
-              std::make_tuple(QString("NUMBER"), memoryMapColor(r.color), false));
+    EXPECT_EQ(std::make_tuple(d.text("txtSelectedField"), d.child<QTableWidget>("grdPreview")->item(21, 3)->text(),
+                              d.mapColour(21, 3), d.applyEnabled()),
+              std::make_tuple(QString("NUMBER"), QString("NUMBER"), memoryMapColor(r.color), false));
 
     Dialog edit({r, other});
     frmMultiTrack& e = edit.open<frmMultiTrack>(0);
@@ -334,7 +334,8 @@ TEST(MultiTrack, ApplyStoresABinaryFieldAndRefusesAnOverlapWithAnotherItem) {
     EXPECT_EQ(edit.records().records(), (std::vector<ItemRecord>{r, other}));
     edit.choose("cboRow", "25");
     edit.click("cmdOK");
-    EXPECT_EQ(std::make_pair(edit.messageTexts(), edit.applyEnabled()), std::make_pair(std::vector<std::string>{"T3166: Other."}, true));
+    EXPECT_EQ(std::make_pair(edit.messageTexts(), edit.applyEnabled()),
+              std::make_pair(std::vector<std::string>{"T3166: Other."}, true));
     edit.click("cmdCancel");
     EXPECT_EQ(std::make_pair(e.Cancelled, edit.records().records()), std::make_pair(true, std::vector<ItemRecord>{r, other}));
 
@@ -416,9 +417,6 @@ TEST(DBUpdate, OkNamesWhatIsMissingOrOutOfRangeAndWritesTheChosenFieldAndFunctio
     EXPECT_EQ(std::make_tuple(d.records().size(), u.Cancelled, u.isVisible()), std::make_tuple(1, true, true));
     d.type("txtConstantValue", "255");  // the last value allowed
     d.click("optFunction(1)");
-    // Only the boxes of the chosen function show, with their labels.
-    EXPECT_EQ(d.shown({"txtConstantValue", "lblConstantValue", "txtCountStep", "lblCountStep"}),
-              QStringList({"txtCountStep", "lblCountStep"}));
     d.type("txtCountNumber", "1a0");
     d.type("txtCountStep", "255");
     d.click("cmdOK");
@@ -569,15 +567,17 @@ TEST(DialogFunctions, EachFunctionOffersItsPropertiesAndStartsWithTheFirst) {
 }
 
 // The database-update dialog starts with "Constant" and its value box; each function shows its own
-// boxes; an update being edited comes back with its field, function and values.
+// boxes, with their labels; an update being edited comes back with its field, function and values.
 TEST(DialogFunctions, TheUpdateDialogShowsTheChosenFunctionsBoxes) {
-    const QStringList boxes = {"txtConstantValue", "txtCountNumber", "txtCountStep", "optProperty(0)", "optProperty(1)"};
+    const QStringList boxes = {"txtConstantValue", "lblConstantValue", "txtCountNumber", "txtCountStep", "lblCountStep",
+                               "optProperty(0)", "optProperty(1)"};
     const std::vector<ItemRecord> updates = {dbUpdate("NUMBER", "CardSnNr", "1"), dbUpdate("NAME", "Count", "7", "3")};
     Dialog d(updates);
     d.open<frmDBUpdate>();
     const std::pair<const char*, QStringList> shownFor[] = {
-        {"", {"txtConstantValue"}}, {"optFunction(2)", {"optProperty(0)", "optProperty(1)"}},
-        {"optFunction(1)", {"txtCountNumber", "txtCountStep"}}, {"optFunction(0)", {"txtConstantValue"}}};
+        {"", {"txtConstantValue", "lblConstantValue"}}, {"optFunction(2)", {"optProperty(0)", "optProperty(1)"}},
+        {"optFunction(1)", {"txtCountNumber", "txtCountStep", "lblCountStep"}},
+        {"optFunction(0)", {"txtConstantValue", "lblConstantValue"}}};
     for (const auto& [click, shown] : shownFor) {
         if (*click) d.click(click);
         EXPECT_EQ(d.shown(boxes), shown) << click;
@@ -596,16 +596,27 @@ TEST(DialogFunctions, TheUpdateDialogShowsTheChosenFunctionsBoxes) {
     }
 }
 
-// The lists of place: every page of the card, the blocks from the first free one (chosen first),
-// bytes and bits 0 to 7 starting at 0.
-TEST(DialogLimits, ThePlaceListsOfferThePagesFreeBlocksBytesAndBits) {
+// A dialog for a new item opens with nothing to apply (one for an item being edited: see
+// EveryChoiceOnAnEditedItemIsAChangeToApply), and OK then closes it at once without a message or an
+// item. Cancelled tells how it ended: false after OK, true after Cancel, also when the host shows the
+// same dialog again. Its lists of place: every page of the card, the blocks from the first free one
+// (chosen first), bytes and bits 0 to 7 starting at 0.
+TEST(DialogState, ANewItemsDialogOpensWithNothingToApplyTellsHowItEndedAndOffersThePlaceLists) {
+    const auto okThenCancel = [](const Dialog& d, auto& form) {
+        EXPECT_FALSE(d.applyEnabled());
+        d.click("cmdOK");
+        EXPECT_EQ(std::make_tuple(form.isVisible(), form.Cancelled, d.messageTexts().size(), d.records().size()),
+                  std::make_tuple(false, false, 0u, 0));
+        form.show();
+        d.click("cmdCancel");
+        EXPECT_EQ(std::make_pair(form.isVisible(), form.Cancelled), std::make_pair(false, true));
+    };
     for (const auto& [chip, pages] : {std::pair{iSmallOnePage, 1}, std::pair{iBigEightPages, 8}}) {
-        for (int which = 0; which < 3; ++which) {
-            SCOPED_TRACE(std::to_string(pages) + " pages, dialog " + std::to_string(which));
+        for (const int32_t mode : {kModeField, kModeFunction, kModeBitField, kModeBitFunction, -1}) {  // -1: multi-track
+            SCOPED_TRACE(std::to_string(pages) + " pages, mode " + std::to_string(mode));
             Dialog d(chip);
-            if (which < 2) d.open<frmEditiClass>(which == 0 ? kModeField : kModeBitFunction);
-            else d.open<frmMultiTrack>();
-            const bool bits = which > 0;  // byte items have no begin bit
+            mode < 0 ? okThenCancel(d, d.open<frmMultiTrack>()) : okThenCancel(d, d.open<frmEditiClass>(mode));
+            const bool bits = mode != kModeField && mode != kModeFunction;  // byte items have no begin bit
             EXPECT_EQ(std::make_tuple(d.entries("cboPage"), d.entries("cboRow"), d.entries("cboBeginByte"),
                                       bits ? d.entries("cboBeginBit") : range(0, 7), d.current("cboPage"), d.current("cboRow"),
                                       d.current("cboBeginByte"), bits ? d.current("cboBeginBit") : QString("0")),
@@ -660,29 +671,6 @@ TEST(DialogLimits, TheMultiTrackArrowsStepFromTheTypedSizeAndStopAtTheRoomLeft) 
     const QTableWidget& map = *big.open<frmMultiTrack>().findChild<QTableWidget*>("grdPreview");
     EXPECT_EQ(std::make_pair(map.verticalScrollBar()->maximum() > 0, map.horizontalHeader()->length() <= map.viewport()->width()),
               std::make_pair(true, true)) << map.horizontalHeader()->length() << " " << map.viewport()->width();
-}
-
-// A dialog for a new item opens with nothing to apply (one for an item being edited: see
-// EveryChoiceOnAnEditedItemIsAChangeToApply), and OK then closes it at once without a message or an
-// item. Cancelled tells how it ended: false after OK, true after Cancel, also when the host shows the
-// same dialog again.
-TEST(DialogState, ADialogOpensWithNothingToApplyAndTellsHowItEnded) {
-    const auto okThenCancel = [](const Dialog& d, auto& form) {
-        EXPECT_FALSE(d.applyEnabled());
-        d.click("cmdOK");
-        EXPECT_EQ(std::make_tuple(form.isVisible(), form.Cancelled, d.messageTexts().size(), d.records().size()),
-                  std::make_tuple(false, false, 0u, 0));
-        form.show();
-        d.click("cmdCancel");
-        EXPECT_EQ(std::make_pair(form.isVisible(), form.Cancelled), std::make_pair(false, true));
-    };
-    for (const int32_t mode : {kModeField, kModeFunction, kModeBitField, kModeBitFunction}) {
-        SCOPED_TRACE("mode " + std::to_string(mode));
-        Dialog d;
-        okThenCancel(d, d.open<frmEditiClass>(mode));
-    }
-    Dialog d;
-    okThenCancel(d, d.open<frmMultiTrack>());
 }
 
 }  // namespace

@@ -84,9 +84,10 @@ PrintedPage printedPage(const QString& pdf) {
     return page;
 }
 
-// Answers the modal print options with the given choices once they are shown. They open with the
-// first option of each frame chosen: the printer and the current pages.
-void answerPrintOptions(bool toFile, bool allPages, bool cancel) {
+// Answers the modal print options with the given choices once they are shown (by a click on the
+// given Print button, if any). They open with the first option of each frame chosen: the printer and
+// the current pages.
+void answerPrintOptions(bool toFile, bool allPages, bool cancel, QAbstractButton* print = nullptr) {
     QTimer::singleShot(0, [=] {
         const Controls box{QApplication::activeModalWidget()};
         ASSERT_EQ(box.root ? box.root->objectName() : QString(), "frmPrintPreview");
@@ -97,6 +98,7 @@ void answerPrintOptions(bool toFile, bool allPages, bool cancel) {
         box.click(allPages ? "optRange(1)" : "optRange(0)");
         box.click(cancel ? "cmdCancel" : "cmdOK");
     });
+    if (print) print->click();
 }
 
 // The print seams: the file chooser names a PDF, the system print dialog is a PDF printer.
@@ -141,13 +143,11 @@ TEST_P(Printing, OptionsDialogDrivesThePrintingAndEnterOnTheFocusedPrintRunsIt) 
         file = unwritable;
         EXPECT_FALSE(printPreview(*preview, true, true)) << unwritable.toStdString();
     }
-    answerPrintOptions(false, false, true);
-    preview->findChild<QPushButton*>("cmdPrint")->click();
+    answerPrintOptions(false, false, true, preview->findChild<QPushButton*>("cmdPrint"));
     EXPECT_FALSE(std::filesystem::exists(dir / "printed.pdf"));
     file = QString::fromStdString((dir / "map.pdf").string());
     if (views() > 1) preview->showNext();
-    answerPrintOptions(true, true, false);
-    preview->findChild<QPushButton*>("cmdPrint")->click();
+    answerPrintOptions(true, true, false, preview->findChild<QPushButton*>("cmdPrint"));
     EXPECT_EQ(std::make_pair(pdfPages(dir / "map.pdf"), preview->viewIndex()), std::make_pair(views(), views() > 1 ? 1 : 0));
     const std::string text = run("pdftotext", {"-layout", file, "-"});
     EXPECT_EQ(std::make_tuple(text.find("<Filename>: C:/layouts/Staff.IIF; <Date>: ") != std::string::npos,
