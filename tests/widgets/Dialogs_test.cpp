@@ -156,10 +156,8 @@ TEST(EditiClassFunctions, AValueOrSizeOutOfRangeIsRefusedAndItsBoxKeepsTheFocus)
         {kModeFunction, "optFunction(3)", {{"txtRangeBytesCount", "300"}}, "txtRangeBytesCount", "", false},
         {kModeField, "", {{"cboRow", "30"}, {"cboBeginByte", "1"}, {"txtNrBytes", "16"}}, "txtNrBytes", " 1 & 15!", false},
         {kModeField, "", {{"cboRow", "30"}, {"cboBeginByte", "1"}, {"txtNrBytes", "15"}}, "txtNrBytes", "", false},
-        {kModeBitField, "", {{"cboRow", "30"}, {"cboBeginByte", "1"}, {"cboBeginBit", "5"}, {"txtNrBytes", "126"}},
-         "txtNrBytes", " 1 & 125!", false},
-        {kModeBitField, "", {{"cboRow", "30"}, {"cboBeginByte", "1"}, {"cboBeginBit", "5"}, {"txtNrBytes", "125"}},
-         "txtNrBytes", "", false},
+        {kModeBitField, "", {{"cboRow", "30"}, {"cboBeginBit", "5"}, {"txtNrBytes", "134"}}, "txtNrBytes", " 1 & 133!", false},
+        {kModeBitField, "", {{"cboRow", "30"}, {"cboBeginBit", "5"}, {"txtNrBytes", "133"}}, "txtNrBytes", "", false},
     };
     for (const auto& [mode, function, boxes, box, limits, apply] : cases) {
         SCOPED_TRACE(box + std::string(apply ? " on Apply" : " on leaving"));
