@@ -40,9 +40,10 @@ QImage photographControl(bool designMode, const std::wstring& layout = {}) {
     return shot;
 }
 
-// A thin horizontal line of the picture: a row that one colour fills for at least three fifths
-// of the width while the rows two above and two below do not (a grid's row lines; not the ground).
-std::map<int, QRgb> thinLines(const QImage& shot) {
+// The thin horizontal lines of the picture by colour, top to bottom: rows that one colour fills for
+// at least three fifths of the width while the rows two above and two below do not (a grid's row
+// lines; not the ground).
+std::map<QRgb, std::vector<int>> thinLines(const QImage& shot) {
     std::vector<QRgb> filling(shot.height(), 0);  // the colour filling each row, 0 for none
     for (int y = 0; y < shot.height(); ++y) {
         std::map<QRgb, int> counts;
@@ -50,9 +51,9 @@ std::map<int, QRgb> thinLines(const QImage& shot) {
         for (const auto& [colour, count] : counts)
             if (count * 5 >= shot.width() * 3) filling[y] = colour;
     }
-    std::map<int, QRgb> lines;  // the colour of each line's row
+    std::map<QRgb, std::vector<int>> lines;
     for (int y = 2; y + 2 < shot.height(); ++y)
-        if (filling[y] && filling[y - 2] != filling[y] && filling[y + 2] != filling[y]) lines[y] = filling[y];
+        if (filling[y] && filling[y - 2] != filling[y] && filling[y + 2] != filling[y]) lines[filling[y]].push_back(y);
     return lines;
 }
 
@@ -63,20 +64,16 @@ TEST(Container, RunModeShowsTheTwoGrids) {
     const QImage shot = kestrin::test::photographControl(false, kestrin::test::example("layouts/Staff.IIF"));
     ASSERT_FALSE(shot.isNull()) << "the container could not create Kestrin.iClass";
     // The row lines of both grids: the colour most lines have.
-    std::map<QRgb, int> colours;
     const auto lines = kestrin::test::thinLines(shot);
-    for (const auto& [y, colour] : lines) ++colours[colour];
-    ASSERT_FALSE(colours.empty()) << "no grid lines on the control";
-    const auto fewer = [](const auto& a, const auto& b) { return a.second < b.second; };
-    const QRgb rowLine = std::max_element(colours.begin(), colours.end(), fewer)->first;
-    std::vector<int> upper, lower;
-    for (const auto& [y, colour] : lines)
-        if (colour == rowLine) (y < shot.height() / 2 ? upper : lower).push_back(y);
+    ASSERT_FALSE(lines.empty()) << "no grid lines on the control";
+    const auto fewer = [](const auto& a, const auto& b) { return a.second.size() < b.second.size(); };
+    const std::vector<int>& rows = std::max_element(lines.begin(), lines.end(), fewer)->second;
+    const auto lower = std::find_if(rows.begin(), rows.end(), [&](int y) { return y >= shot.height() / 2; });
     // The item grid above shows the sample's items a row each, evenly spaced; the update grid
     // below its header and its one row.
-    ASSERT_GE(upper.size(), 5u);
-    for (std::size_t i = 1; i < upper.size(); ++i) EXPECT_EQ(upper[i] - upper[i - 1], upper[1] - upper[0]);
-    EXPECT_GE(lower.size(), 1u);
+    ASSERT_GE(lower - rows.begin(), 5);
+    for (auto y = rows.begin() + 1; y != lower; ++y) EXPECT_EQ(*y - y[-1], rows[1] - rows[0]);
+    EXPECT_NE(lower, rows.end());
 }
 
 TEST(Container, DesignModeShowsThePictureInsteadOfTheGrids) {

@@ -3,11 +3,11 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <random>
 #include <string>
 #include <vector>
+
+#include "support/TestSupport.h"
 
 namespace kestrin::test {
 
@@ -20,11 +20,6 @@ inline std::mt19937 seeded(const char* what) {
     const uint32_t seed = given ? static_cast<uint32_t>(std::strtoul(given, nullptr, 10)) : std::random_device{}();
     std::printf("%s: seed %u (KESTRIN_SEED=%u repeats it)\n", what, seed, seed);
     return std::mt19937(seed);
-}
-
-inline std::string readFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
 inline const std::string& pick(std::mt19937& rng, const Words& items) { return items[rng() % items.size()]; }

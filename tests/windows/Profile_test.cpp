@@ -5,8 +5,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 
 #include "Differential.h"
 #include "persist/Cp1252.h"
@@ -74,18 +72,18 @@ Words listed(const std::vector<char>& buffer, DWORD length) {
     return untilEmpty(out);
 }
 
-// Every file gets a name of its own: the profile functions may keep a file they read.
-std::string caseFile(const char* test, std::size_t n) {
-    return (std::filesystem::temp_directory_path() / (std::string(test) + std::to_string(n) + ".ini")).string();
-}
+// Every file gets a name of its own, in a folder removed after the test: the profile functions may
+// keep a file they read.
+std::string caseFile(const TempDir& dir, std::size_t n) { return (dir / (std::to_string(n) + ".ini")).string(); }
 
 TEST(ProfileReading, AnswersAsTheWindowsFunctions) {
     std::mt19937 rng = seeded("profile reading");
     Tally tally("profile reading");
+    const TempDir dir;
     std::vector<char> buffer(65536);
     for (std::size_t n = 0; n < 2000 && tally.differences <= 20; ++n) {
-        const std::string bytes = profileFile(rng), path = caseFile("kestrin-profile-reading", n);
-        std::ofstream(path, std::ios::binary) << bytes;
+        const std::string bytes = profileFile(rng), path = caseFile(dir, n);
+        writeBytes(path, bytes);
         const ProfileDocument doc = ProfileDocument::parse(bytes);
         tally.subject = bytes;
         // Every name as written and one padded; the nameless section is never asked for.
@@ -120,7 +118,6 @@ TEST(ProfileReading, AnswersAsTheWindowsFunctions) {
         std::erase(named, std::string());
         const DWORD length = GetPrivateProfileSectionNamesA(buffer.data(), static_cast<DWORD>(buffer.size()), path.c_str());
         tally.same(named, listed(buffer, length), "sections");
-        std::remove(path.c_str());
     }
 }
 
@@ -128,8 +125,9 @@ TEST(ProfileReading, AnswersAsTheWindowsFunctions) {
 TEST(ProfileWriting, WritesTheBytesOfTheWindowsFunction) {
     std::mt19937 rng = seeded("profile writing");
     Tally tally("profile writing");
+    const TempDir dir;
     for (std::size_t n = 0; n < 1000 && tally.differences <= 20; ++n) {
-        const std::string path = caseFile("kestrin-profile-writing", n);
+        const std::string path = caseFile(dir, n);
         ProfileWriter ours;
         tally.subject.clear();
         for (int i = 0, count = 1 + static_cast<int>(rng() % 40); i < count; ++i) {
@@ -143,8 +141,7 @@ TEST(ProfileWriting, WritesTheBytesOfTheWindowsFunction) {
             ASSERT_TRUE(WritePrivateProfileStringA(section.c_str(), key.c_str(), value.c_str(), path.c_str()));
             tally.subject += "[" + section + "] " + key + "=" + value.substr(0, 20) + "\n";
         }
-        tally.same(ours.bytes(), readFile(path), "the writes");
-        std::remove(path.c_str());
+        tally.same(ours.bytes(), readBytes(path), "the writes");
     }
 }
 

@@ -43,8 +43,7 @@ TEST(CodePage, EveryByteAndCharacterConvertsAsWindowsConvertsThem) {
         if (cp >= 0xD800 && cp <= 0xDFFF) continue;
         const wchar_t unit = static_cast<wchar_t>(cp);
         char theirs[4] = {};
-        BOOL usedDefault = FALSE;
-        const int length = WideCharToMultiByte(1252, WC_NO_BEST_FIT_CHARS, &unit, 1, theirs, sizeof theirs, "?", &usedDefault);
+        const int length = WideCharToMultiByte(1252, WC_NO_BEST_FIT_CHARS, &unit, 1, theirs, sizeof theirs, "?", nullptr);
         std::string text;
         appendUtf8(text, cp);
         characters.same(utf8ToCp1252(text), std::string(theirs, static_cast<std::size_t>(length)), "U+" + std::to_string(cp));
@@ -59,7 +58,7 @@ std::filesystem::path fixture(const char* name) { return std::filesystem::path(K
 TEST(LanguageLibraries, AnswerAsLoadString) {
     for (const char* name : {"strings32.dll", "strings64.dll", "standard.dll", "custom.dll"}) {
         std::string error;
-        const auto ours = PeStringTable::parse(readFile(fixture(name).string()), &error);
+        const auto ours = PeStringTable::parse(readBytes(fixture(name)), &error);
         ASSERT_TRUE(ours) << name << ": " << error;
         const HMODULE module = LoadLibraryExW(fixture(name).wstring().c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
         ASSERT_NE(module, nullptr) << name << ": LoadLibraryExW failed: " << GetLastError();
@@ -94,7 +93,7 @@ LanguageHandle handleOf(T* pointer) { return reinterpret_cast<LanguageHandle>(po
 // marker. The low two bits of a handle only say how the library was loaded, so the handles
 // with them cleared or set give the same texts.
 TEST(ModuleHandles, GiveTheTextsTheRegistryGivesForTheSameFiles) {
-    // How a host loads its two libraries itself: LoadLibraryExW with these flags, or LoadLibraryW (0).
+    // How a host loads its two libraries itself: LoadLibraryExW with these flags (0 loads as LoadLibraryW does).
     // The 64-bit fixtures share one preferred base and cannot be relocated: one is loaded as a library.
     constexpr DWORD DataFile = LOAD_LIBRARY_AS_DATAFILE, ImageResource = LOAD_LIBRARY_AS_IMAGE_RESOURCE;
     // The standard library, its flags and the custom library's flags.
@@ -107,15 +106,11 @@ TEST(ModuleHandles, GiveTheTextsTheRegistryGivesForTheSameFiles) {
     ids.insert(ids.end(), {3104 + 0x10000, 3105 - 0x20000, 1 + 0x7FFF0000, INT32_MIN + 2});
     Tally tally("module handles");
     const auto loaded = [](const char* name, DWORD flags) {
-        const std::wstring path = fixture(name).wstring();
-        const HMODULE module = flags ? LoadLibraryExW(path.c_str(), nullptr, flags) : LoadLibraryW(path.c_str());
-        EXPECT_NE(module, nullptr) << name << ": error " << GetLastError();
-        return handleOf(module);
+        return handleOf(LoadLibraryExW(fixture(name).wstring().c_str(), nullptr, flags));
     };
     for (const auto& [standardName, standardFlags, customFlags] : loads) {
-        const LanguageHandle standard = loaded(standardName, standardFlags);
-        const LanguageHandle custom = loaded("custom.dll", customFlags);
-        ASSERT_TRUE(standard && custom);
+        const LanguageHandle standard = loaded(standardName, standardFlags), custom = loaded("custom.dll", customFlags);
+        ASSERT_TRUE(standard && custom) << standardName << ": error " << GetLastError();
         CatalogRegistry registry;
         const LanguageHandle standardFile = registry.open(fixture(standardName));
         const LanguageHandle customFile = registry.open(fixture("custom.dll"));
@@ -129,6 +124,8 @@ TEST(ModuleHandles, GiveTheTextsTheRegistryGivesForTheSameFiles) {
                                  {{custom & ~low, standard & ~low}, bothFiles}, {{custom | low, standard | low}, bothFiles}};
         std::size_t texts = 0;
         for (const auto& [modules, files] : given) {
+            tally.subject = std::string(standardName) + " loaded with " + std::to_string(standardFlags) + ", handles " +
+                            std::to_string(modules.first) + " and " + std::to_string(modules.second);
             Translator fromModules(&registry), fromFiles(&registry);
             fromModules.setCustomLanguageDLL(modules.first);
             fromModules.setLanguageDLL(modules.second);
@@ -138,10 +135,7 @@ TEST(ModuleHandles, GiveTheTextsTheRegistryGivesForTheSameFiles) {
                 const std::string_view fallback = id % 2 ? "<Default>" : "";
                 const std::string expected = fromFiles.text(id, fallback);
                 texts += expected != fallback && expected != Translator::NotFoundText;
-                tally.same(fromModules.text(id, fallback), expected,
-                           std::string(standardName) + " loaded with " + std::to_string(standardFlags) + ", id " +
-                               std::to_string(id) + ", handles " + std::to_string(modules.first) + " and " +
-                               std::to_string(modules.second));
+                tally.same(fromModules.text(id, fallback), expected, "id " + std::to_string(id));
             }
         }
         FreeLibrary(reinterpret_cast<HMODULE>(custom));
@@ -155,7 +149,7 @@ TEST(ModuleHandles, GiveTheTextsTheRegistryGivesForTheSameFiles) {
 // memory of the program's own, which LoadString would read as the library.
 TEST(NumbersThatAreNoModule, GiveTheFallbacksWithoutBeingReadThrough) {
     const std::wstring path = fixture("strings64.dll").wstring();
-    const std::string file = readFile(fixture("strings64.dll").string());
+    const std::string file = readBytes(fixture("strings64.dll"));
     const HMODULE freed = LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
     ASSERT_TRUE(freed && FreeLibrary(freed));
     const HMODULE loaded = LoadLibraryW(path.c_str());
