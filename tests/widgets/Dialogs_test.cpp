@@ -41,7 +41,8 @@ struct Dialog : DialogFixture {
         if (!bounds.empty()) card->SetBoundaries(bounds);
         frmProperties& p = open<frmProperties>();
         p.setCard(std::move(card));
-        return activate(), p;
+        activate();
+        return p;
     }
     QRadioButton* chip(int i) const { return child<QRadioButton>(QStringLiteral("optChipType(%1)").arg(i)); }
     QLineEdit* bound(int page) const { return child<QLineEdit>(QStringLiteral("txtBoundary(%1)").arg(page)); }

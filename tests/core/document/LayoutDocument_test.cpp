@@ -10,6 +10,7 @@
 #include "persist/ProfileDocument.h"
 #include "rules/DatabaseUpdateRules.h"
 #include "rules/EditorEntries.h"
+#include "rules/MultiTrackValidation.h"
 #include "support/Records.h"
 #include "support/TestSupport.h"
 #include "text/CatalogRegistry.h"
@@ -134,6 +135,34 @@ TEST(LayoutDocument, ItemChangesTable) {
         const std::string result = c.change(d.doc);
         EXPECT_EQ(std::tuple(result, d.shape(), d.told(), d.changes, d.doc.saved()),
                   std::tuple(c.result, c.after, c.told, c.changes, c.changes.empty()));
+    }
+}
+
+// A layout that holds as many records as it can refuses a new one of each kind with a message,
+// and still takes a change to its first record.
+TEST(LayoutDocument, AFullLayoutRefusesNewRecordsAndStillTakesAChangeToItsFirst) {
+    using Edit = std::function<bool(LayoutDocument&, int32_t)>;
+    ItemRecord track = field("Track", 0, 20, 0, 4);
+    track.isBinary = true;
+    const std::tuple<const char*, ItemRecord, Edit> kinds[] = {
+        {"item", field("A", 0, 20, 0, 2),
+         [](LayoutDocument& d, int32_t at) { return d.applyItem(fieldAt("A", 22, 2), at).code != 0; }},
+        {"multi-track item", track,
+         [](LayoutDocument& d, int32_t at) { return d.applyMultiTrack({"Track", 0, 22, 0, 0, "4"}, at).code != 0; }},
+        {"database update", dbUpdate("NAME", "Constant", "1"),
+         [](LayoutDocument& d, int32_t at) { return d.applyDbUpdate({"Count", "NUMBER", 1, "", "5", "2", false}, at).stored; }}};
+    for (const auto& [what, first, change] : kinds) {
+        SCOPED_TRACE(what);
+        Doc d;
+        std::vector<ItemRecord> records(RecordArray::kMaxRecords, dbUpdate("X", "Constant", "1"));
+        records[0] = first;
+        d.doc.setLayout(CIClass(), recordsOf(records));
+        const bool added = change(d.doc, -1);
+        const std::vector<std::string> told = d.told();
+        const bool changed = change(d.doc, 0);
+        EXPECT_EQ(std::tuple(added, told, changed, int(d.doc.records().size())),
+                  std::tuple(false, std::vector<std::string>{"The layout holds as many items as it can."}, true,
+                             int(RecordArray::kMaxRecords)));
     }
 }
 

@@ -162,6 +162,9 @@ TEST(PageMap, PaintsExactlyTheBytesTouched) {
                 }
         EXPECT_EQ(shown, cells) << name;
     }
+    // Neighbours of different names stay apart; each run of one name is one cell.
+    const MapGrid two = mapOf(iSmallOnePage, 0, 0, false, recordsOf({item("A", 0, 20, 0, 1), item("B", 0, 20, 1, 2)}));
+    EXPECT_EQ(std::tuple(two.columnSpan(21, 1), two.columnSpan(21, 2), two.textAt(21, 2)), std::tuple(1, 2, "B"));
 }
 
 // The item editor's bit map of a 2 kbit page (HID area on: blocks 19 to 31 free): block numbers
@@ -175,7 +178,7 @@ TEST(BitMap, ShowsBlocksBytesItemsAndTheMark) {
     const MapGrid map = bitMap(page, recordsOf({bitField("B", 0, 19, 0, 6, 4, kItem), bitField("C", 0, 20, 1, 0, 2, kItem)}), &mark);
     ASSERT_EQ(std::tuple(map.rows(), map.columns(), bitMapRow(page, 19)), std::tuple(14, 65, 1));
     EXPECT_EQ(std::tuple(map.textAt(1, 0), map.textAt(13, 0), map.at(13, 0).background, map.textAt(0, 1), map.textAt(0, 57),
-                         map.text(map.at(0, 64).tip), map.columnSpan(0, 9), map.at(13, 8).background, map.at(13, 9).background,
+                         map.text(map.at(0, 64).tip), map.columnSpan(0, 1), map.at(13, 8).background, map.at(13, 9).background,
                          map.at(13, 17).background),
               std::tuple("19", "31", kMapBlockNumberColor, "0", "7", "7.7", 8, kMapFreeColor, kByteEdgeColor, kMapFreeColor));
     for (int column : {7, 8, 9, 10})

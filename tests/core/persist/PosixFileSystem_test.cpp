@@ -61,4 +61,13 @@ TEST(FileSystem, ACopyWorksWhileStandardInputIsClosed) {
     EXPECT_EQ(std::tuple(error, readBytes(dir / "To.IIF")), std::tuple(std::error_code{}, "[GENERAL]\r\n"));
 }
 
+// A copy whose source opens but cannot be read (a folder) reports the error and leaves no new file.
+TEST(FileSystem, ACopyThatCannotReadItsSourceFailsAndLeavesNothing) {
+    TempDir dir;
+    std::filesystem::create_directory(dir / "Folder.IIF");
+    const std::error_code error = systemFileSystem().copy(dir / "Folder.IIF", dir / "To.IIF");
+    EXPECT_EQ(std::tuple(error, std::filesystem::exists(dir / "To.IIF")),
+              std::tuple(std::make_error_code(std::errc::is_a_directory), false));
+}
+
 }  // namespace

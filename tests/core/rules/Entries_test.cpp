@@ -32,6 +32,19 @@ const std::string kCutMessage = "Some or all application boundaries cut through 
 const std::string kHidMessage = "HID Space should not cover database items or functions.\r\n"
                                 "Disable HID application or click cancel and move your iClass items.";
 
+// What a number box takes for a number: blanks around it, a sign, a fraction, an exponent in
+// either letter case with a sign of its own; the range is checked on the value it stands for.
+TEST(NumberBoxes, TakeNumbersAsWrittenAndCheckTheValuesRange) {
+    const std::pair<const char*, int32_t> cases[] = {  // the text and the failure's text id (0: taken) for 0 to 255
+        {" 7 ", 0}, {"+7", 0}, {"2.5", 0}, {"1e2", 0}, {"1E+2", 0}, {"25e-1", 0}, {"3e2", kTextOutOfRange},
+        {"", kTextOutOfRange}, {"-1", kTextOutOfRange}, {"1e", kTextNotANumber}, {"e2", kTextNotANumber},
+        {"7x", kTextNotANumber}, {"0x1F", kTextNotANumber}};
+    for (const auto& [text, id] : cases) {
+        const NumberCheck c = checkNumberInRange(0, 255, text, tr);
+        EXPECT_EQ(std::tuple(c.ok, c.textId), std::tuple(id == 0, id)) << text;
+    }
+}
+
 TEST(LayoutProperties, BoxOfPageNMinusOneIsComparedWithItemsOfPageNTheHidAreaWithPageZero) {
     // Page 0 is never checked; P2 takes blocks 19 and 20.
     RecordArray records = recordsOf({field("P0", 0, 19, 0, 16), field("P2", 2, 19, 0, 16), field("P7", 7, 19, 0, 16)});
@@ -228,6 +241,9 @@ TEST(FunctionValues, AreStoredSaturatedAndReadBackAndFillTheRequest) {
     r.name = "Checksum", r.param1 = "9", r.initValue = 4;
     EXPECT_EQ(std::tuple(functionInputOf(r).option, functionInputOf(r).startValueText), std::tuple(0, ""));
     r.name = "CardSnNr", r.param1 = "1.5";
+    EXPECT_EQ(functionInputOf(r).option, 0);
+    r.name = "Count";
+    r.param3 = "5";  // neither counting order
     EXPECT_EQ(functionInputOf(r).option, 0);
     r.name = "Constant", r.param1 = "";
     EXPECT_FALSE(functionInputOf(r).valueFromField);

@@ -97,6 +97,7 @@ const std::vector<RuleCase> kRules{
     {"ByteParityStart2", check(kF, kChecksumParity, 1, "", "2"), kTextOutOfRange, B::StartValue},
     {"BitAdd8", check(kBF, kChecksumAdd, 8), 0}, {"BitAdd7", check(kBF, kChecksumAdd, 7), kTextNotExactly, B::NrBytes},
     {"BitCrcOk", check(kBF, kCrc, 4, "17", "15"), 0}, {"BitCrcStartZero", check(kBF, kCrc, 4, "17", "0"), 0},
+    {"BitCrcOneBit", check(kBF, kCrc, 1, "3", "1"), 0},
     {"BitCrc9Bits", check(kBF, kCrc, 9, "17", "15"), kTextOutOfRange, B::NrBytes},
     {"BitCrcPolynomialTooSmall", check(kBF, kCrc, 4, "16", "15"), kTextOutOfRange, B::Polynom},
     {"BitCrcStartTooBig", check(kBF, kCrc, 4, "17", "16"), kTextOutOfRange, B::StartValue},

@@ -56,7 +56,8 @@ inline std::vector<std::string> namesIn(const std::filesystem::path& folder) {
 // Hidden temporary files (".NAME.<n>.tmp") in folder.
 inline std::vector<std::string> hiddenTempFiles(const std::filesystem::path& folder) {
     std::vector<std::string> names = namesIn(folder);
-    return std::erase_if(names, [](const std::string& n) { return !n.starts_with(".") || !n.ends_with(".tmp"); }), names;
+    std::erase_if(names, [](const std::string& n) { return !n.starts_with(".") || !n.ends_with(".tmp"); });
+    return names;
 }
 
 // Names the contents a file is expected to hold, so that checks compare short names and a
