@@ -132,10 +132,11 @@ TEST_F(Overlap, AsksAndReplacesOnOkButTheSameItemPlacedAgainInItsOwnModeUnasked)
     for (const auto& [existing, textId, answer] : cases) {
         records = recordsOf({field("Keep", 0, 25, 0, 1), existing});
         prompter = RecordingPrompter(answer);
+        const int32_t found = violations(at(20, 0, 4)).at(0).textId;
         const PlacementResult result = place(at(20, 0, 4));
         const bool ok = answer == Answer::Ok;
-        EXPECT_EQ(std::tuple(result.code, result.focus, result.removedIndex),
-                  std::tuple(ok ? kPlacementReplaced : kPlacementRejected, B::None, ok ? 1 : -1));
+        EXPECT_EQ(std::tuple(result.code, result.focus, result.removedIndex, found),
+                  std::tuple(ok ? kPlacementReplaced : kPlacementRejected, B::None, ok ? 1 : -1, textId));
         ASSERT_EQ(prompter.messages.size(), 1u);
         EXPECT_EQ(std::tuple(prompter.messages[0].buttons, prompter.messages[0].text, records.size(), records[0].name),
                   std::tuple(Buttons::OkCancel, tr.text(textId) + ": " + existing.name + ".", ok ? 1 : 2, "Keep"));

@@ -102,12 +102,12 @@ INSTANTIATE_TEST_SUITE_P(Formats, PeStringTableFormat, ::testing::Bool(),
 
 // A text of exactly 255 units fits and comes back whole, even when it ends in a high surrogate
 // and what follows it in memory is a low one; a longer text is cut before the pair it would split.
-// The last code point below U+10000 takes three bytes of UTF-8, the first beyond it four.
+// The last code point below U+10000 takes three bytes of UTF-8, the first and the last beyond it four.
 TEST(Utf16Text, IsCutAtTheLimitAndConvertedToUtf8) {
     const std::u16string units = std::u16string(254, u'a') + u"\U0001F600";
     EXPECT_EQ(cutUtf16(std::u16string_view(units).substr(0, 255)).size(), 255u);
     EXPECT_EQ(cutUtf16(units).size(), 254u);
-    EXPECT_EQ(utf16ToUtf8(u"\uFFFF\U00010000"), "\xEF\xBF\xBF\xF0\x90\x80\x80");
+    EXPECT_EQ(utf16ToUtf8(u"\uFFFF\U00010000\U0010FFFF"), "\xEF\xBF\xBF\xF0\x90\x80\x80\xF4\x8F\xBF\xBF");
 }
 
 std::string withTable(const ByteWriter& rsrc) { return peImage(rsrc.s).s; }
