@@ -69,6 +69,17 @@ bool lightColour(int32_t bgr) {
 TEST(EditiClassFields, APlaceBeyondThePageIsRefusedAndOneOnItIsAppliedByOk) {
     Dialog ed;
     frmEditiClass& form = ed.open<frmEditiClass>(kModeField);
+    // The field grid shows each field's name, type, size and description; rows picked in one go (a drag with
+    // Ctrl over several) join their names in the grid's order.
+    QTableWidget& grid = *ed.child<QTableWidget>("grdFields");
+    QStringList cells;
+    for (int row : {0, 4})
+        for (int column = 0; column < 4; ++column) cells << (grid.item(row, column) ? grid.item(row, column)->text() : "-");
+    EXPECT_EQ(cells.join("|"), QString("NAME|Character|20|Surname|PHOTO|Binary|64|Photo"));
+    QItemSelection picked(grid.model()->index(3, 0), grid.model()->index(3, 0));
+    picked.select(grid.model()->index(1, 0), grid.model()->index(1, 0));
+    grid.selectionModel()->select(picked, QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    EXPECT_EQ(ed.text("txtSelectedField"), QString("NUMBER [+] BIRTH"));
     ed.clickField(0);  // choosing a field is a change to apply
     EXPECT_EQ(std::make_pair(ed.text("txtSelectedField"), ed.applyEnabled()), std::make_pair(QString("NAME"), true));
     ed.place(31, 1, "8");
@@ -277,6 +288,9 @@ TEST(Properties, OkWritesTheControlsBackAfterTheChipTypeDrivesMemoryListAndBound
     std::vector<int> bounds;
     for (int page = 0; page < 8; ++page) bounds.push_back(p.Card->GetBoundary(page));
     EXPECT_EQ(bounds, (std::vector<int>{5, 18, 18, 20, 18, 18, 18, 31}));
+    QStringList pages;  // each boundary box's label names its page
+    for (int page = 0; page < 8; ++page) pages << d.caption(QStringLiteral("lblPage(%1)").arg(page));
+    EXPECT_EQ(pages.join(","), QString("Page 0,Page 1,Page 2,Page 3,Page 4,Page 5,Page 6,Page 7"));
     d.chip(0)->click();
     EXPECT_EQ(std::make_pair(d.memoryList(), d.boundaryTab()), std::make_pair(false, false));
 }
@@ -378,8 +392,9 @@ TEST(EditiClassFields, NewClearsTheEntriesForTheNextItemAndCancelKeepsWhatWasApp
         ed.place(22, 0, "2");
         ed.click("cmdApply");
         ed.click("cmdCancel");
-        EXPECT_EQ(std::make_tuple(ed.records().size(), form.appliedCount(), form.Cancelled, ed.messageTexts().size()),
-                  std::make_tuple(2, 2, true, 0u));
+        EXPECT_EQ(std::make_tuple(ed.records().size(), form.appliedCount(), form.Cancelled, ed.messageTexts().size(),
+                                  ed.records()[1].block, ed.records()[1].beginBit),  // placed at begin bit 0
+                  std::make_tuple(2, 2, true, 0u, 22, 0));
     }
 }
 
@@ -444,6 +459,7 @@ TEST(Properties, BoundaryBoxesTakeFiveToThirtyOne) {
     for (const auto& [typed, keys, kept, accepted] : cases) {
         Dialog d;
         frmProperties& p = d.properties(iBigEightPages);
+        d.bound(2)->setText("40");  // the box left for is not checked when a refusal takes the focus back
         d.bound(1)->setFocus();
         d.bound(1)->clear();
         keys ? QTest::keyClicks(d.bound(1), typed) : d.bound(1)->setText(typed);
@@ -649,6 +665,11 @@ TEST(DialogLimits, TheSizeBoxCutsToTheModesLimitAndTheArrowsStepWithinTheRoomLef
     QStringList stepped;
     for (int steps : {1, -1, -1, 1, 1}) d.child<QAbstractSpinBox>("spinBytes")->stepBy(steps), stepped << d.text("txtNrBytes");
     EXPECT_EQ(stepped, QStringList({"2", "1", "1", "2", "3"}));  // an empty box counts as 1 first
+    QLineEdit& size = *d.child<QLineEdit>("txtNrBytes");  // text pasted in keeps its digits, the cursor after them
+    size.setText("15");
+    size.setCursorPosition(1);
+    size.insert("2a");
+    EXPECT_EQ(std::make_pair(size.text(), size.cursorPosition()), std::make_pair(QString("125"), 2));
     for (const auto& [block, byte, room] : {std::tuple{31, 6, 2}, std::tuple{30, 0, 16}, std::tuple{19, 0, 104}}) {
         Dialog mt;
         mt.open<frmMultiTrack>();
