@@ -46,11 +46,6 @@ QVariant TextGridModel::headerData(int section, Qt::Orientation orientation, int
     return QAbstractTableModel::headerData(section, orientation, role);
 }
 
-QString TextGridModel::cellText(int row, int column) const {
-    if (row < 0 || row >= rowCount() || column < 0 || column >= columnCount()) return {};
-    return m_rows[static_cast<size_t>(row)][static_cast<size_t>(column)];
-}
-
 int TextGridModel::columnWidthPixels(int column, int dpi) const {
     if (column < 0 || column >= columnCount()) return 0;
     return twipsToPixels(m_columns[static_cast<size_t>(column)].widthTwips, dpi);

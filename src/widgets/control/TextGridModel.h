@@ -24,8 +24,6 @@ public:
 
     // How many rows the grid shows (0 for the single empty row).
     int itemCount() const { return m_itemCount; }
-    // The text of one cell, empty outside the table.
-    QString cellText(int row, int column) const;
     // The width of a column (kept in twips) in pixels at the given logical DPI; 0 outside the table.
     int columnWidthPixels(int column, int dpi) const;
 
