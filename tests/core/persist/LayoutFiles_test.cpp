@@ -79,10 +79,10 @@ TEST(LayoutFiles, EveryKindOfEntrySavesToTheseBytesAndOpensTheSame) {
 }
 
 // Field keys are numbered per name, letter case ignored, however many names come between: here
-// the eighty parts of forty combined fields.
+// the three hundred parts of a hundred and fifty combined fields.
 TEST(LayoutFiles, FieldKeysAreNumberedPerNameHoweverManyNamesComeBetween) {
     std::vector<ItemRecord> items{field("Name", 0, 19, 0, 1)};
-    for (int i = 0; i < 40; ++i) items.push_back(field("A" + std::to_string(i) + " [+] B" + std::to_string(i), 0, 20, 0, 1));
+    for (int i = 0; i < 150; ++i) items.push_back(field("A" + std::to_string(i) + " [+] B" + std::to_string(i), 0, 20, 0, 1));
     items.push_back(field("NAME", 0, 21, 0, 1));
     const std::string bytes = renderLayoutFile(chipOf(iBigOnePage), recordsOf(items), {}).bytes;
     EXPECT_EQ(std::tuple(bytes.find("\r\nNAME(1)="), bytes.find("\r\nNAME(2)=") != std::string::npos),

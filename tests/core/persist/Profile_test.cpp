@@ -30,6 +30,7 @@ TEST(Cp1252, EveryByteComesBackFromUtf8AndWhatItCannotHoldBecomesQuestionMarks) 
     const std::pair<std::string, std::string> cases[] = {
         {"\xE2\x82\xAC 5", "\x80 5"},  // the euro sign has a byte of its own
         {"\xE6\x97\xA5", "?"},          // one character, one mark
+        {"\xE0\xA0\x80", "?"},          // the first three-byte code point
         {"\xF4\x8F\xBF\xBF", "?"},      // the last code point
         {"\xF4\x90\x80\x80", "????"},   // beyond it: four broken bytes
         {"\xED\xA0\x80", "???"},        // a surrogate half

@@ -88,8 +88,14 @@ TEST(EditorEntries, DatabaseUpdateAndItemEntriesAreCheckedAndBecomeOneRecord) {
         EXPECT_EQ(v ? std::pair(v->textId, v->focus) : std::pair(0, Box::None), std::pair(textId, focus));
         const ItemRecord r = dbUpdateRecordOf(e);
         if (v) continue;
-        EXPECT_EQ(std::tuple(r.isDbUpdate, r.name, r.dbFieldName, r.dbColumn, r.param1, r.param2, dbUpdateEntriesOf(r).function),
-                  std::tuple(true, e.function, "NUMBER", 4, param1, param2, e.function));
+        EXPECT_EQ(std::tuple(r.isDbUpdate, r.name, r.dbFieldName, r.dbColumn, r.param1, r.param2),
+                  std::tuple(true, e.function, "NUMBER", 4, param1, param2));
+        // What the dialog shows when the update is edited: its function and values.
+        const DbUpdateEntries back = dbUpdateEntriesOf(r);
+        const std::string values =
+            e.function == "Constant" ? param1 + "||" : e.function == "Count" ? "|" + param1 + "|" + param2 : "||";
+        EXPECT_EQ(std::tuple(back.function, back.constantText + "|" + back.countNumberText + "|" + back.countStepText),
+                  std::tuple(e.function, values));
     }
     // The item editor's record has the kind, place and size of its mode.
     const std::pair<int32_t, const char*> modes[] = {
