@@ -135,6 +135,8 @@ TEST(PeStringTableHostile, IsRefusedWithItsReason) {
     const std::pair<std::string, const char*> cases[] = {
         {"", "no MZ signature"}, {patched(0, 'Z' | 'M' << 8, 2), "no MZ signature"},
         {std::string("MZ\x90\0", 4), "DOS header is incomplete"}, {patched(0x3C, 0xFFFFFFF0), "points past the end"},
+        // cut right after the DOS header, right after the COFF header
+        {sound.substr(0, 0x40), "points past the end"}, {sound.substr(0, 0x58), "optional header is incomplete"},
         {patched(0x40, 'N' | 'E' << 8, 2), "16-bit Windows (NE)"}, {patched(0x40, 'L' | 'E' << 8, 2), "no PE signature"},
         {sound.substr(0, 0x4A), "COFF header is incomplete"}, {hugeTree(), "too many directory entries"},
         {sound.substr(0, OptionalHeader + 50), "optional header is incomplete"},
