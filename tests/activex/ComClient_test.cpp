@@ -20,7 +20,8 @@ std::wstring nameOf(ITypeInfo* info, MEMBERID member = MEMBERID_NIL) {
     BSTR name = nullptr;
     info->GetDocumentation(member, &name, nullptr, nullptr, nullptr);
     const std::wstring text = textOf(name);
-    return SysFreeString(name), text;
+    SysFreeString(name);
+    return text;
 }
 
 // The default value of a key under HKEY_CLASSES_ROOT; kNoKey when the key is not there.
@@ -105,7 +106,8 @@ std::vector<std::wstring> members(ITypeInfo* info) {
 
 MEMBERID idOf(ITypeInfo* info, const wchar_t* name) {
     MEMBERID id = MEMBERID_NIL;
-    return info->GetIDsOfNames(const_cast<LPOLESTR*>(&name), 1, &id), id;
+    info->GetIDsOfNames(const_cast<LPOLESTR*>(&name), 1, &id);
+    return id;
 }
 
 // The handles of language libraries are as wide as a module handle of this build.
