@@ -663,7 +663,10 @@ TEST(DialogLimits, TheSizeBoxCutsToTheModesLimitAndTheArrowsStepWithinTheRoomLef
     Dialog d;
     d.open<frmEditiClass>(kModeField);
     QStringList stepped;
-    for (int steps : {1, -1, -1, 1, 1}) d.child<QAbstractSpinBox>("spinBytes")->stepBy(steps), stepped << d.text("txtNrBytes");
+    for (int steps : {1, -1, -1, 1, 1}) {
+        d.child<QAbstractSpinBox>("spinBytes")->stepBy(steps);
+        stepped << d.text("txtNrBytes");
+    }
     EXPECT_EQ(stepped, QStringList({"2", "1", "1", "2", "3"}));  // an empty box counts as 1 first
     QLineEdit& size = *d.child<QLineEdit>("txtNrBytes");  // text pasted in keeps its digits, the cursor after them
     size.setText("15");
