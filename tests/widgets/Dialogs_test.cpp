@@ -69,8 +69,8 @@ bool lightColour(int32_t bgr) {
 TEST(EditiClassFields, APlaceBeyondThePageIsRefusedAndOneOnItIsAppliedByOk) {
     Dialog ed;
     frmEditiClass& form = ed.open<frmEditiClass>(kModeField);
-    // The field grid shows each field's name, type, size and description; rows picked in one go (a drag with
-    // Ctrl over several) join their names in the grid's order.
+    // The field grid shows each field's name, type, size and description; rows added to the choice in one
+    // selection change join their names in the grid's order.
     QTableWidget& grid = *ed.child<QTableWidget>("grdFields");
     QStringList cells;
     for (int row : {0, 4})
